@@ -1,0 +1,21 @@
+#include "app/application.h"
+#include "app/screens.h"
+#include "store/database.h"
+#include "ui/message_box.h"
+
+#include <QApplication>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char* argv[]) {
+    QApplication application(argc, argv);
+    app::prepare(application);
+    try {
+        store::bringBackToOneFile(store::Database::registerPath());
+    } catch (const std::exception& failure) {
+        ui::showMessage(nullptr, store::explain(failure), u"メニュー"_s, desk::Icon::exclamation);
+    }
+    ui::Workplace workplace(app::screens());
+    workplace.open(u"メニュー"_s);
+    return QApplication::exec();
+}

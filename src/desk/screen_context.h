@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+
+#include <cstdint>
+
+namespace store {
+struct tbl_danka;
+}
+
+namespace desk {
+
+struct HouseholdBlock {
+    std::int16_t dnk_no1 = 0; // 0: no household chosen
+    std::int16_t dnk_no2 = 0;
+    QString dnk_nameg;
+    QString dnk_namek;
+    QString dnk_kbn; // "檀家" or "一般"
+    QString dnk_toshug;
+    QString dnk_toshuk;
+    QString dnk_haka_basho; // "境内" or "境外"
+    QString dnk_yubin;
+    QString dnk_jyusho1;
+    QString dnk_jyusho2;
+    QString dnk_tel;
+    QString dnk_fax;
+    QString dnk_chiku;
+    QString dnk_bikou;
+
+    // Takes names, category, address and contacts from a household's row; numbers and dnk_haka_basho stay.
+    void takeNames(const store::tbl_danka& row);
+};
+
+struct DeceasedBlock {
+    QString kak_zokunameg;
+    QString kak_zokunamek;
+    QString kak_kaimyoug;
+    QString kak_kaimyouk;
+    QDate kak_mei_ymd = QDate(1899, 12, 30); // the zero date when cleared
+    std::int16_t kak_kyounen = 0;
+    QString kak_bikou;
+    QString kak_kankeisha;
+    QString kak_zokugara;
+};
+
+struct MemorialBlock {
+    QDate hoy_kaiki_yymd = QDate(1899, 12, 30);
+};
+
+struct MemberBlock {
+    QString kzk_nameg;
+};
+
+struct GraveBlock {
+    std::int16_t hak_no = 0;
+};
+
+// State of one save attempt.
+struct CheckState {
+    QString chk_msgflg = QStringLiteral("0"); // "1" once a message has been chosen
+    QString chk_errflg = QStringLiteral("0"); // "1" when any check failed
+    QString chk_msg;
+    std::int16_t chk_dterr = 0; // 1 when the last date group checked is wrong
+    std::int16_t chk_dtidx = 0; // field number, 1 to 8, of the date group being checked
+    QString chk_ymd;            // Western date of the last group, "yyyy/mm/dd", or empty
+};
+
+// The hand-off record between screens: one for the whole run.
+struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock, GraveBlock, CheckState {
+    std::int16_t hak_himo_no = 0; // grave chosen in a picker, 0 none
+
+    // Clears the record: household, deceased (its related person and relationship apart), memorial, member and grave;
+    // hak_himo_no and the check state keep their values.
+    void G初期値();
+
+    // Sets the household number. When it is another household's, deceased, member and memorial are emptied first, so
+    // that no person of one household is looked for in another; the grave is left alone.
+    void publishHousehold(std::int16_t no1);
+    // The same with the whole block.
+    void publishHousehold(const HouseholdBlock& household);
+
+    // Chooses a deceased by secular name; another one than the present empties the rest of the block.
+    void chooseDeceased(const QString& zokunameg);
+};
+
+} // namespace desk

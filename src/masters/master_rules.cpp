@@ -1,0 +1,138 @@
+#include "masters/master_rules.h"
+
+#include "desk/save_attempt.h"
+#include "store/table.h"
+#include "values/numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace masters {
+
+namespace {
+
+const QString title = u"ｺｰﾄﾞﾏｽﾀｰ情報"_s;
+
+std::int16_t number(Category category) {
+    return static_cast<std::int16_t>(category);
+}
+
+// Calls use(row) for the category's entries in entry order until it answers false.
+template <class Use> void walk(store::Database& database, Category category, Use use) {
+    store::Table entries(database, store::key_マスタ);
+    for (entries.seek(store::Seek::atOrAfter, number(category), 0);
+         !entries.eof() && entries.row().マ_区分 == number(category); entries.moveNext()) {
+        if (!use(entries.row()))
+            return;
+    }
+}
+
+Category chosen(const マスター登Form& form) {
+    if (form.地区.chosen)
+        return Category::地区;
+    return form.場所.chosen ? Category::場所 : Category::続柄;
+}
+
+void fillGrid(store::Database& database, マスター登Form& form) {
+    form.マスタ一.columns = {{u"区分"_s, 500, desk::Align::right, desk::Align::right},
+                             {u"NO"_s, 500, desk::Align::right, desk::Align::right},
+                             {u"略称"_s, 1000},
+                             {u"名称"_s, 3000}};
+    form.マスタ一.blankRows = 12;
+    form.マスタ一.rows.clear();
+    walk(database, chosen(form), [&](const store::マスタ& row) {
+        form.マスタ一.rows.push_back(
+            {QString::number(row.マ_区分), QString::number(row.マ_NO), row.マ_略称, row.マ_名称});
+        return true;
+    });
+}
+
+} // namespace
+
+void CMB設定(store::Database& database, Category category, desk::Combo& list) {
+    list.items.clear();
+    walk(database, category, [&](const store::マスタ& row) {
+        list.items.append(row.マ_略称);
+        return true;
+    });
+}
+
+void MST設定(store::Database& database, Category category, const QString& text) {
+    if (text.isEmpty())
+        return;
+    std::int16_t last = 0;
+    bool known = false;
+    walk(database, category, [&](const store::マスタ& row) {
+        last = row.マ_NO;
+        known = row.マ_名称 == text || row.マ_略称 == text;
+        return !known;
+    });
+    if (known)
+        return;
+    store::Table entries(database, store::key_マスタ);
+    entries.insert({number(category), static_cast<std::int16_t>(last + 1), text, text});
+}
+
+void openMasters(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    form.続柄.chosen = true;
+    chooseCategory(form, context, desk);
+}
+
+void chooseCategory(マスター登Form& form, desk::ScreenContext&, desk::Desk&) {
+    for (desk::Text* box : {&form.登録NO, &form.登録名称, &form.登録略称})
+        box->text.clear();
+    store::Database database;
+    fillGrid(database, form);
+}
+
+void pickEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    const QString no = form.マスタ一.cell(form.マスタ一.clickedRow, 1);
+    if (no.isEmpty()) {
+        desk.notify(u"指示位置が有効範囲外です。"_s, title);
+        return;
+    }
+    store::Database database;
+    store::Table entries(database, store::key_マスタ);
+    if (!entries.seek(store::Seek::equal, number(chosen(form)), no.toInt())) {
+        desk.notify(u"指定された名称は登録されていません。"_s, title);
+        return;
+    }
+    form.登録NO.text = QString::number(entries.row().マ_NO);
+    form.登録名称.text = entries.row().マ_名称;
+    form.登録略称.text = entries.row().マ_略称;
+}
+
+void saveEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const auto no = values::readInt16(form.登録NO.text);
+    desk::SaveAttempt attempt(context);
+    attempt.check(no.has_value(), form.登録NO, u"登録NOに正しく入力してください"_s);
+    attempt.required(form.登録名称, u"登録名称に入力してください"_s);
+    attempt.required(form.登録略称, u"登録略称に入力してください"_s);
+    if (attempt.reported(desk, title) || !desk.ask(u"入力内容で更新します。"_s, title))
+        return;
+    store::Database database;
+    store::Table entries(database, store::key_マスタ);
+    const store::マスタ row{number(chosen(form)), *no, form.登録名称.text, form.登録略称.text};
+    if (entries.seek(store::Seek::equal, row.マ_区分, row.マ_NO))
+        entries.edit(row);
+    else
+        entries.insert(row);
+    desk.notify(u"名称は更新(登録)されました。"_s, title);
+    fillGrid(database, form);
+}
+
+void deleteEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    if (!desk.ask(u"入力内容を削除します。"_s, title))
+        return;
+    const auto no = values::readInt16(form.登録NO.text);
+    store::Database database;
+    store::Table entries(database, store::key_マスタ);
+    if (!no || !entries.seek(store::Seek::equal, number(chosen(form)), *no)) {
+        desk.notify(u"指定された名称は登録されていません。"_s, title);
+        return;
+    }
+    entries.remove();
+    desk.notify(u"表示内容は削除されました。"_s, title);
+    fillGrid(database, form);
+}
+
+} // namespace masters

@@ -1,0 +1,10 @@
+#pragma once
+
+namespace store {
+
+// SQL texts (UTF-8) that make and fill a new register, from the files of the same names in data/.
+extern const char* const embedded_schema;
+extern const char* const embedded_nengo;
+extern const char* const embedded_master;
+
+} // namespace store

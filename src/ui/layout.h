@@ -1,0 +1,114 @@
+#pragma once
+
+#include "desk/form.h"
+#include "ui/screen.h"
+
+#include <QString>
+
+#include <initializer_list>
+
+class QGridLayout;
+class QGroupBox;
+class QHBoxLayout;
+class QLabel;
+class QListWidget;
+class QPushButton;
+class QVBoxLayout;
+
+namespace ui {
+
+class FlowLayout;
+
+struct OptionItem {
+    QString name;
+    desk::Option& option;
+    QString caption;
+};
+
+// Object names of a date input group's five controls.
+struct DateNames {
+    QString era;
+    QString year;
+    QString month;
+    QString day;
+    QString western;
+};
+
+// What a grid's events lead to; all but clicked may be absent.
+struct GridEvents {
+    Operation clicked = {};      // the row and column are in the grid's value
+    Operation opened = {};       // double click or Enter
+    Operation nextPage = {};     // Page Down
+    Operation previousPage = {}; // Page Up
+};
+
+// Declares a screen's controls in screen order: each call makes the widget with its object name, label, accessible
+// name, place in the tab order and binding to the form's value. Widths are in full-width characters of the screen's
+// font. The screen is put together when the layout goes out of scope.
+class Layout {
+  public:
+    explicit Layout(Screen& screen);
+    ~Layout();
+
+    // A frame below the former one; with a title it has a border. Rows that follow stand in it.
+    Layout& frame(const QString& name = {}, const QString& title = {});
+    // The next frame stands to the right of the former ones of this band.
+    Layout& beside();
+    // The next frame stands below the last one of its column, not of the band.
+    Layout& below();
+    // A new row with its label on the left.
+    Layout& row(const QString& label = {}, const QString& labelName = {});
+
+    Layout& note(const QString& text, const QString& name = {}); // plain text inside a row
+    Layout& text(const QString& name, desk::Text& value, int width);
+    Layout& number(const QString& name, desk::Text& value, int width); // right-aligned
+    Layout& shown(const QString& name, desk::Text& value, int width);  // only shows: read-only, not in the tab order
+    Layout& combo(const QString& name, desk::Combo& value, int width, Operation picked = {});
+    // Option buttons in a frame of their own; may all be off.
+    Layout& options(const QString& frameName, const QString& title, std::initializer_list<OptionItem> items,
+                    Operation chosen = {});
+    Layout& check(const QString& name, desk::Check& value, const QString& caption);
+    // chosen runs on a click and on Enter.
+    Layout& list(const QString& name, desk::List& value, int width, int lines, Operation chosen = {},
+                 const QString& heading = {});
+    // The last lists scroll together and show the same line as chosen; only the first of them is in the tab order.
+    Layout& parallel(int lists);
+    Layout& dates(const DateNames& names, desk::DateGroup& value);
+    Layout& grid(const QString& name, desk::Grid& value, GridEvents events, int visibleRows = 14);
+    Layout& button(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
+    // Any other widget as an item of the row; the caller binds it.
+    Layout& widget(QWidget* widget);
+
+    // The row of buttons at the bottom.
+    Layout& mainAction(const QString& name, const QString& caption, Operation operation);
+    Layout& action(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
+    Layout& gap();                                                    // what follows stands apart
+    Layout& closing(const QString& caption = QStringLiteral("終了")); // the button 終了, at the right end
+
+    // Runs when the keyboard leaves the control declared last for another control of the screen.
+    Layout& onLeave(Operation operation);
+    QWidget* last() const { return last_; }
+
+  private:
+    void place(QWidget* widget, int stretch = 0);
+    void label(QWidget* widget);
+    int pixels(int width) const;
+    QPushButton* makeButton(const QString& name, const QString& caption, Operation operation, const QString& tooltip);
+
+    Screen& screen_;
+    QWidget* body_;
+    QVBoxLayout* bands_;
+    QHBoxLayout* band_ = nullptr;
+    QVBoxLayout* column_ = nullptr;
+    QGridLayout* rows_ = nullptr;
+    QHBoxLayout* items_ = nullptr;
+    QLabel* label_ = nullptr;
+    QWidget* bar_;
+    FlowLayout* buttons_;
+    QWidget* last_ = nullptr;
+    std::vector<QListWidget*> lists_;
+    enum class Next { band, beside, below } next_ = Next::band;
+    bool grid_ = false; // a grid takes the room that the window gives
+};
+
+} // namespace ui

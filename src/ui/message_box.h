@@ -1,0 +1,15 @@
+#pragma once
+
+#include "desk/desk.h"
+
+class QWidget;
+
+namespace ui {
+
+// A message box with an OK button; returns when it has been answered.
+void showMessage(QWidget* parent, const QString& text, const QString& title, desk::Icon icon);
+
+// A question with はい and いいえ; true on はい. Escape and closing are いいえ.
+bool askQuestion(QWidget* parent, const QString& text, const QString& title);
+
+} // namespace ui

@@ -1,0 +1,293 @@
+#include "ui/screen.h"
+
+#include "store/database.h"
+#include "ui/message_box.h"
+#include "ui/workplace.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QProgressDialog>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace ui {
+
+namespace {
+
+QColor colourOf(desk::Colour colour) {
+    switch (colour) {
+    case desk::Colour::darkRed:
+        return QColor(128, 0, 0);
+    case desk::Colour::red:
+        return QColor(255, 0, 0);
+    case desk::Colour::black:
+        break;
+    }
+    return QColor(0, 0, 0);
+}
+
+void paint(QWidget* widget, desk::Colour colour) {
+    QPalette palette = QApplication::palette(widget);
+    const auto* edit = qobject_cast<QLineEdit*>(widget);
+    if (edit && edit->isReadOnly())
+        palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    if (colour != desk::Colour::black) {
+        palette.setColor(QPalette::Text, colourOf(colour));
+        palette.setColor(QPalette::WindowText, colourOf(colour));
+        // An empty box has no text to colour: a pale ground shows that it is meant.
+        palette.setColor(QPalette::Base, QColor(255, 232, 232));
+    }
+    widget->setPalette(palette);
+}
+
+// Progress of a long run in a window of its own; the user can only cancel it.
+class ProgressWindow : public desk::Progress {
+  public:
+    ProgressWindow(QWidget* parent, const QString& title) : dialog_(parent) {
+        dialog_.setObjectName(u"進行状況"_s);
+        dialog_.setWindowTitle(title);
+        dialog_.setCancelButtonText(u"中止"_s);
+        dialog_.setRange(0, 100);
+        dialog_.setMinimumDuration(500);
+        dialog_.setAutoReset(false);
+        dialog_.setAutoClose(false);
+        dialog_.setWindowModality(Qt::ApplicationModal);
+        dialog_.setValue(0);
+    }
+
+    bool advance(int percent, const QString& text) override {
+        dialog_.setLabelText(text);
+        dialog_.setValue(percent);
+        QApplication::processEvents();
+        return !dialog_.wasCanceled();
+    }
+
+  private:
+    QProgressDialog dialog_;
+};
+
+bool composing(const QObject* widget) {
+    return widget->property("composing").toBool();
+}
+
+} // namespace
+
+class Screen::ScreenDesk : public desk::Desk {
+  public:
+    explicit ScreenDesk(Screen& screen) : screen_(screen) {}
+
+    void notify(const QString& text, const QString& title, desk::Icon icon) override {
+        showForUser();
+        showMessage(&screen_, text, title, icon);
+    }
+    bool ask(const QString& text, const QString& title) override {
+        showForUser();
+        return askQuestion(&screen_, text, title);
+    }
+    QDate today() const override { return screen_.workplace_.today(); }
+    void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
+        // From here on the record is the opened screen's.
+        screen_.takeKept();
+        screen_.handedOver_ = true;
+        screen_.workplace_.open(screen, &screen_, how, std::move(closed));
+    }
+    void close() override { screen_.closing_ = true; }
+    std::unique_ptr<desk::Progress> progress(const QString& title) override {
+        return std::make_unique<ProgressWindow>(&screen_, title);
+    }
+
+  private:
+    // The user sees the marks and numbers that the message speaks of.
+    void showForUser() {
+        screen_.showForm();
+        if (!screen_.isVisible())
+            screen_.show();
+    }
+
+    Screen& screen_;
+};
+
+Screen::Screen(Workplace& workplace, const QString& name, const QString& caption, const QString& title, Keeps keeps)
+    : workplace_(workplace), title_(title), keeps_(keeps), desk_(std::make_unique<ScreenDesk>(*this)) {
+    setObjectName(name);
+    setWindowTitle(caption);
+    setWindowFlag(Qt::Window);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
+}
+
+Screen::~Screen() = default;
+
+desk::Desk& Screen::desk() {
+    return *desk_;
+}
+
+desk::ScreenContext& Screen::context() {
+    return workplace_.context;
+}
+
+void Screen::operate(const Operation& operation) {
+    if (busy_)
+        return;
+    busy_ = true;
+    handedOver_ = false;
+    readForm();
+    putBackKept();
+    try {
+        operation();
+    } catch (const std::exception& failure) {
+        desk_->notify(store::explain(failure), title_, desk::Icon::exclamation);
+    }
+    if (!handedOver_)
+        takeKept();
+    showForm();
+    for (const Binding& binding : bindings_) {
+        if (!binding.control || !binding.control->keyboard)
+            continue;
+        binding.control->keyboard = false;
+        binding.widget->setFocus(Qt::OtherFocusReason);
+        break;
+    }
+    busy_ = false;
+    if (closing_)
+        close();
+}
+
+void Screen::applyTabOrder() {
+    for (std::size_t i = 1; i < tabOrder_.size(); ++i)
+        QWidget::setTabOrder(tabOrder_[i - 1], tabOrder_[i]);
+}
+
+void Screen::open() {
+    applyTabOrder();
+    if (load_)
+        operate(load_);
+}
+
+void Screen::bind(Binding binding) {
+    binding.widget->installEventFilter(this);
+    bindings_.push_back(std::move(binding));
+}
+
+void Screen::addToTabOrder(QWidget* widget) {
+    tabOrder_.push_back(widget);
+    widget->installEventFilter(this);
+}
+
+void Screen::onLeave(QWidget* widget, Operation operation) {
+    leaving_.emplace_back(widget, std::move(operation));
+}
+
+void Screen::readForm() {
+    for (const Binding& binding : bindings_) {
+        if (binding.intoForm)
+            binding.intoForm();
+    }
+}
+
+void Screen::showForm() {
+    for (const Binding& binding : bindings_) {
+        if (binding.intoWidget)
+            binding.intoWidget();
+        if (!binding.control)
+            continue;
+        paint(binding.widget, binding.control->colour);
+        binding.widget->setEnabled(binding.control->enabled);
+        if (!binding.control->first)
+            continue;
+        binding.control->first = false;
+        const auto place = std::find(tabOrder_.begin(), tabOrder_.end(), binding.widget);
+        if (place == tabOrder_.end())
+            continue;
+        std::rotate(tabOrder_.begin(), place, place + 1);
+        applyTabOrder();
+    }
+}
+
+void Screen::putBackKept() {
+    if (!keeping_)
+        return;
+    desk::ScreenContext& context = workplace_.context;
+    if (keeps_.household)
+        context.publishHousehold(static_cast<const desk::HouseholdBlock&>(kept_));
+    if (keeps_.deceased)
+        static_cast<desk::DeceasedBlock&>(context) = kept_;
+    if (keeps_.memorial)
+        static_cast<desk::MemorialBlock&>(context) = kept_;
+    if (keeps_.member)
+        static_cast<desk::MemberBlock&>(context) = kept_;
+    if (keeps_.grave)
+        static_cast<desk::GraveBlock&>(context) = kept_;
+}
+
+void Screen::takeKept() {
+    kept_ = workplace_.context;
+    keeping_ = true;
+}
+
+void Screen::focusMoved(QWidget* from, QWidget* to) {
+    if (busy_ || !from || !to || to->window() != this || from->window() != this || to->objectName() == u"終了"_s)
+        return;
+    for (const auto& [widget, operation] : leaving_) {
+        if (widget != from || widget == to)
+            continue;
+        // After the event that moved the keyboard: a message now would swallow the click that goes with it.
+        QTimer::singleShot(0, this, [this, run = operation] {
+            const QPointer<QWidget> there = QApplication::focusWidget();
+            operate(run);
+            if (there && there->window() == this)
+                there->setFocus(Qt::OtherFocusReason);
+        });
+    }
+}
+
+void Screen::closeEvent(QCloseEvent* event) {
+    if (busy_) {
+        event->ignore();
+        return;
+    }
+    event->accept();
+    workplace_.closed(this);
+}
+
+bool Screen::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::InputMethod:
+        watched->setProperty("composing", !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty());
+        break;
+    case QEvent::Wheel:
+        // A turn of the wheel over a closed list must not change a record.
+        if (qobject_cast<QComboBox*>(watched)) {
+            event->ignore();
+            return true;
+        }
+        break;
+    case QEvent::KeyPress: {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key != Qt::Key_Return && key != Qt::Key_Enter)
+            break;
+        if (auto* button = qobject_cast<QAbstractButton*>(watched)) {
+            button->click();
+            return true;
+        }
+        if (qobject_cast<QAbstractItemView*>(watched) || composing(watched))
+            break;
+        if (qobject_cast<QLineEdit*>(watched) || qobject_cast<QComboBox*>(watched)) {
+            focusNextChild();
+            return true;
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+} // namespace ui

@@ -1,0 +1,64 @@
+#include "ui/workplace.h"
+
+#include "ui/message_box.h"
+
+#include <QWindow>
+
+using namespace Qt::StringLiterals;
+
+namespace ui {
+
+Workplace::Workplace(QHash<QString, ScreenMaker> makers) : makers_(std::move(makers)) {}
+
+Workplace::~Workplace() {
+    qDeleteAll(open_);
+}
+
+void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Operation closed) {
+    Screen* screen = open_.value(name);
+    const bool fresh = !screen;
+    if (fresh) {
+        const auto maker = makers_.value(name);
+        if (!maker) {
+            showMessage(opener, u"「%1」の画面はまだありません。"_s.arg(name), opener ? opener->title() : name,
+                        desk::Icon::exclamation);
+            return;
+        }
+        screen = maker(*this).release();
+        open_.insert(name, screen);
+    }
+    if (how == desk::Opening::modal && opener) {
+        waiting_[name].push_back({opener, std::move(closed)});
+        // A visible window takes a change of modality only when it is shown anew.
+        if (screen->isVisible())
+            screen->hide();
+        screen->setWindowModality(Qt::WindowModal);
+        screen->winId();
+        screen->windowHandle()->setTransientParent(opener->window()->windowHandle());
+    }
+    const QPointer<Screen> alive = screen;
+    if (fresh)
+        screen->open();
+    if (!alive)
+        return;
+    screen->setWindowState(screen->windowState() & ~Qt::WindowMinimized);
+    screen->show();
+    screen->raise();
+    screen->activateWindow();
+}
+
+Screen* Workplace::find(const QString& name) const {
+    return open_.value(name);
+}
+
+void Workplace::closed(Screen* screen) {
+    const QString name = screen->objectName();
+    open_.remove(name);
+    screen->deleteLater();
+    for (const Waiting& waiting : waiting_.take(name)) {
+        if (waiting.opener && waiting.closed)
+            waiting.opener->operate(waiting.closed);
+    }
+}
+
+} // namespace ui

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "desk/screen_context.h"
+#include "ui/screen.h"
+
+#include <QDate>
+#include <QHash>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+namespace ui {
+
+using ScreenMaker = std::function<std::unique_ptr<Screen>(Workplace&)>;
+
+// The open screens, each at most once, and the record they share.
+class Workplace {
+  public:
+    // makers: every screen of the program by name; a screen without a maker is reported as not there when it is opened.
+    explicit Workplace(QHash<QString, ScreenMaker> makers);
+    ~Workplace();
+
+    desk::ScreenContext context;
+    std::function<QDate()> today = [] { return QDate::currentDate(); };
+
+    // Opens a screen or brings it forward without loading it again. modal: the opener is blocked until the screen
+    // closes; closed then runs as the opener's operation. Reports a missing screen under the opener's title.
+    void open(const QString& name, Screen* opener = nullptr, desk::Opening how = desk::Opening::modeless,
+              Operation closed = {});
+
+    // The open screen of this name, null when it is not open.
+    Screen* find(const QString& name) const;
+
+    // A screen has accepted its closing: it is let go and its waiting openers are told.
+    void closed(Screen* screen);
+
+  private:
+    struct Waiting {
+        QPointer<Screen> opener;
+        Operation closed;
+    };
+    QHash<QString, ScreenMaker> makers_;
+    QHash<QString, Screen*> open_;
+    QHash<QString, std::vector<Waiting>> waiting_;
+};
+
+} // namespace ui
