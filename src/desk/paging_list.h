@@ -1,0 +1,187 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+
+#include <QString>
+
+#include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace desk {
+
+inline constexpr int pageRows = 30;
+
+template <class Row> struct ListColumn {
+    QString header;
+    int twips = 0;
+    std::function<QString(const Row&)> cell;
+    Align align = Align::left;
+    Align headerAlign = Align::left;
+};
+
+// All that tells one list screen from another, the selection apart.
+template <class Row, class Key> struct ListDescription {
+    QString title;   // of every message of the list.
+    QString nothing; // shown when no record lies at or after the position; empty: nothing is said
+    std::vector<ListColumn<Row>> columns;
+    std::function<Key(const Row&)> key;
+    std::function<bool(const Row&)> listed = {}; // rows it refuses are passed over and use no row of the page
+    // Completes the 1 to 30 rows of a page with what other tables know, after the selection has been released.
+    std::function<void(std::vector<Row>&, Desk&)> complete = {};
+    std::size_t tableSlots = 10; // of each page table
+    QString outOfRange = QStringLiteral("有功範囲外を指定しています。やり直して下さい");
+};
+
+// A selection shown thirty rows a page. Between pages only key values are held: every fill reads anew, from the first
+// record at or after the position. Each page after the first begins with the last row of the page before.
+//
+// `Key` holds the sort fields that the position is searched by and needs `==` only.
+template <class Row, class Key> class PagingList {
+  public:
+    // Is handed the rows of a selection in order; false: no more are wanted.
+    using Take = std::function<bool(Row)>;
+    // Hands over the records from the first at or after the key on, until refused or at the end. Returns false when
+    // there is no such record. Whatever it opens it releases before it returns.
+    using Source = std::function<bool(const Key&, const Take&)>;
+
+    PagingList(ListDescription<Row, Key> description, Key start)
+        : description_(std::move(description)), start_(start), position_(std::move(start)),
+          starts_(description_.tableSlots), ends_(description_.tableSlots) {}
+
+    // Columns and headers, no rows, no highlight colour.
+    void setUp(Grid& grid) const {
+        grid.columns.clear();
+        for (const auto& column : description_.columns)
+            grid.columns.push_back({column.header, column.twips, column.align, column.headerAlign});
+        grid.rows.clear();
+        grid.highlighted = 0;
+    }
+
+    // Sets where the list begins and puts the position there.
+    void setStart(Key start) {
+        start_ = std::move(start);
+        position_ = start_;
+    }
+
+    void setPosition(Key position) { position_ = std::move(position); }
+
+    void clearTables() {
+        starts_.assign(starts_.size(), std::nullopt);
+        ends_.assign(ends_.size(), std::nullopt);
+    }
+
+    // Forgets the pages seen and fills the first one.
+    bool showFirstPage(const Source& source, Grid& grid, Desk& desk) {
+        clearTables();
+        position_ = start_;
+        return fill(source, grid, desk);
+    }
+
+    // Fills the page that begins at the position. Returns false, with everything as it was, when no record lies there;
+    // what the source throws leaves everything as it was, too. The user's selection is never changed.
+    bool fill(const Source& source, Grid& grid, Desk& desk) {
+        std::vector<Row> page;
+        bool more = false;
+        const bool found = source(position_, [&](Row row) {
+            if (description_.listed && !description_.listed(row))
+                return true;
+            more = page.size() == pageRows;
+            if (!more)
+                page.push_back(std::move(row));
+            return !more;
+        });
+        if (!found) {
+            if (!description_.nothing.isEmpty())
+                desk.notify(description_.nothing, description_.title);
+            return false;
+        }
+        if (description_.complete && !page.empty())
+            description_.complete(page, desk);
+
+        setUp(grid);
+        for (const Row& row : page) {
+            QStringList& cells = grid.rows.emplace_back();
+            for (const auto& column : description_.columns)
+                cells.push_back(column.cell(row));
+        }
+        rows_ = std::move(page);
+        rowCounter_ = rowsShown() + (more ? 1 : 0);
+        if (!rows_.empty()) {
+            record(starts_, description_.key(rows_.front()));
+            position_ = description_.key(rows_.back());
+        }
+        record(ends_, position_);
+        return true;
+    }
+
+    void nextPage(const Source& source, Grid& grid, Desk& desk) {
+        const bool known = std::ranges::find(ends_, std::optional(position_)) != ends_.end();
+        if (!known || rowCounter_ >= pageRows)
+            fill(source, grid, desk);
+    }
+
+    // On a page beyond the page tables the position stays, so that the list moves forward.
+    void previousPage(const Source& source, Grid& grid, Desk& desk) {
+        const auto here = std::ranges::find_if(ends_, [&](const Slot& slot) { return !slot || *slot == position_; });
+        if (here != ends_.end()) {
+            const bool first = !*here || here == ends_.begin();
+            position_ = first ? start_ : starts_[static_cast<std::size_t>(here - ends_.begin() - 1)].value_or(start_);
+        }
+        fill(source, grid, desk);
+    }
+
+    // Takes the click that the grid reports. In range: highlights the row, copies it as the selection and
+    // returns it; otherwise says so, remembers the click only and returns nullptr.
+    const Row* click(Grid& grid, Desk& desk) {
+        clickedRow_ = grid.clickedRow;
+        if (!clickInRange()) {
+            desk.notify(description_.outOfRange, description_.title);
+            return nullptr;
+        }
+        highlightedRow_ = grid.highlighted = clickedRow_;
+        selection_ = rows_[static_cast<std::size_t>(clickedRow_ - 1)];
+        return &*selection_;
+    }
+
+    // The row as it was when it was clicked, as long as the last click lies within the rows now shown; else nullptr.
+    // Paging and refilling do not change it.
+    const Row* selected() const { return selection_ && clickInRange() ? &*selection_ : nullptr; }
+
+    const Key& start() const { return start_; }
+    // Key of the last row written; before any fill, where the list begins.
+    const Key& position() const { return position_; }
+    // Rows read by the last fill: 31 when more follow than the page holds.
+    int rowCounter() const { return rowCounter_; }
+    int rowsShown() const { return static_cast<int>(rows_.size()); }
+    // Last row highlighted, 0 = none; the grid itself loses the colour at every fill.
+    int highlightedRow() const { return highlightedRow_; }
+    const QString& title() const { return description_.title; }
+
+  private:
+    using Slot = std::optional<Key>;
+
+    bool clickInRange() const { return clickedRow_ >= 1 && clickedRow_ <= rowsShown(); }
+
+    static void record(std::vector<Slot>& table, const Key& key) {
+        const auto slot = std::ranges::find_if(table, [&](const Slot& s) { return !s || *s == key; });
+        if (slot != table.end())
+            *slot = key;
+    }
+
+    ListDescription<Row, Key> description_;
+    Key start_;
+    Key position_;
+    std::vector<Slot> starts_;
+    std::vector<Slot> ends_;
+    std::vector<Row> rows_;
+    std::optional<Row> selection_;
+    int rowCounter_ = 0;
+    int clickedRow_ = 0;
+    int highlightedRow_ = 0;
+};
+
+} // namespace desk
