@@ -1,0 +1,102 @@
+#include "store/consistency.h"
+
+#include "store/embedded_data.h"
+
+#include <map>
+#include <set>
+
+using namespace Qt::StringLiterals;
+
+namespace store {
+
+namespace {
+
+QString text(const SQLite::Column& column) {
+    return QString::fromUtf8(column.getText(), column.getBytes());
+}
+
+void findDamage(Database& database, QStringList& faults) {
+    SQLite::Statement check(database.engine(), "PRAGMA integrity_check(1000)");
+    while (check.executeStep())
+        if (const QString found = text(check.getColumn(0)); found != u"ok"_s)
+            faults += u"ファイルの損傷: %1"_s.arg(found);
+}
+
+// Tables, indexes and queries by their kind and name.
+std::set<QString> layoutOf(SQLite::Database& engine) {
+    static const std::map<QString, QString> kinds = {
+        {u"table"_s, u"表"_s}, {u"index"_s, u"索引"_s}, {u"view"_s, u"クエリ"_s}, {u"trigger"_s, u"トリガー"_s}};
+    std::set<QString> layout;
+    SQLite::Statement list(engine, "SELECT type, name FROM sqlite_master WHERE name NOT LIKE 'sqlite~_%' ESCAPE '~'");
+    while (list.executeStep())
+        layout.insert(kinds.at(text(list.getColumn(0))) + u' ' + text(list.getColumn(1)));
+    return layout;
+}
+
+// True when all that the register needs is there, so that its rows can be looked at.
+bool hasWholeLayout(Database& database, QStringList& faults) {
+    SQLite::Database fresh(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    fresh.exec(embedded_schema);
+    const auto present = layoutOf(database.engine());
+    bool whole = true;
+    for (const QString& name : layoutOf(fresh))
+        if (!present.contains(name)) {
+            faults += u"%1 がありません。"_s.arg(name);
+            whole = false;
+        }
+    return whole;
+}
+
+// A statement that selects contradicting rows, and the line made of each: a % and the number of the column.
+struct Contradiction {
+    const char* statement;
+    const char16_t* line;
+};
+
+constexpr Contradiction contradictions[] = {
+    {"SELECT tblkzk_no1, tblkzk_nameg FROM tbl_kazoku WHERE tblkzk_no1 NOT IN (SELECT tbldnk_no1 FROM tbl_danka) "
+     "ORDER BY 1, 2",
+     u"家族「%2」の檀家番号 %1 の檀家がありません。"},
+    {"SELECT tblkak_no, tblkak_zokunameg FROM tbl_kakocho WHERE tblkak_no NOT IN (SELECT tbldnk_no1 FROM tbl_danka) "
+     "ORDER BY 1, 2",
+     u"過去帳「%2」の檀家番号 %1 の檀家がありません。"},
+    {"SELECT tblhoy_no, tblhoy_zokunameg, tblhoy_kaiki_mei, tblhoy_kaiki_yymd FROM tbl_hohyo "
+     "WHERE tblhoy_no NOT IN (SELECT tbldnk_no1 FROM tbl_danka) ORDER BY 1, 2, 4",
+     u"法要「%2 %3（%4）」の檀家番号 %1 の檀家がありません。"},
+    {"SELECT tblhak_no, tblhak_dnk_no FROM tbl_ohaka WHERE tblhak_dnk_no <> 0 "
+     "AND tblhak_dnk_no NOT IN (SELECT tbldnk_no1 FROM tbl_danka) ORDER BY 1",
+     u"お墓 %1 の檀家番号 %2 の檀家がありません。"},
+    {"SELECT group_concat(tblhak_no, '、'), tblhak_banchi1, tblhak_banchi2 FROM tbl_ohaka WHERE tblhak_haiki_kbn = 0 "
+     "GROUP BY tblhak_banchi1, tblhak_banchi2 HAVING count(*) > 1 ORDER BY 2, 3",
+     u"使用中のお墓 %1 が同じ区画「%2」番地「%3」にあります。"},
+    {"SELECT tblhak_no FROM tbl_ohaka WHERE tblhak_haiki_kbn = 1 AND tblhak_haiki_ymd IS NULL ORDER BY 1",
+     u"廃棄されたお墓 %1 に廃棄日がありません。"},
+    {"SELECT tblhak_no, tblhak_haiki_kbn FROM tbl_ohaka WHERE tblhak_haiki_kbn NOT IN (0, 1) ORDER BY 1",
+     u"お墓 %1 の廃棄区分が 0 でも 1 でもありません: %2"},
+    {"SELECT tbldnk_no1, tbldnk_no2, tbldnk_kanaidx, tbldnk_namek FROM tbl_danka "
+     "WHERE tbldnk_kanaidx IS NOT substr(ifnull(tbldnk_namek, '') || ' ', 1, 1) ORDER BY 1, 2",
+     u"檀家 %1-%2 のカナ索引「%3」が檀家名カナ「%4」の頭文字ではありません。"},
+    {"SELECT kind, last, highest FROM (SELECT '檀家' AS kind, ifnull(max(tbldnk_no1), 0) AS highest FROM tbl_danka "
+     "UNION ALL SELECT 'お墓', ifnull(max(tblhak_no), 0) FROM tbl_ohaka) LEFT JOIN (SELECT tblno_key2, tblno_sumino AS "
+     "last FROM tbl_hatsuban WHERE tblno_key1 = 0) ON tblno_key2 = kind WHERE highest > ifnull(last, 0)",
+     u"%1の発番「%2」が、登録されている最大の番号 %3 より小さくなっています。"},
+};
+
+} // namespace
+
+void findFaults(Database& database, QStringList& faults) {
+    findDamage(database, faults);
+    if (!hasWholeLayout(database, faults))
+        return;
+    for (const auto& [statement, line] : contradictions) {
+        SQLite::Statement rows(database.engine(), statement);
+        while (rows.executeStep()) {
+            QString fault;
+            for (const char16_t* at = line; *at; ++at)
+                fault += *at == u'%' ? text(rows.getColumn(*++at - u'1')) : QString(QChar(*at));
+            faults += fault;
+        }
+    }
+}
+
+} // namespace store

@@ -1,0 +1,160 @@
+#include "sample/sample_register.h"
+#include "store/consistency.h"
+#include "support/register_fixture.h"
+
+#include <QFile>
+#include <QProcess>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Consistency : public RegisterFixture {
+  protected:
+    static QStringList faults() {
+        store::Database database;
+        QStringList found;
+        store::findFaults(database, found);
+        return found;
+    }
+    // Runs the database tool; its exit status and all that it printed.
+    std::pair<int, QString> tool(const QStringList& arguments) const {
+        QProcess process;
+        process.setWorkingDirectory(directory.path());
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(QStringLiteral(HOSHIREN_DB), arguments);
+        EXPECT_TRUE(process.waitForFinished());
+        return {process.exitCode(), QString::fromUtf8(process.readAll())};
+    }
+    // Rows that agree with one another, for the cases to break.
+    void fill() {
+        execute(uR"(
+            INSERT INTO tbl_danka (tbldnk_no1, tbldnk_no2, tbldnk_nameg, tbldnk_namek, tbldnk_kanaidx) VALUES
+              (7, 0, '山田', 'ヤマダ', 'ヤ'), (7, 1, '山田', 'やまだ', 'や'), (8, 0, '', '', ' ');
+            INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_seishikbn) VALUES
+              (7, '旧姓', '太郎', '0');
+            INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '旧姓', 'ハナ');
+            INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_zokunameg, tblhoy_kaiki_mei, tblhoy_kaiki_yymd) VALUES
+              (7, 'ハナ', '1周忌', '2020-05-01');
+            INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_dnk_no, tblhak_haiki_kbn,
+              tblhak_haiki_ymd) VALUES
+              (1, '東', '1', 7, 0, NULL), (2, '東', '1', 0, 1, '2020-01-01'), (3, '東', '2', 0, 0, NULL);
+            UPDATE tbl_hatsuban SET tblno_sumino = 8;)"_s);
+    }
+};
+
+} // namespace
+
+TEST_F(Consistency, FindsNothingInARegisterThatAgrees) {
+    EXPECT_EQ(faults(), QStringList());
+    fill();
+    EXPECT_EQ(faults(), QStringList());
+}
+
+TEST_F(Consistency, TellsEachFaultInOneLine) {
+    const struct {
+        QString damage;
+        QStringList lines;
+    } cases[] = {
+        {u"DELETE FROM tbl_danka WHERE tbldnk_no1 = 7"_s,
+         {u"家族「太郎」の檀家番号 7 の檀家がありません。"_s, u"過去帳「ハナ」の檀家番号 7 の檀家がありません。"_s,
+          u"法要「ハナ 1周忌（2020-05-01）」の檀家番号 7 の檀家がありません。"_s,
+          u"お墓 1 の檀家番号 7 の檀家がありません。"_s}},
+        // A branch is enough for the household to be there.
+        {u"DELETE FROM tbl_danka WHERE tbldnk_no1 = 7 AND tbldnk_no2 = 0"_s, {}},
+        {u"UPDATE tbl_kazoku SET tblkzk_no1 = 9, tblkzk_nameg = '%1%2'"_s,
+         {u"家族「%1%2」の檀家番号 9 の檀家がありません。"_s}},
+        {u"UPDATE tbl_ohaka SET tblhak_banchi2 = '1' WHERE tblhak_no = 3"_s,
+         {u"使用中のお墓 1、3 が同じ区画「東」番地「1」にあります。"_s}},
+        {u"UPDATE tbl_ohaka SET tblhak_haiki_ymd = NULL"_s, {u"廃棄されたお墓 2 に廃棄日がありません。"_s}},
+        {u"UPDATE tbl_ohaka SET tblhak_haiki_kbn = 2 WHERE tblhak_no = 3"_s,
+         {u"お墓 3 の廃棄区分が 0 でも 1 でもありません: 2"_s}},
+        {u"UPDATE tbl_danka SET tbldnk_kanaidx = 'カ' WHERE tbldnk_no2 = 1"_s,
+         {u"檀家 7-1 のカナ索引「カ」が檀家名カナ「やまだ」の頭文字ではありません。"_s}},
+        {u"UPDATE tbl_danka SET tbldnk_kanaidx = NULL WHERE tbldnk_no1 = 8"_s,
+         {u"檀家 8-0 のカナ索引「」が檀家名カナ「」の頭文字ではありません。"_s}},
+        {u"UPDATE tbl_hatsuban SET tblno_sumino = 2"_s,
+         {u"檀家の発番「2」が、登録されている最大の番号 8 より小さくなっています。"_s,
+          u"お墓の発番「2」が、登録されている最大の番号 3 より小さくなっています。"_s}},
+        {u"DELETE FROM tbl_hatsuban WHERE tblno_key2 = 'お墓'"_s,
+         {u"お墓の発番「」が、登録されている最大の番号 3 より小さくなっています。"_s}},
+        {u"DROP VIEW ｑｒｙｄｎｋ_ra; DROP INDEX idxkzk_no; DROP TABLE tbl_nengo"_s,
+         {u"クエリ ｑｒｙｄｎｋ_ra がありません。"_s, u"索引 idxkzk_no がありません。"_s,
+          u"索引 idxnen_nengo がありません。"_s, u"索引 idxnen_snen がありません。"_s,
+          u"表 tbl_nengo がありません。"_s}},
+    };
+    for (const auto& [damage, lines] : cases) {
+        QFile::remove(store::Database::registerPath());
+        store::createRegister(store::Database::registerPath());
+        fill();
+        execute(damage);
+        EXPECT_EQ(faults(), lines) << damage.toStdString();
+    }
+}
+
+TEST_F(Consistency, DatabaseToolMakesAndLooksOverARegister) {
+    EXPECT_EQ(tool({u"create"_s, u"new.mdb"_s}).first, 0);
+    EXPECT_EQ(tool({u"check"_s, u"new.mdb"_s}), std::pair(0, u"異常はありません。\n"_s));
+    const auto [again, refusal] = tool({u"create"_s, u"new.mdb"_s});
+    EXPECT_EQ(again, 1);
+    EXPECT_TRUE(refusal.contains(u"既にあります"_s)) << refusal.toStdString();
+    EXPECT_EQ(tool({u"check"_s, u"missing.mdb"_s}).first, 1);
+    EXPECT_EQ(tool({u"check"_s}).first, 2);
+    EXPECT_EQ(tool({u"repair"_s, u"new.mdb"_s}).first, 2);
+
+    fill();
+    const auto [status, figures] = tool({u"info"_s, u"Hoshiren.mdb"_s});
+    EXPECT_EQ(status, 0);
+    for (const QString& line : {u"檀家（分家を除く）: 2\n"_s, u"檀家（分家）: 1\n"_s, u"お墓（廃棄）: 1\n"_s,
+                                u"最後に発番したお墓番号: 8\n"_s, u"檀家名の写しが今と異なる家族: 1\n"_s})
+        EXPECT_TRUE(figures.contains(line)) << line.toStdString() << figures.toStdString();
+
+    execute(u"UPDATE tbl_kazoku SET tblkzk_no1 = 9"_s);
+    EXPECT_EQ(tool({u"check"_s, u"Hoshiren.mdb"_s}),
+              std::pair(1, u"家族「太郎」の檀家番号 9 の檀家がありません。\n1 件の異常が見つかりました。\n"_s));
+}
+
+TEST_F(Consistency, DatabaseToolReportsADamagedFile) {
+    fill();
+    QFile file(store::Database::registerPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const qint64 size = file.size();
+    // Everything behind the first page is lost in the middle and at the end.
+    file.seek(8192);
+    file.write(QByteArray(8192, '\xff'));
+    file.resize(size / 2);
+    file.close();
+    const auto [status, lines] = tool({u"check"_s, u"Hoshiren.mdb"_s});
+    EXPECT_EQ(status, 1);
+    EXPECT_TRUE(lines.contains(u"損傷"_s) || lines.contains(u"壊れて"_s)) << lines.toStdString();
+}
+
+TEST_F(Consistency, SampleRegisterHoldsItsSharesAndAgrees) {
+    const QString first = path(u"first.mdb"_s);
+    const QString second = path(u"second.mdb"_s);
+    sample::makeRegister(first, 200, today);
+    sample::makeRegister(second, 200, today);
+    QFile one(first);
+    QFile other(second);
+    ASSERT_TRUE(one.open(QIODevice::ReadOnly) && other.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(one.readAll() == other.readAll()) << "the same size and day give another register";
+
+    EXPECT_THROW(sample::makeRegister(first, 1, today), store::Error);
+    EXPECT_EQ(QFileInfo(first).size(), QFileInfo(second).size());
+
+    store::Database::setRegisterPath(first);
+    EXPECT_EQ(faults(), QStringList());
+    // 90,000 living and 60,000 dead for 32,767 households; fourteen memorials for each of the dead.
+    EXPECT_EQ(query(u"SELECT (SELECT count(*) FROM tbl_danka), (SELECT count(*) FROM tbl_ohaka), "
+                    "(SELECT count(*) FROM tbl_kazoku WHERE tblkzk_seishikbn = '0'), "
+                    "(SELECT count(*) FROM tbl_kazoku WHERE tblkzk_seishikbn = '1'), "
+                    "(SELECT count(*) FROM tbl_kakocho), (SELECT count(*) FROM tbl_hohyo)"_s),
+              u"200,200,549,366,366,5124"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_danka WHERE NOT EXISTS (SELECT 1 FROM tbl_kazoku WHERE "
+                    "tblkzk_no1 = tbldnk_no1 AND tblkzk_nameg = tbldnk_toshug AND tblkzk_zokugara = '本人')"_s),
+              u"0"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_kakocho WHERE tblkak_mei_ymd > '2026-11-22' "
+                    "OR tblkak_mei_ymd < tblkak_sei_ymd OR tblkak_kyounen <> strftime('%Y', tblkak_mei_ymd) - "
+                    "strftime('%Y', tblkak_sei_ymd)"_s),
+              u"0"_s);
+}

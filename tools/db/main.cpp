@@ -1,0 +1,112 @@
+// hoshiren-db: makes a register, looks it over, tells what it holds.
+#include "store/consistency.h"
+#include "store/database.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QTextStream>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto usage = u"使い方:\n"
+                       u"  hoshiren-db create ファイル   新しい登録簿を作ります\n"
+                       u"  hoshiren-db check ファイル    登録簿に損傷や矛盾がないかを調べます\n"
+                       u"  hoshiren-db info ファイル     登録簿の内容の概要を示します\n";
+
+void say(FILE* where, const QString& text) {
+    QTextStream(where) << text << Qt::endl;
+}
+
+int create(const QString& path) {
+    store::createRegister(path);
+    say(stdout, u"新しい登録簿を作りました: %1"_s.arg(QDir::toNativeSeparators(path)));
+    return 0;
+}
+
+int check(const QString& path) {
+    store::Database database(path);
+    QStringList faults;
+    try {
+        store::findFaults(database, faults);
+    } catch (const std::exception& failure) {
+        faults += store::explain(failure);
+    }
+    for (const QString& fault : faults)
+        say(stdout, fault);
+    say(stdout, faults.isEmpty() ? u"異常はありません。"_s : u"%1 件の異常が見つかりました。"_s.arg(faults.size()));
+    return faults.isEmpty() ? 0 : 1;
+}
+
+// What the register holds: a label and the statement that counts it.
+struct Figure {
+    const char16_t* label;
+    const char* statement;
+};
+
+constexpr Figure figures[] = {
+    {u"形式の版", "PRAGMA user_version"},
+    {u"檀家（分家を除く）", "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 = 0"},
+    {u"檀家（分家）", "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 <> 0"},
+    {u"家族（存命）", "SELECT count(*) FROM tbl_kazoku WHERE tblkzk_seishikbn = '0'"},
+    {u"家族（死亡）", "SELECT count(*) FROM tbl_kazoku WHERE tblkzk_seishikbn <> '0'"},
+    {u"過去帳", "SELECT count(*) FROM tbl_kakocho"},
+    {u"お墓（使用中）", "SELECT count(*) FROM tbl_ohaka WHERE tblhak_haiki_kbn = 0"},
+    {u"お墓（廃棄）", "SELECT count(*) FROM tbl_ohaka WHERE tblhak_haiki_kbn <> 0"},
+    {u"法要", "SELECT count(*) FROM tbl_hohyo"},
+    {u"法要（予約中）", "SELECT count(*) FROM tbl_hohyo WHERE tblhoy_kaiki_rs = 1 AND tblhoy_kaiki_s = 0"},
+    {u"法要（実施済み）", "SELECT count(*) FROM tbl_hohyo WHERE tblhoy_kaiki_s = 1"},
+    {u"年号", "SELECT count(*) FROM tbl_nengo"},
+    {u"マスター（続柄・地区・場所）", "SELECT count(*) FROM マスタ"},
+    {u"最後に発番した檀家番号", "SELECT tblno_sumino FROM tbl_hatsuban WHERE tblno_key1 = 0 AND tblno_key2 = '檀家'"},
+    {u"最後に発番したお墓番号", "SELECT tblno_sumino FROM tbl_hatsuban WHERE tblno_key1 = 0 AND tblno_key2 = 'お墓'"},
+    {u"檀家名の写しが今と異なる家族",
+     "SELECT count(*) FROM tbl_kazoku JOIN tbl_danka ON tbldnk_no1 = tblkzk_no1 AND tbldnk_no2 = 0 "
+     "WHERE tblkzk_dnknameg <> tbldnk_nameg"},
+    {u"檀家名の写しが今と異なる過去帳",
+     "SELECT count(*) FROM tbl_kakocho JOIN tbl_danka ON tbldnk_no1 = tblkak_no AND tbldnk_no2 = 0 "
+     "WHERE tblkak_dnknameg <> tbldnk_nameg"},
+    {u"檀家名の写しが今と異なる法要",
+     "SELECT count(*) FROM tbl_hohyo JOIN tbl_danka ON tbldnk_no1 = tblhoy_no AND tbldnk_no2 = 0 "
+     "WHERE tblhoy_danknameg <> tbldnk_nameg"},
+    {u"檀家名の写しが今と異なるお墓",
+     "SELECT count(*) FROM tbl_ohaka JOIN tbl_danka ON tbldnk_no1 = tblhak_dnk_no AND tbldnk_no2 = 0 "
+     "WHERE tblhak_dnk_nameg <> tbldnk_nameg"},
+};
+
+int info(const QString& path) {
+    store::Database database(path);
+    say(stdout, u"登録簿: %1（%2 バイト）"_s.arg(QDir::toNativeSeparators(path)).arg(QFile(path).size()));
+    for (const auto& [label, statement] : figures) {
+        SQLite::Statement count(database.engine(), statement);
+        say(stdout, u"%1: %2"_s.arg(QString::fromUtf16(label),
+                                    count.executeStep() ? QString::number(count.getColumn(0).getInt()) : u"なし"_s));
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication app(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    const QString command = arguments.value(1);
+    const auto operation = command == u"create"_s  ? create
+                           : command == u"check"_s ? check
+                           : command == u"info"_s  ? info
+                                                   : nullptr;
+    if (!operation || arguments.size() != 3) {
+        QTextStream(stderr) << usage;
+        return 2;
+    }
+    try {
+        return operation(arguments.at(2));
+    } catch (const std::exception& failure) {
+        say(stderr, store::explain(failure));
+        return 1;
+    }
+}
