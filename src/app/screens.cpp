@@ -1,6 +1,7 @@
 #include "app/screens.h"
 
 #include "app/menu_screen.h"
+#include "households/household_screens.h"
 #include "masters/master_screen.h"
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,9 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"メニュー"_s, メニュー},
 
         {u"マスター登"_s, masters::マスター登},
+
+        {u"檀家登"_s, households::檀家登},
+        {u"檀家一覧"_s, households::檀家一覧},
     };
 }
 

@@ -41,4 +41,11 @@ void readValue(const SQLite::Column& column, QDate& value) {
     value = column.isNull() ? QDate() : QDate::fromString(QString::fromUtf8(column.getText()), Qt::ISODate);
 }
 
+QString kanaIndex(const QString& kana) {
+    if (kana.isEmpty())
+        return QStringLiteral(" ");
+    // A character beyond the basic plane takes two code units.
+    return kana.left(kana.at(0).isHighSurrogate() && kana.size() > 1 ? 2 : 1);
+}
+
 } // namespace store

@@ -92,6 +92,9 @@ std::vector<Row> selectAll(Database& database, const std::string& rest, const Va
     return rows;
 }
 
+// The kana index of a row: the first character of the household's kana name, one blank when that is empty.
+QString kanaIndex(const QString& kana);
+
 enum class Seek { equal, atOrAfter, atOrBefore };
 
 // A table opened with one of its indexes as the current one. A seek positions on a row; the walk goes on from there in

@@ -391,6 +391,13 @@ Layout& Layout::widget(QWidget* widget) {
     return *this;
 }
 
+Layout& Layout::fill(QWidget* widget) {
+    bands_->addWidget(widget, 1);
+    grid_ = true;
+    last_ = widget;
+    return *this;
+}
+
 QPushButton* Layout::makeButton(const QString& name, const QString& caption, Operation operation,
                                 const QString& tooltip) {
     auto* button = new QPushButton(caption);

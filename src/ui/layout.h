@@ -76,8 +76,10 @@ class Layout {
     Layout& dates(const DateNames& names, desk::DateGroup& value);
     Layout& grid(const QString& name, desk::Grid& value, GridEvents events, int visibleRows = 14);
     Layout& button(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
-    // Any other widget as an item of the row; the caller binds it.
+    // Any other widget as an item of the row, or as a band of its own that takes the room of the window; the caller
+    // binds it.
     Layout& widget(QWidget* widget);
+    Layout& fill(QWidget* widget);
 
     // The row of buttons at the bottom.
     Layout& mainAction(const QString& name, const QString& caption, Operation operation);
