@@ -1,0 +1,27 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "printing/label_printer.h"
+
+#include <QDate>
+
+#include <cstdint>
+
+namespace printing {
+
+enum class LabelMode : std::int16_t { memorials = 1, fees = 2 };
+
+enum class LabelOutcome {
+    noRecord, // no record lies at or after the from date: told
+    noLabel,  // records lie there, but none within the range that gets a label: nothing is said
+    handedOver,
+    failed, // the job could not be handed over: told
+};
+
+// Prints one label for every memorial open for notice, or for every grave with a billing date, from the one date to the
+// other (both included), in the order of their dates. Marks nothing. Messages bear the title "宛名印刷": a household
+// that cannot be found (its record gets no label and takes no place), characters that the font lacks, and the name of
+// the file where the job went into one.
+LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk);
+
+} // namespace printing

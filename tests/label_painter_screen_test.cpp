@@ -1,0 +1,144 @@
+#include "printing/label_painter.h"
+
+#include <QPrintPreviewWidget>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using printing::LabelAddress;
+
+namespace {
+
+// A piece of text of a PDF where poppler finds it, in millimetres from the top left corner of its sheet.
+struct Word {
+    int page;
+    double left;
+    double top;
+    double right;
+    QString text;
+};
+
+std::vector<Word> wordsOf(const QString& pdf) {
+    QProcess reader;
+    reader.start(u"pdftotext"_s, {u"-bbox"_s, pdf, u"-"_s});
+    EXPECT_TRUE(reader.waitForFinished()) << "pdftotext (poppler-utils) is needed";
+    const QString output = QString::fromUtf8(reader.readAllStandardOutput());
+    static const QRegularExpression element(
+        u"<page|<word xMin=\"([^\"]*)\" yMin=\"([^\"]*)\" xMax=\"([^\"]*)\"[^>]*>([^<]*)"_s);
+    const auto millimetres = [](const QString& points) { return points.toDouble() / 72 * 25.4; };
+    std::vector<Word> words;
+    int page = 0;
+    for (auto found = element.globalMatch(output); found.hasNext();) {
+        const auto match = found.next();
+        if (match.captured(1).isEmpty())
+            ++page;
+        else
+            words.push_back({page, millimetres(match.captured(1)), millimetres(match.captured(2)),
+                             millimetres(match.captured(3)), match.captured(4)});
+    }
+    return words;
+}
+
+class LabelPainter : public ::testing::Test {
+  protected:
+    std::vector<Word> printed(const std::vector<LabelAddress>& addresses) {
+        const auto printer = printing::pdfFile(directory.path(), u"宛名"_s);
+        printing::LabelRun run(printer->font());
+        for (const LabelAddress& address : addresses)
+            run.printLabel(address);
+        file = printer->print(run.sheets());
+        return wordsOf(file);
+    }
+
+    QTemporaryDir directory;
+    QString file;
+};
+
+TEST_F(LabelPainter, PutsThirteenLabelsToATenthOfAMillimetre) {
+    std::vector<LabelAddress> addresses;
+    for (int i = 1; i <= 13; ++i) {
+        const QString number = QString::number(100 + i);
+        addresses.push_back({u"〒"_s + number, u"山田"_s + number, u"川端一丁目"_s + number, u"号室"_s + number});
+    }
+    const std::vector<Word> words = printed(addresses);
+    ASSERT_EQ(words.size(), 13U * 4);
+    for (std::size_t label = 0; label < addresses.size(); ++label) {
+        const auto& [first, second, third, fourth] = addresses[label];
+        const double top = 21.6 + 43.2 * static_cast<double>(label % 12 / 2);
+        double line = top;
+        for (const QString& text : {first, second, third, fourth}) {
+            line += 5.0;
+            const auto found = std::ranges::find(words, text, &Word::text);
+            ASSERT_NE(found, words.end()) << text.toStdString();
+            EXPECT_EQ(found->page, label < 12 ? 1 : 2) << text.toStdString();
+            EXPECT_NEAR(found->left, label % 2 == 0 ? 25.0 : 108.8, 0.1) << text.toStdString();
+            EXPECT_NEAR(found->top, line, 0.1) << text.toStdString();
+        }
+    }
+}
+
+TEST_F(LabelPainter, KeepsLongTextsOutOfTheNeighbour) {
+    const QString eighty = u"東京都千代田区丸の内一丁目九番地"_s.repeated(5);
+    const QString latin = u"WWWWWWWWWWMMMMMMMMMM"_s.repeated(4);
+    const std::vector<Word> words =
+        printed({{eighty, latin, eighty, eighty}, {u"右"_s, {}, {}, {}}, {latin, eighty, latin, latin}});
+    for (const Word& word : words) {
+        EXPECT_LT(word.right, word.left < 108 ? 105.2 : 189.0) << word.text.toStdString();
+        EXPECT_LT(word.top, word.top > 60 ? 105 : 62) << word.text.toStdString();
+    }
+    QString all;
+    for (const Word& word : words)
+        all += word.text;
+    EXPECT_EQ(all.count(u"九番地"_s), 4 * 5); // nothing is cut off
+}
+
+TEST_F(LabelPainter, MarksWhatNoFontHasAndKeepsEarlierFiles) {
+    const QString unassigned = u"\U000E1234"_s;
+    const auto printer = printing::pdfFile(directory.path(), u"宛名"_s);
+    EXPECT_FALSE(printer->font().canPrint(0xE1234));
+    EXPECT_TRUE(printer->font().canPrint(U'髙'));
+    printed({{u"一"_s, unassigned, {}, {}}});
+    const QString first = file;
+    const std::vector<Word> words = printed({{u"二"_s, unassigned + u"田"_s, {}, {}}});
+    EXPECT_EQ(words.back().text, u"〓田"_s);
+    EXPECT_NE(file, first);
+    EXPECT_EQ(wordsOf(first).front().text, u"一"_s);
+    EXPECT_EQ(QFile::permissions(file) & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+}
+
+TEST_F(LabelPainter, ShowsASheetAtATimeAndPrintsNothing) {
+    QWidget opener;
+    const auto printer = printing::preview(&opener);
+    printing::LabelRun run(printer->font());
+    for (int i = 0; i < 25; ++i)
+        run.printLabel({u"100-0001"_s, u"山田　太郎"_s, u"寺前1丁目2-3"_s, {}});
+    const QStringList before = QDir::current().entryList();
+    EXPECT_EQ(printer->print(run.sheets()), QString());
+    auto* window = opener.findChild<QDialog*>(u"宛名プレビュー"_s);
+    ASSERT_NE(window, nullptr);
+    auto* pages = window->findChild<QPrintPreviewWidget*>();
+    EXPECT_EQ(pages->pageCount(), 3);
+    for (const int page : {2, 3}) {
+        window->findChild<QPushButton*>(u"後ページ"_s)->click();
+        EXPECT_EQ(pages->currentPage(), page);
+    }
+    EXPECT_FALSE(window->findChild<QPushButton*>(u"後ページ"_s)->isEnabled());
+    window->findChild<QPushButton*>(u"前ページ"_s)->click();
+    EXPECT_EQ(pages->currentPage(), 2);
+    EXPECT_EQ(QDir::current().entryList(), before);
+}
+
+TEST_F(LabelPainter, SaysWhenTheFileCannotBeWritten) {
+    const auto printer = printing::pdfFile(directory.filePath(u"無い"_s), u"宛名"_s);
+    try {
+        printer->print({{{25, 26.6, 10, 1, u"一"_s}}});
+        FAIL();
+    } catch (const printing::PrintFailure& failure) {
+        EXPECT_TRUE(failure.message.startsWith(u"宛名のPDFファイルを書き出せません。\n"_s)) << failure.what();
+    }
+}
+
+} // namespace
