@@ -232,7 +232,7 @@ class PreviewWindow : public PaintedPrinter {
         whole->addLayout(buttons);
         window->resize(900, 700);
         window->setWindowModality(Qt::WindowModal);
-        pages->fitInView();
+        pages->fitToWidth();
         window->show();
         return {};
     }
