@@ -125,8 +125,9 @@ TEST(Dates, ReadsEveryWayOfWritingOne) {
         const QString text = QString::fromUtf16(typed);
         SCOPED_TRACE(text.toStdString());
         EXPECT_EQ(values::readDate(text), date);
-        if (date)
+        if (date) {
             EXPECT_EQ(values::readDate(values::dateText(*date)), date);
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include "app/menu_screen.h"
 
+#include "calendar/eras.h"
 #include "store/database.h"
 #include "values/dates.h"
 
@@ -53,6 +54,18 @@ const std::vector<MenuFrame>& frames() {
     return all;
 }
 
+// The day in era form; in Western form where the register cannot tell the era.
+QString dayText(QDate day) {
+    try {
+        store::Database database;
+        if (const auto era = calendar::eraDate(database, day))
+            return era->full;
+    } catch (const std::exception&) {
+        // Every button tells of a register that cannot be read.
+    }
+    return values::dateText(day);
+}
+
 QFont scaled(const QWidget& widget, double factor, bool bold) {
     QFont font = widget.font();
     font.setPointSizeF(font.pointSizeF() * factor);
@@ -84,7 +97,7 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     auto* head = new QHBoxLayout;
     auto* name = new QLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
     name->setFont(scaled(*menu, 1.6, true));
-    auto* today = new QLabel(values::dateText(workplace.today()));
+    auto* today = new QLabel(dayText(workplace.today()));
     today->setObjectName(u"今日"_s);
     today->setFont(scaled(*menu, 1.2, false));
     head->addWidget(name);

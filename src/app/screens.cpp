@@ -2,6 +2,7 @@
 
 #include "app/menu_screen.h"
 #include "households/household_screens.h"
+#include "calendar/era_registration_screen.h"
 #include "masters/master_screen.h"
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,7 @@ QHash<QString, ui::ScreenMaker> screens() {
     return {
         {u"メニュー"_s, メニュー},
 
+        {u"年号登"_s, calendar::年号登},
         {u"マスター登"_s, masters::マスター登},
 
         {u"檀家登"_s, households::檀家登},

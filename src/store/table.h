@@ -295,4 +295,35 @@ template <class Row, class... Keys> class Table {
     bool removed_ = false;
 };
 
+// The first row that bears these keys of the index; nothing when there is none.
+template <class Row, class... Keys, class... Given>
+std::optional<Row> find(Database& database, const Index<Row, Keys...>& index, const Given&... given) {
+    Table table(database, index);
+    if (!table.seek(Seek::equal, given...))
+        return {};
+    return table.row();
+}
+
+// Rewrites the row with these keys as edit(row) leaves it; false when there is none.
+template <class Row, class... Keys, class Edit, class... Given>
+bool change(Database& database, const Index<Row, Keys...>& index, Edit edit, const Given&... given) {
+    Table table(database, index);
+    if (!table.seek(Seek::equal, given...))
+        return false;
+    Row row = table.row();
+    edit(row);
+    table.edit(row);
+    return true;
+}
+
+// Deletes the row with these keys; false when there is none.
+template <class Row, class... Keys, class... Given>
+bool remove(Database& database, const Index<Row, Keys...>& index, const Given&... given) {
+    Table table(database, index);
+    if (!table.seek(Seek::equal, given...))
+        return false;
+    table.remove();
+    return true;
+}
+
 } // namespace store

@@ -1,0 +1,136 @@
+#include "calendar/era_registration_rules.h"
+
+#include "calendar/eras.h"
+#include "store/table.h"
+#include "values/numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace calendar {
+
+namespace {
+
+using desk::Colour;
+
+constexpr int earliestYear = 1500;
+constexpr int latestYear = 2050;
+const QString title = u"年号登録"_s;
+const QString noEraOfYear = u"該当する年号がありません。確認して下さい。"_s;
+const QString eraMissing = u"年号が登録されていません。確認して下さい。"_s;
+
+// One action's checks: every wrong box is coloured, the first one gives the only message, shown at once.
+class Checks {
+  public:
+    explicit Checks(desk::Desk& desk) : desk_(desk) {}
+
+    void check(bool good, desk::Text& box, const QString& message) {
+        box.colour = good ? Colour::black : Colour::darkRed;
+        if (good || failed_)
+            return;
+        failed_ = true;
+        box.moveToFront();
+        desk_.notify(message, title);
+    }
+    bool failed() const { return failed_; }
+
+  private:
+    desk::Desk& desk_;
+    bool failed_ = false;
+};
+
+void checkYears(年号登Form& form, Checks& checks) {
+    const QString message = u"入力された西暦年を確認して下さい。"_s;
+    const auto first = values::readInt16(form.fnen_snen.text);
+    const auto last = values::readInt16(form.fnen_enen.text);
+    checks.check(first && *first >= earliestYear && *first <= latestYear, form.fnen_snen, message);
+    checks.check(last && *last <= latestYear && *last >= first.value_or(*last), form.fnen_enen, message);
+}
+
+store::tbl_nengo typed(const 年号登Form& form) {
+    return {form.fnen_nengo.text, values::readInt16(form.fnen_snen.text).value(),
+            values::readInt16(form.fnen_enen.text).value()};
+}
+
+bool exists(store::Database& database, const 年号登Form& form) {
+    return store::find(database, store::idxnen_nengo, form.fnen_nengo.text).has_value();
+}
+
+} // namespace
+
+void showEraOfYear(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    const auto year = values::readInt16(form.fnen_snen.text);
+    store::Database database;
+    const auto found = year ? eraOfYear(database, *year) : std::nullopt;
+    if (found && found->covers) {
+        form.fnen_snen.colour = Colour::black;
+        form.fnen_nengo.text = found->era.tblnen_nengo;
+        form.fnen_snen.text = QString::number(found->era.tblnen_snen);
+        form.fnen_enen.text = QString::number(found->era.tblnen_enen);
+        return;
+    }
+    form.fnen_snen.colour = Colour::darkRed;
+    if (found) {
+        form.fnen_nengo.text.clear();
+        form.fnen_snen.text = QString::number(*year);
+        form.fnen_enen.text.clear();
+    }
+    desk.notify(noEraOfYear, title);
+}
+
+void showYearsOfEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    const auto era = store::find(database, store::idxnen_nengo, form.fnen_nengo.text);
+    if (!era) {
+        desk.notify(eraMissing, title);
+        return;
+    }
+    form.fnen_snen.text = QString::number(era->tblnen_snen);
+    form.fnen_enen.text = QString::number(era->tblnen_enen);
+}
+
+void registerEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    Checks checks(desk);
+    checks.check(!form.fnen_nengo.text.isEmpty(), form.fnen_nengo, u"年号を入力して下さい。"_s);
+    if (checks.failed())
+        return;
+    store::Database database;
+    checks.check(!exists(database, form), form.fnen_nengo, u"この年号はすでに登録されています。確認して下さい。"_s);
+    checkYears(form, checks);
+    if (checks.failed() || !desk.ask(u"入力ﾃﾞｰﾀで登録します。内容を確認して下さい。"_s, title))
+        return;
+    store::Table(database, store::idxnen_nengo).insert(typed(form));
+    desk.notify(u"指定された年号は登録されました。"_s, title);
+}
+
+void changeEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    if (!exists(database, form)) {
+        desk.notify(eraMissing, title);
+        return;
+    }
+    Checks checks(desk);
+    checkYears(form, checks);
+    if (checks.failed() || !desk.ask(u"入力ﾃﾞｰﾀで更新します。内容を確認して下さい。"_s, title))
+        return;
+    {
+        store::Write write(database);
+        store::remove(database, store::idxnen_nengo, form.fnen_nengo.text);
+        store::Table(database, store::idxnen_nengo).insert(typed(form));
+        write.commit();
+    }
+    desk.notify(u"指定された年号は更新されました。"_s, title);
+}
+
+void deleteEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    if (!exists(database, form)) {
+        desk.notify(eraMissing, title);
+        return;
+    }
+    if (!desk.ask(u"登録内容を削除します。内容を確認して下さい。"_s, title))
+        return;
+    store::remove(database, store::idxnen_nengo, form.fnen_nengo.text);
+    desk.notify(u"指定された年号は削除されました。"_s, title);
+}
+
+} // namespace calendar

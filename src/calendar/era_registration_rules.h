@@ -1,0 +1,25 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+#include "desk/screen_context.h"
+
+namespace calendar {
+
+// Screen 年号登: the era table, one era at a time. Messages bear the title "年号登録"; wrong boxes are dark red.
+struct 年号登Form {
+    desk::Text fnen_nengo;
+    desk::Text fnen_snen;
+    desk::Text fnen_enen;
+};
+
+// 年号照会: shows the era that the year in the start-year box falls in. A year after the end of every era is not found.
+void showEraOfYear(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 西暦照会: shows the years of the named era.
+void showYearsOfEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// Each asks before it writes. Years run from 1500 to 2050, the last one not before the first.
+void registerEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk); // 登録
+void changeEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk);   // 更新: the years, never the name
+void deleteEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk);   // 削除
+
+} // namespace calendar
