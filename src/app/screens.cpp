@@ -1,8 +1,8 @@
 #include "app/screens.h"
 
 #include "app/menu_screen.h"
-#include "households/household_screens.h"
 #include "calendar/era_registration_screen.h"
+#include "households/household_screens.h"
 #include "masters/master_screen.h"
 
 using namespace Qt::StringLiterals;
