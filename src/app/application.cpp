@@ -1,6 +1,8 @@
 #include "app/application.h"
 
 #include <QApplication>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QLibraryInfo>
 #include <QLocale>
 #include <QTranslator>
@@ -11,6 +13,7 @@ namespace app {
 
 void prepare(QApplication& application) {
     constexpr double smallestPointSize = 11.0;
+    const QString japaneseFont = u"Noto Sans CJK JP"_s;
     QApplication::setApplicationName(u"hoshiren"_s);
     QApplication::setApplicationDisplayName({});
     QApplication::setDesktopFileName(u"hoshiren"_s);
@@ -19,10 +22,12 @@ void prepare(QApplication& application) {
     if (texts->load(u"qtbase_ja"_s, QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
         QApplication::installTranslator(texts);
     QFont font = QApplication::font();
-    if (font.pointSizeF() < smallestPointSize) {
-        font.setPointSizeF(smallestPointSize);
-        QApplication::setFont(font);
-    }
+    // A font without kana would be helped out by whichever font comes next, often with Chinese letter forms.
+    const auto systems = QFontDatabase::writingSystems(QFontInfo(font).family());
+    if (!systems.contains(QFontDatabase::Japanese) && QFontDatabase::hasFamily(japaneseFont))
+        font.setFamily(japaneseFont);
+    font.setPointSizeF(std::max(font.pointSizeF(), smallestPointSize));
+    QApplication::setFont(font);
 }
 
 } // namespace app

@@ -54,7 +54,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .row(u"お墓"_s)
         .list(HOSHIREN_CONTROL(form, frm01_haka_no), 4, 12, {}, u"管理番号"_s)
         .list(HOSHIREN_CONTROL(form, frm01_haka_banchi), 5, 12, {}, u"区画番地"_s)
-        .list(HOSHIREN_CONTROL(form, frm01_haka_banchi2), 4, 12, {}, u" "_s)
+        .list(HOSHIREN_CONTROL(form, frm01_haka_banchi2), 4, 12, {}, u"　"_s)
         .list(HOSHIREN_CONTROL(form, frm01_haka_bohyo), 9, 12, {}, u"墓標"_s)
         .parallel(4);
 

@@ -54,7 +54,7 @@ QSize FlowLayout::minimumSize() const {
     QSize size;
     for (const Placed& placed : items_)
         size = size.expandedTo(placed.item->minimumSize());
-    return size;
+    return size.grownBy(contentsMargins());
 }
 
 QSize FlowLayout::sizeHint() const {
@@ -63,7 +63,7 @@ QSize FlowLayout::sizeHint() const {
         const QSize hint = placed.item->sizeHint();
         size = {size.width() + placed.before + hint.width(), std::max(size.height(), hint.height())};
     }
-    return size;
+    return size.grownBy(contentsMargins());
 }
 
 void FlowLayout::setGeometry(const QRect& rectangle) {
@@ -71,7 +71,9 @@ void FlowLayout::setGeometry(const QRect& rectangle) {
     place(rectangle, true);
 }
 
-int FlowLayout::place(const QRect& rectangle, bool apply) const {
+int FlowLayout::place(const QRect& outside, bool apply) const {
+    const QMargins margins = contentsMargins();
+    const QRect rectangle = outside.marginsRemoved(margins);
     int x = rectangle.x();
     int y = rectangle.y();
     int line = 0;
@@ -90,7 +92,7 @@ int FlowLayout::place(const QRect& rectangle, bool apply) const {
         x = left + hint.width();
         line = std::max(line, hint.height());
     }
-    return y + line - rectangle.y();
+    return y + line + margins.bottom() - outside.y();
 }
 
 } // namespace ui

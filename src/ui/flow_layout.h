@@ -32,7 +32,7 @@ class FlowLayout : public QLayout {
         int before;
         bool right;
     };
-    int place(const QRect& rectangle, bool apply) const;
+    int place(const QRect& outside, bool apply) const;
 
     std::vector<Placed> items_;
     int gap_ = 0;

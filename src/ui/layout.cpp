@@ -7,7 +7,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -17,6 +16,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyle>
 #include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
@@ -25,13 +25,20 @@ namespace ui {
 
 namespace {
 
-constexpr QSize largestScreen(1366, 740);
+constexpr QSize largestScreen(1366, 740); // of 1366 x 768, room for a title bar left
 
 void setTextIfOther(QLineEdit* edit, const QString& text) {
     if (edit->text() != text) {
         edit->setText(text);
         edit->setCursorPosition(0);
     }
+}
+
+// A frame with a title has a border; one without only holds its controls together.
+QWidget* frameWidget(const QString& name, const QString& title) {
+    QWidget* frame = title.isEmpty() ? new QWidget : new QGroupBox(title);
+    frame->setObjectName(name);
+    return frame;
 }
 
 // A list box that takes Enter as a click on its current line.
@@ -70,26 +77,26 @@ Layout::~Layout() {
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(body_);
     whole->addWidget(area, 1);
-    bar_->setContentsMargins(10, 6, 10, 10);
+    buttons_->setContentsMargins(10, 6, 10, 10);
     whole->addWidget(bar_);
 
-    // As large as the content needs, within the smallest screen that offices use and the one at hand.
-    QSize largest = largestScreen;
-    if (const QScreen* screen = QGuiApplication::primaryScreen())
-        largest = largest.boundedTo(screen->availableSize());
-    const QSize content = body_->sizeHint() + QSize(4, 4);
-    const int width =
-        std::min(largest.width(), std::max(content.width(), std::min(bar_->sizeHint().width() + 20, 1000)));
-    const int bar = buttons_->heightForWidth(width - 20) + 16;
-    screen_.resize(width, std::min(largest.height(), content.height() + bar));
+    // As large as the content needs once it is loaded, within the smallest screen that offices use and the one at hand.
+    screen_.fit_ = [screen = &screen_, body = body_, bar = bar_] {
+        const QSize largest =
+            screen->screen() ? largestScreen.boundedTo(screen->screen()->availableSize()) : largestScreen;
+        const int scrollBar = screen->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        const QSize content = body->sizeHint() + QSize(4, 4);
+        int width = std::max(content.width(), bar->layout()->sizeHint().width());
+        const int barHeight = bar->heightForWidth(std::min(width, largest.width()));
+        const int height = content.height() + std::max(barHeight, bar->sizeHint().height());
+        if (height > largest.height())
+            width += scrollBar;
+        screen->resize(QSize(width, height).boundedTo(largest));
+    };
 }
 
 Layout& Layout::frame(const QString& name, const QString& title) {
-    auto* box = new QGroupBox(title);
-    box->setObjectName(name);
-    box->setFlat(title.isEmpty());
-    if (title.isEmpty())
-        box->setStyleSheet(u"QGroupBox { border: 0; margin: 0; padding: 0; }"_s);
+    QWidget* box = frameWidget(name, title);
     if (next_ == Next::band || !band_) {
         band_ = new QHBoxLayout;
         bands_->addLayout(band_);
@@ -230,11 +237,7 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, Operat
 
 Layout& Layout::options(const QString& frameName, const QString& title, std::initializer_list<OptionItem> items,
                         Operation chosen) {
-    auto* box = new QGroupBox(title);
-    box->setObjectName(frameName);
-    box->setFlat(title.isEmpty());
-    if (title.isEmpty())
-        box->setStyleSheet(u"QGroupBox { border: 0; margin: 0; padding: 0; }"_s);
+    QWidget* box = frameWidget(frameName, title);
     auto* line = new QHBoxLayout(box);
     line->setContentsMargins(title.isEmpty() ? QMargins(0, 0, 0, 0) : QMargins(8, 4, 8, 4));
     auto* group = new QButtonGroup(box);
@@ -288,6 +291,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
         column->setSpacing(2);
         column->addWidget(new QLabel(heading));
         column->addWidget(box);
+        column->addStretch(1);
         box->setAccessibleName(heading);
         place(holder);
     }
@@ -301,8 +305,11 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                       if (other) {
                           box->clear();
                           box->addItems(value.items);
-                          for (int i = 0; i < box->count(); ++i)
+                          for (int i = 0; i < box->count(); ++i) {
                               box->item(i)->setToolTip(value.items[i]);
+                              // Lists that stand side by side keep their lines level whatever the fonts.
+                              box->item(i)->setSizeHint(QSize(0, box->fontMetrics().height() + 3));
+                          }
                       }
                       box->setCurrentRow(value.current);
                       if (value.current < 0)

@@ -42,6 +42,7 @@ void RowTable::setColumnTwips(const std::vector<int>& twips) {
         const QString heading = model()->headerData(at, Qt::Horizontal).toString();
         setColumnWidth(at, std::max(static_cast<int>(width * scale), fontMetrics().horizontalAdvance(heading) + 16));
     }
+    updateGeometry();
 }
 
 QSize RowTable::sizeHint() const {

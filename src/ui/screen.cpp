@@ -168,6 +168,8 @@ void Screen::open() {
     applyTabOrder();
     if (load_)
         operate(load_);
+    if (fit_)
+        fit_();
 }
 
 void Screen::bind(Binding binding) {

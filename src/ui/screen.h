@@ -89,6 +89,7 @@ class Screen : public QWidget {
     bool keeping_ = false;
     std::unique_ptr<ScreenDesk> desk_;
     Operation load_;
+    Operation fit_; // gives the window its first size
     std::vector<Binding> bindings_;
     std::vector<QWidget*> tabOrder_;
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
