@@ -66,17 +66,17 @@ QString dayText(QDate day) {
     return values::dateText(day);
 }
 
-QFont scaled(const QWidget& widget, double factor, bool bold) {
+// No bold face: it would be one more large font to read at the start.
+QFont scaled(const QWidget& widget, double factor) {
     QFont font = widget.font();
     font.setPointSizeF(font.pointSizeF() * factor);
-    font.setBold(bold);
     return font;
 }
 
 QPushButton* menuButton(ui::Screen& screen, const QString& name, const QString& caption, ui::Operation operation) {
     auto* button = new QPushButton(caption);
     button->setObjectName(name);
-    button->setFont(scaled(screen, 1.15, false));
+    button->setFont(scaled(screen, 1.15));
     button->setMinimumSize(210, 48);
     button->setAutoDefault(false);
     QObject::connect(button, &QPushButton::clicked, &screen,
@@ -96,10 +96,10 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     auto* head = new QHBoxLayout;
     auto* name = new QLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
-    name->setFont(scaled(*menu, 1.6, true));
+    name->setFont(scaled(*menu, 1.6));
     auto* today = new QLabel(dayText(workplace.today()));
     today->setObjectName(u"今日"_s);
-    today->setFont(scaled(*menu, 1.2, false));
+    today->setFont(scaled(*menu, 1.2));
     head->addWidget(name);
     head->addStretch(1);
     head->addWidget(today);
@@ -115,7 +115,7 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     for (const MenuFrame& frame : frames()) {
         auto* box = new QGroupBox(frame.title);
         box->setObjectName(frame.name);
-        box->setFont(scaled(*menu, 1.1, true));
+        box->setFont(scaled(*menu, 1.1));
         auto* buttons = new QVBoxLayout(box);
         for (const MenuButton& button : frame.buttons)
             buttons->addWidget(menuButton(*menu, button.name, button.caption,

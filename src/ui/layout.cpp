@@ -86,7 +86,7 @@ Layout::~Layout() {
             screen->screen() ? largestScreen.boundedTo(screen->screen()->availableSize()) : largestScreen;
         const int scrollBar = screen->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
         const QSize content = body->sizeHint() + QSize(4, 4);
-        int width = std::max(content.width(), bar->layout()->sizeHint().width());
+        int width = std::max(content.width(), bar->layout()->sizeHint().width() + 16);
         const int barHeight = bar->heightForWidth(std::min(width, largest.width()));
         const int height = content.height() + std::max(barHeight, bar->sizeHint().height());
         if (height > largest.height())

@@ -1,0 +1,15 @@
+// The program's start up to the painted main menu, then its end.
+#include "app/application.h"
+#include "app/screens.h"
+#include "quit_when_painted.h"
+#include "store/database.h"
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    app::prepare(application);
+    store::bringBackToOneFile(store::Database::registerPath());
+    ui::Workplace workplace(app::screens());
+    workplace.open(QStringLiteral("メニュー"));
+    new QuitWhenPainted(*workplace.find(QStringLiteral("メニュー")));
+    return QApplication::exec();
+}
