@@ -4,6 +4,7 @@
 #include "calendar/era_registration_screen.h"
 #include "households/household_screens.h"
 #include "masters/master_screen.h"
+#include "transfer/transfer_screen.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +19,10 @@ QHash<QString, ui::ScreenMaker> screens() {
 
         {u"檀家登"_s, households::檀家登},
         {u"檀家一覧"_s, households::檀家一覧},
+        {u"檀家出力"_s, transfer::檀家出力},
+        {u"檀家一括"_s, transfer::檀家一括},
+        {u"お墓出力"_s, transfer::お墓出力},
+        {u"お墓一括"_s, transfer::お墓一括},
     };
 }
 

@@ -132,6 +132,13 @@ template <class Row, class... Keys> class Table {
         found_ = step();
     }
 
+    // Ends the walk and its read lock: there is no current row until the next seek.
+    void release() {
+        if (cursor_)
+            cursor_->reset();
+        found_ = removed_ = false;
+    }
+
     // Writes a new row. A null text is written as ''.
     void insert(const Row& row) {
         if (!insert_)

@@ -225,13 +225,21 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, Operat
                       }
                       if (other || box->currentText() != value.text) {
                           box->setCurrentIndex(static_cast<int>(value.items.indexOf(value.text)));
-                          box->setEditText(value.text);
-                          box->lineEdit()->setCursorPosition(0);
+                          if (QLineEdit* edit = box->lineEdit()) {
+                              edit->setText(value.text);
+                              edit->setCursorPosition(0);
+                          }
                       }
                   }});
     screen_.addToTabOrder(box);
     if (picked)
         QObject::connect(box, &QComboBox::activated, &screen_, [this_ = &screen_, picked] { this_->operate(picked); });
+    return *this;
+}
+
+Layout& Layout::choice(const QString& name, desk::Combo& value, int width, Operation picked) {
+    combo(name, value, width, std::move(picked));
+    static_cast<QComboBox*>(last_)->setEditable(false);
     return *this;
 }
 
@@ -303,6 +311,8 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                       for (int i = 0; !other && i < box->count(); ++i)
                           other = box->item(i)->text() != value.items[i];
                       if (other) {
+                          // A line that stays is not moved from under a double click.
+                          const int top = box->verticalScrollBar()->value();
                           box->clear();
                           box->addItems(value.items);
                           for (int i = 0; i < box->count(); ++i) {
@@ -310,6 +320,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                               // Lists that stand side by side keep their lines level whatever the fonts.
                               box->item(i)->setSizeHint(QSize(0, box->fontMetrics().height() + 3));
                           }
+                          box->verticalScrollBar()->setValue(top);
                       }
                       box->setCurrentRow(value.current);
                       if (value.current < 0)

@@ -64,6 +64,8 @@ class Layout {
     Layout& number(const QString& name, desk::Text& value, int width); // right-aligned
     Layout& shown(const QString& name, desk::Text& value, int width);  // only shows: read-only, not in the tab order
     Layout& combo(const QString& name, desk::Combo& value, int width, Operation picked = {});
+    // A drop-down list without free text.
+    Layout& choice(const QString& name, desk::Combo& value, int width, Operation picked);
     // Option buttons in a frame of their own; may all be off.
     Layout& options(const QString& frameName, const QString& title, std::initializer_list<OptionItem> items,
                     Operation chosen = {});

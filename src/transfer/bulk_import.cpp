@@ -1,0 +1,133 @@
+#include "transfer/bulk_import.h"
+
+#include "store/bulk_writes.h"
+#include "transfer/bulk_file.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace transfer {
+
+const QString noInput = u"入力ファイルを指定して下さい。"_s;
+const QString noOutput = u"出力ファイルを指定して下さい。"_s;
+const QString registersFile = u"登録簿のファイルは指定できません。別のファイルを指定して下さい"_s;
+const QString badHouseholdNumber = u"檀家番号を正しく入力して下さい"_s;
+
+bool refusedIf(bool wrong, const QString& message, const QString& title, desk::Desk& desk) {
+    if (wrong)
+        desk.notify(message, title, desk::Icon::none);
+    return wrong;
+}
+
+namespace {
+
+constexpr int fieldCount = 17;
+// Records that share one commit. A commit of its own for each takes four times as long as everything else; nothing is
+// counted as stored before its commit.
+constexpr int recordsPerCommit = 32;
+
+class Run {
+  public:
+    Run(const ImportJob& job, QFile& input, ErrorFile& errors, store::Database& database, desk::Desk& desk)
+        : job_(job), errors_(errors), database_(database), reader_(input, fieldCount), size_(input.size()),
+          target_(job.open(database)), progress_(desk.progress(job.title)) {}
+
+    // False when the user has cancelled.
+    bool all() {
+        BulkRecord record;
+        for (bool more = true; more;) {
+            store::Write write(database_);
+            for (int i = 0; i < recordsPerCommit && (more = reader_.next(record)); ++i)
+                take(record);
+            target_->release();
+            write.commit();
+            counts_ = reading_;
+            if (!progress_->advance(percent(), status()))
+                return false;
+        }
+        return true;
+    }
+
+    // Records that have been committed, and those rejected among them.
+    const ImportCounts& counts() const { return counts_; }
+
+  private:
+    void take(BulkRecord& record) {
+        ++reading_.read;
+        if (!record.rejected())
+            target_->check(record);
+        if (!record.rejected())
+            target_->store(record);
+        if (record.rejected()) {
+            ++reading_.rejected;
+            errors_.write(record.errorLine(job_.errorFields));
+        }
+    }
+
+    int percent() const { return size_ > 0 ? static_cast<int>(reader_.bytesRead() * 100 / size_) : 100; }
+    QString status() const {
+        return u"登録 %1 件　エラー %2 件"_s.arg(counts_.read - counts_.rejected).arg(counts_.rejected);
+    }
+
+    const ImportJob& job_;
+    ErrorFile& errors_;
+    store::Database& database_;
+    BulkReader reader_;
+    const qint64 size_;
+    std::unique_ptr<ImportTarget> target_;
+    std::unique_ptr<desk::Progress> progress_;
+    ImportCounts reading_;
+    ImportCounts counts_;
+};
+
+QString report(const ImportJob& job, const ImportCounts& counts) {
+    if (counts.rejected > 0)
+        return job.subject + u"%1 件中 %2 がエラーで登録されませんでした"_s.arg(counts.read).arg(counts.rejected);
+    return job.subject + u"%1 件を登録しました"_s.arg(counts.read);
+}
+
+} // namespace
+
+std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk) {
+    const QString registered = store::Database::registerPath();
+    if (refusedIf(belongsToRegister(job.input, registered) || belongsToRegister(job.errors, registered), registersFile,
+                  job.title, desk) ||
+        refusedIf(sameFile(job.input, job.errors),
+                  u"入力ファイルと出力ファイルが同じです。別のファイルを指定して下さい"_s, job.title, desk))
+        return {};
+    QFile input(job.input);
+    openInput(input);
+    ErrorFile errors(job.errors);
+    errors.check();
+    if (!job.question.isEmpty() && !desk.ask(job.question, job.title))
+        return {};
+
+    store::Database database;
+    store::BulkWrites bulk(database);
+    errors.open();
+    if (!job.emptyingTable.empty())
+        database.engine().exec(job.emptyingTable);
+    ImportCounts counts;
+    bool complete = false;
+    try {
+        Run run(job, input, errors, database, desk);
+        try {
+            complete = run.all();
+        } catch (...) {
+            counts = run.counts();
+            throw;
+        }
+        counts = run.counts();
+    } catch (const std::exception& failure) {
+        throw store::Error(0, store::explain(failure) + u"\n\n%1 件目までは処理済みです（登録 %2 件、エラー %3 件）。"_s
+                                                            .arg(counts.read)
+                                                            .arg(counts.read - counts.rejected)
+                                                            .arg(counts.rejected));
+    }
+    bulk.finish();
+    desk.notify((complete ? QString() : u"途中で中止しました。\n"_s) + report(job, counts), job.title, desk::Icon::none);
+    return counts;
+}
+
+} // namespace transfer

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "store/database.h"
+#include "transfer/bulk_record.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+// What the imports of households and of graves have in common: files, question, progress, error file, counts.
+namespace transfer {
+
+// Messages of more than one run.
+extern const QString noInput;
+extern const QString noOutput;
+extern const QString registersFile;
+extern const QString badHouseholdNumber;
+
+// Shows the message, without an icon, when the condition holds; says whether it does.
+bool refusedIf(bool wrong, const QString& message, const QString& title, desk::Desk& desk);
+
+struct ImportCounts {
+    int read = 0;
+    int rejected = 0;
+};
+
+// What one import checks and stores; lives on the import's connection. Both reject the records that they do not accept.
+class ImportTarget {
+  public:
+    virtual ~ImportTarget() = default;
+    virtual void check(BulkRecord& record) = 0; // writes nothing
+    virtual void store(BulkRecord& record) = 0; // a rejected record has written nothing
+    virtual void release() = 0;                 // ends every read that is still open
+};
+
+struct ImportJob {
+    QString title;
+    QString subject;              // what the closing message counts, with what stands between it and the number
+    std::vector<int> errorFields; // numbers of the input's fields that the error file shows
+    QString input;
+    QString errors;
+    std::function<std::unique_ptr<ImportTarget>(store::Database&)> open;
+    QString question = {};          // asked before the table is emptied; empty: it is not
+    std::string emptyingTable = {}; // SQL
+};
+
+// Runs the import and reports it under the title. Records are read, checked and stored one after the other; a rejected
+// one goes to the error file at once. What the progress counts as stored is stored: neither a cancel nor the end of the
+// process takes it back, and what is stored is always the beginning of the accepted records.
+// Nothing on No, and, with a message, when input, error file and register are not different files. Throws store::Error
+// when a file cannot be used or the register fails: where that happens before the first record, the files and the table
+// are as they were; later, the message says how many records were stored.
+std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk);
+
+} // namespace transfer
