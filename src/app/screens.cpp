@@ -11,6 +11,7 @@ using namespace Qt::StringLiterals;
 namespace app {
 
 QHash<QString, ui::ScreenMaker> screens() {
+    // clang-format off: a line a screen
     return {
         {u"メニュー"_s, メニュー},
 
@@ -24,6 +25,7 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"お墓出力"_s, transfer::お墓出力},
         {u"お墓一括"_s, transfer::お墓一括},
     };
+    // clang-format on
 }
 
 } // namespace app

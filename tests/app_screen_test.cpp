@@ -1,0 +1,159 @@
+#include "support/screen_fixture.h"
+
+#include "app/screens.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QSet>
+#include <QtTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Program : public ScreenFixture {
+  protected:
+    QStringList names() const {
+        QStringList all = app::screens().keys();
+        all.sort();
+        return all;
+    }
+};
+
+TEST_F(Program, MenuClearsTheRecordAndShowsFileAndDay) {
+    workplace->context.dnk_no1 = 7;
+    workplace->context.kak_kankeisha = u"残る"_s;
+    open(u"メニュー"_s);
+    EXPECT_EQ(workplace->context.dnk_no1, 0);
+    EXPECT_EQ(workplace->context.kak_kankeisha, u"残る"_s);
+    EXPECT_EQ(control<QLabel>(u"メニュー"_s, u"今日"_s).text(), u"令和8年11月22日"_s);
+    EXPECT_EQ(control<QLabel>(u"メニュー"_s, u"登録簿"_s).text(), path(u"Hoshiren.mdb"_s));
+    press(u"メニュー"_s, u"終了"_s);
+    EXPECT_EQ(workplace->find(u"メニュー"_s), nullptr);
+    QFile::remove(path(u"Hoshiren.mdb"_s));
+    open(u"メニュー"_s);
+    EXPECT_EQ(control<QLabel>(u"メニュー"_s, u"今日"_s).text(), u"2026/11/22"_s);
+}
+
+TEST_F(Program, AScreenIsOpenOnceAndComesForwardWithoutLoadingAgain) {
+    open(u"メニュー"_s);
+    press(u"メニュー"_s, u"マスター登録"_s);
+    ui::Screen* masters = &screen(u"マスター登"_s);
+    type(u"マスター登"_s, u"登録名称"_s, u"打ちかけ"_s);
+    masters->showMinimized();
+    press(u"メニュー"_s, u"マスター登録"_s);
+    EXPECT_EQ(workplace->find(u"マスター登"_s), masters);
+    EXPECT_FALSE(masters->isMinimized());
+    EXPECT_EQ(text(u"マスター登"_s, u"登録名称"_s), u"打ちかけ"_s);
+    close(u"メニュー"_s);
+    EXPECT_TRUE(masters->isVisible());
+}
+
+TEST_F(Program, TellsAFailureOfTheStoreUnderTheScreensTitle) {
+    open(u"マスター登"_s);
+    QFile::remove(path(u"Hoshiren.mdb"_s));
+    expect(
+        u"登録簿ファイル「%1」がありません。登録簿のある場所からプログラムを起動して下さい。\n\n（unable to open database file　コード 14）"_s
+            .arg(path(u"Hoshiren.mdb"_s)),
+        u"ｺｰﾄﾞﾏｽﾀｰ情報"_s);
+    press(u"マスター登"_s, u"地区"_s);
+}
+
+TEST_F(Program, AModalScreenBlocksItsOpenerAndReportsItsEnd) {
+    open(u"メニュー"_s);
+    auto& opener = screen(u"メニュー"_s);
+    int ended = 0;
+    // Open already: it is brought forward, modal from then on, and tells every opener that waits.
+    workplace->open(u"マスター登"_s);
+    for (int i = 0; i < 2; ++i)
+        workplace->open(u"マスター登"_s, &opener, desk::Opening::modal, [&] { ++ended; });
+    EXPECT_EQ(screen(u"マスター登"_s).windowModality(), Qt::WindowModal);
+    EXPECT_TRUE(screen(u"マスター登"_s).isVisible());
+    close(u"マスター登"_s);
+    EXPECT_EQ(ended, 2);
+}
+
+// What every screen owes: names, bindings, a tab order that starts and ends where it should, and a form that survives
+// being shown and read.
+TEST_F(Program, EveryScreenKeepsThePromisesOfTheKit) {
+    for (const QString& name : names()) {
+        SCOPED_TRACE(name.toStdString());
+        ui::Screen& shown = open(name);
+        EXPECT_EQ(shown.objectName(), name);
+        EXPECT_TRUE(shown.isWindow());
+
+        QSet<QString> seen;
+        for (const QWidget* widget : shown.findChildren<QWidget*>()) {
+            const bool control = qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget) ||
+                                 qobject_cast<const QAbstractButton*>(widget) ||
+                                 qobject_cast<const QAbstractItemView*>(widget);
+            const QWidget* parent = widget->parentWidget();
+            const bool partOfAnother =
+                qobject_cast<const QComboBox*>(parent) || (parent && parent->objectName().startsWith(u"qt_"_s)) ||
+                widget->objectName().startsWith(u"qt_"_s) || qobject_cast<const QAbstractItemView*>(parent) ||
+                (parent && parent->inherits("QComboBoxPrivateContainer")) || (parent && parent->inherits("QTabBar"));
+            if (!control || partOfAnother)
+                continue;
+            EXPECT_FALSE(widget->objectName().isEmpty()) << widget->metaObject()->className();
+            EXPECT_FALSE(seen.contains(widget->objectName())) << widget->objectName().toStdString();
+            seen.insert(widget->objectName());
+        }
+
+        const auto& order = shown.tabOrder();
+        ASSERT_FALSE(order.empty());
+        EXPECT_EQ(order.back()->objectName(), u"終了"_s);
+        QWidget* here = order.front();
+        for (std::size_t i = 1; i < order.size(); ++i) {
+            do
+                here = here->nextInFocusChain();
+            while (std::find(order.begin(), order.end(), here) == order.end());
+            EXPECT_EQ(here, order[i]) << order[i]->objectName().toStdString();
+        }
+
+        const auto texts = [&] {
+            QStringList all;
+            for (const auto& binding : shown.bindings()) {
+                if (auto* box = qobject_cast<QComboBox*>(binding.widget))
+                    all << box->currentText();
+                else if (auto* edit = qobject_cast<QLineEdit*>(binding.widget))
+                    all << edit->text();
+                else if (auto* button = qobject_cast<QAbstractButton*>(binding.widget))
+                    all << QString::number(button->isChecked());
+            }
+            return all;
+        };
+        int number = 0;
+        for (const auto& binding : shown.bindings()) {
+            auto* edit = qobject_cast<QLineEdit*>(binding.widget);
+            if (edit && !edit->isReadOnly())
+                edit->setText(u"　値\uFA19 ㈱'\"%1"_s.arg(++number));
+        }
+        const QStringList before = texts();
+        shown.readForm();
+        shown.showForm();
+        EXPECT_EQ(texts(), before);
+        close(name);
+    }
+}
+
+TEST_F(Program, EnterGoesOnAsTabDoesAndPressesButtons) {
+    open(u"マスター登"_s);
+    auto& number = control(u"マスター登"_s, u"登録NO"_s);
+    number.setFocus();
+    QTest::keyClick(&number, Qt::Key_Return);
+    EXPECT_EQ(screen(u"マスター登"_s).focusWidget()->objectName(), u"登録名称"_s);
+    expect(u"登録NOに正しく入力してください"_s, u"ｺｰﾄﾞﾏｽﾀｰ情報"_s);
+    auto& button = control(u"マスター登"_s, u"更新"_s);
+    button.setFocus();
+    QTest::keyClick(&button, Qt::Key_Return);
+    allShown();
+    EXPECT_EQ(screen(u"マスター登"_s).focusWidget()->objectName(), u"登録NO"_s);
+    // While the input method composes, Enter is its own.
+    QInputMethodEvent composing(u"やまだ"_s, {});
+    QApplication::sendEvent(&number, &composing);
+    QTest::keyClick(&number, Qt::Key_Return);
+    EXPECT_EQ(screen(u"マスター登"_s).focusWidget()->objectName(), u"登録NO"_s);
+}
+
+} // namespace
