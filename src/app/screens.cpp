@@ -2,6 +2,7 @@
 
 #include "app/menu_screen.h"
 #include "calendar/era_registration_screen.h"
+#include "family/family_screens.h"
 #include "households/household_screens.h"
 #include "masters/master_screen.h"
 #include "transfer/transfer_screen.h"
@@ -24,6 +25,9 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"檀家一括"_s, transfer::檀家一括},
         {u"お墓出力"_s, transfer::お墓出力},
         {u"お墓一括"_s, transfer::お墓一括},
+
+        {u"家族登"_s, family::家族登},
+        {u"過去登"_s, family::過去登},
     };
     // clang-format on
 }

@@ -24,6 +24,7 @@ struct Control {
 
 struct Text : Control {
     QString text;
+    bool preset = false; // a kana box filled by the program, for readings to go on from; taken back when shown
 };
 
 // A drop-down list with free text.

@@ -21,6 +21,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm01_dankag), 12)
         .row(u"カナ"_s)
         .text(HOSHIREN_CONTROL(form, frm01_dankak), 16)
+        .kanaOf(u"frm01_dankag"_s)
         .row(u"檀家区分"_s)
         .options(
             u"Frame2"_s, {},
@@ -28,7 +29,8 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .row(u"当主氏名"_s)
         .text(HOSHIREN_CONTROL(form, frm01_toshug), 16)
         .row(u"カナシメイ"_s)
-        .text(HOSHIREN_CONTROL(form, frm01_toshuk), 20);
+        .text(HOSHIREN_CONTROL(form, frm01_toshuk), 20)
+        .kanaOf(u"frm01_toshug"_s);
     layout.below()
         .frame(u"連絡先"_s, u"連絡先"_s)
         .row(u"郵便番号"_s)

@@ -72,14 +72,11 @@ void DeleteMemorials(desk::ScreenContext& context) {
     store::Write write(database);
     {
         Memorials memorials(database, store::idxhoy_hohyo);
-        for (memorials.seek(store::Seek::atOrAfter, context.dnk_no1, context.kak_zokunameg); !memorials.eof();
-             memorials.moveNext()) {
-            const auto& row = memorials.row();
-            if (row.tblhoy_no != context.dnk_no1 || row.tblhoy_danknameg != context.dnk_nameg ||
-                row.tblhoy_zokunameg != context.kak_zokunameg)
-                break;
+        const auto& row = memorials.row();
+        while (memorials.seek(store::Seek::atOrAfter, context.dnk_no1, context.kak_zokunameg) &&
+               row.tblhoy_no == context.dnk_no1 && row.tblhoy_danknameg == context.dnk_nameg &&
+               row.tblhoy_zokunameg == context.kak_zokunameg)
             memorials.remove();
-        }
     }
     write.commit();
 }

@@ -39,9 +39,9 @@ inline constexpr std::array<Anniversary, 14> AnniversaryTable{{
 // The day an anniversary falls on; a 29 February counted into a common year gives the 28th.
 QDate anniversaryDate(const Anniversary& anniversary, QDate death);
 
-// Writes the fourteen memorials of the context's deceased (dnk_no1, dnk_nameg, dnk_namek, the kak_ fields), all at once:
-// when one cannot be written, none is. One that exists is left as it is and told of, in table order, after the others
-// are stored.
+// Writes the fourteen memorials of the context's deceased (dnk_no1, dnk_nameg, dnk_namek, the kak_ fields), all at
+// once: when one cannot be written, none is. One that exists is left as it is and told of, in table order, after the
+// others are stored.
 void RegisterSchedule(desk::ScreenContext& context, desk::Desk& desk);
 
 // Deletes the memorials of the context's deceased (dnk_no1, dnk_nameg, kak_zokunameg), whatever their state, up to the

@@ -2,6 +2,7 @@
 
 #include "ui/flow_layout.h"
 #include "ui/grid_view.h"
+#include "ui/kana_reading.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -180,6 +181,18 @@ Layout& Layout::text(const QString& name, desk::Text& value, int width) {
     screen_.bind({edit, &value, [edit, &value] { value.text = edit->text(); },
                   [edit, &value] { setTextIfOther(edit, value.text); }});
     screen_.addToTabOrder(edit);
+    text_ = &value;
+    return *this;
+}
+
+Layout& Layout::kanaOf(const QString& name) {
+    auto* kana = static_cast<QLineEdit*>(last_);
+    auto* reading = new KanaReading(body_->findChild<QLineEdit*>(name), kana);
+    screen_.bind({kana, nullptr, {}, [reading, value = text_] {
+                      if (value->preset)
+                          reading->goOn();
+                      value->preset = false;
+                  }});
     return *this;
 }
 

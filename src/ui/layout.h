@@ -61,6 +61,8 @@ class Layout {
 
     Layout& note(const QString& text, const QString& name = {}); // plain text inside a row
     Layout& text(const QString& name, desk::Text& value, int width);
+    // The box declared last is the kana of this text box: it fills itself while the name is typed.
+    Layout& kanaOf(const QString& name);
     Layout& number(const QString& name, desk::Text& value, int width); // right-aligned
     Layout& shown(const QString& name, desk::Text& value, int width);  // only shows: read-only, not in the tab order
     Layout& combo(const QString& name, desk::Combo& value, int width, Operation picked = {});
@@ -110,6 +112,7 @@ class Layout {
     QWidget* bar_;
     FlowLayout* buttons_;
     QWidget* last_ = nullptr;
+    desk::Text* text_ = nullptr; // of the text box declared last
     std::vector<QListWidget*> lists_;
     enum class Next { band, beside, below } next_ = Next::band;
     bool grid_ = false; // a grid takes the room that the window gives

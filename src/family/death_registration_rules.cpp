@@ -1,0 +1,358 @@
+#include "family/death_registration_rules.h"
+
+#include "calendar/date_groups.h"
+#include "calendar/eras.h"
+#include "desk/save_attempt.h"
+#include "masters/master_rules.h"
+#include "memorials/schedule_rules.h"
+#include "store/selections.h"
+#include "store/table.h"
+#include "values/dates.h"
+#include "values/numbers.h"
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace family {
+
+namespace {
+
+const QString title = u"過去帳登録"_s;
+const QString memberMissing = u"家族名が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s;
+const QString entryMissing = u"指定された過去帳を読めませんません。DBの整合性を確認して下さい"_s;
+const QString inGrounds = u"境内"_s;
+const QString outside = u"境外"_s;
+
+struct GraveKind {
+    desk::Option 過去登Form::*option;
+    QString code;
+};
+
+// The option captioned 家 stands for 個, and the other way round.
+const std::array graveKinds{GraveKind{&過去登Form::frm11_haka1, u"家"_s}, GraveKind{&過去登Form::frm11_haka2, u"個"_s},
+                            GraveKind{&過去登Form::frm11_haka3, u"無"_s}};
+
+std::int16_t age(const 過去登Form& form) {
+    return values::readInt16(form.frm11_kyounen.text).value_or(0);
+}
+
+void fillFamilyLists(store::Database& database, 過去登Form& form, const desk::ScreenContext& context) {
+    form.frm11_kazoku.clear();
+    form.frm11_lzoku.clear();
+    form.frm11_kankeisha.items.clear();
+    for (const auto& member : store::familyOf(database, context.dnk_no1)) {
+        if (member.tblkzk_seishikbn != u"0"_s)
+            continue;
+        form.frm11_kazoku.items << member.tblkzk_nameg;
+        form.frm11_kankeisha.items << member.tblkzk_nameg;
+        form.frm11_lzoku.items << member.tblkzk_zokugara;
+    }
+}
+
+void fillRegisterList(store::Database& database, 過去登Form& form, const desk::ScreenContext& context) {
+    form.frm11_kakocho.clear();
+    for (const auto& entry : store::deathRegisterOf(database, context.dnk_no1))
+        form.frm11_kakocho.items << entry.tblkak_zokunameg;
+}
+
+void fillGraveList(store::Database& database, 過去登Form& form, const desk::ScreenContext& context) {
+    form.frm11_haka_abohyo.clear();
+    for (const auto& grave : store::gravesOf(database, context.dnk_no1)) {
+        if (grave.tblhak_haiki_kbn != 0)
+            continue;
+        form.frm11_haka_abohyo.items << grave.tblhak_bohyo_mei;
+        form.frm11_haka_abohyo.keys.push_back(grave.tblhak_no);
+    }
+}
+
+// Publishes the deceased as a row holds him.
+void publish(const store::tbl_kakocho& row, desk::ScreenContext& context) {
+    context.kak_zokunameg = row.tblkak_zokunameg;
+    context.kak_zokunamek = row.tblkak_zokunamek;
+    context.kak_kaimyoug = row.tblkak_kaimyoug;
+    context.kak_kaimyouk = row.tblkak_kaimyouk;
+    context.kak_mei_ymd = row.tblkak_mei_ymd.isValid() ? row.tblkak_mei_ymd : values::zeroDate();
+    context.kak_kyounen = row.tblkak_kyounen.value_or(0);
+    context.kak_kankeisha = row.tblkak_kankeisha;
+    context.kak_zokugara = row.tblkak_zokugara;
+    context.kak_bikou = row.tblkak_bikou;
+}
+
+void show(store::Database& database, 過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const auto row =
+        store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, context.kak_zokunameg);
+    if (!row) {
+        desk.notify(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);
+        return;
+    }
+    form.frm11_no.text = QString::number(row->tblkak_no);
+    form.frm11_dankag.text = row->tblkak_dnknameg;
+    form.frm11_dankak.text = row->tblkak_dnknamek;
+    form.frm11_zoknameg.text = row->tblkak_zokunameg;
+    form.frm11_zoknamek.text = row->tblkak_zokunamek;
+    calendar::showDate(form.生年,
+                       {row->tblkak_sei_gname, row->tblkak_sei_gyy, row->tblkak_sei_gmm, row->tblkak_sei_gdd},
+                       row->tblkak_sei_ymd);
+    calendar::showDate(form.命日,
+                       {row->tblkak_mei_gname, row->tblkak_mei_gyy, row->tblkak_mei_gmm, row->tblkak_mei_gdd},
+                       row->tblkak_mei_ymd);
+    form.frm11_kyounen.text = row->tblkak_kyounen ? QString::number(*row->tblkak_kyounen) : QString();
+    form.frm11_kaimyoug.text = row->tblkak_kaimyoug;
+    form.frm11_kaimyouk.text = row->tblkak_kaimyouk;
+    form.frm11_kankeisha.text = row->tblkak_kankeisha;
+    form.frm11_続柄.text = row->tblkak_zokugara;
+    form.frm11_bikou.text = row->tblkak_bikou;
+    for (const GraveKind& kind : graveKinds)
+        (form.*kind.option).chosen = row->tblkak_haka_kbn == kind.code;
+    form.frm11_haka_nai.chosen = row->tblkak_haka_basho == inGrounds;
+    form.frm11_haka_soto.chosen = !form.frm11_haka_nai.chosen;
+    form.frm11_haka_no.text.clear();
+    if (form.frm11_haka_nai.chosen) {
+        if (row->tblkak_haka_no.value_or(0) > 0)
+            form.frm11_haka_no.text = QString::number(*row->tblkak_haka_no);
+        fillGraveList(database, form, context);
+    }
+    form.frm11_haka_banchi.text = row->tblkak_haka_blk1;
+    form.frm11_haka_blk2.text = row->tblkak_haka_bch;
+    context.dnk_nameg = row->tblkak_dnknameg;
+    context.dnk_namek = row->tblkak_dnknamek;
+    publish(*row, context);
+}
+
+struct LifeDates {
+    QDate birth;
+    QDate death;
+};
+
+// The dates when the boxes can be stored. Computes the age at death from the years of two good dates.
+std::optional<LifeDates> check(store::Database& database, 過去登Form& form, desk::ScreenContext& context,
+                               desk::Desk& desk) {
+    if (context.dnk_no1 == 0) {
+        desk.notify(u"檀家を照会してから登録して下さい"_s, title);
+        return {};
+    }
+    desk::SaveAttempt attempt(context);
+    attempt.required(form.frm11_zoknameg, u"俗名を入力して下さい"_s);
+    attempt.required(form.frm11_zoknamek, u"俗名カナを入力して下さい"_s);
+    LifeDates dates;
+    dates.birth = calendar::checkRequiredDate(database, form.生年, calendar::生年月日, context, desk);
+    dates.death = calendar::checkRequiredDate(database, form.命日, calendar::命日, context, desk);
+    if (dates.birth.isValid() && dates.death.isValid())
+        form.frm11_kyounen.text = QString::number(dates.death.year() - dates.birth.year());
+    attempt.required(form.frm11_kaimyoug, u"戒名を入力して下さい"_s);
+    attempt.required(form.frm11_kaimyouk, u"戒名カナを入力して下さい"_s);
+    attempt.required(form.frm11_kankeisha, u"関係者を選択して下さい"_s);
+    attempt.required(form.frm11_続柄, u"続柄を選択して下さい"_s);
+    const bool numberCounts = form.frm11_haka_nai.chosen && !form.frm11_haka_no.text.isEmpty();
+    attempt.check(!numberCounts || values::readInt16(form.frm11_haka_no.text), form.frm11_haka_no,
+                  u"管理番号は数字で入力して下さい"_s);
+    if (attempt.reported(desk, title))
+        return {};
+    return dates;
+}
+
+// What 登録 and 更新 write alike. The grave kind stays as it is when none is chosen.
+void write(store::tbl_kakocho& row, const 過去登Form& form, const LifeDates& dates) {
+    row.tblkak_zokunamek = form.frm11_zoknamek.text;
+    const calendar::EraFields birth = calendar::eraFields(form.生年);
+    row.tblkak_sei_gname = birth.gname;
+    row.tblkak_sei_gyy = birth.gyy;
+    row.tblkak_sei_gmm = birth.gmm;
+    row.tblkak_sei_gdd = birth.gdd;
+    row.tblkak_sei_ymd = dates.birth;
+    const calendar::EraFields death = calendar::eraFields(form.命日);
+    row.tblkak_mei_gname = death.gname;
+    row.tblkak_mei_gyy = death.gyy;
+    row.tblkak_mei_gmm = death.gmm;
+    row.tblkak_mei_gdd = death.gdd;
+    row.tblkak_mei_ymd = dates.death;
+    row.tblkak_kyounen = age(form);
+    row.tblkak_kaimyoug = form.frm11_kaimyoug.text;
+    row.tblkak_kaimyouk = form.frm11_kaimyouk.text;
+    row.tblkak_kankeisha = form.frm11_kankeisha.text;
+    row.tblkak_zokugara = form.frm11_続柄.text;
+    row.tblkak_bikou = form.frm11_bikou.text;
+    for (const GraveKind& kind : graveKinds) {
+        if ((form.*kind.option).chosen)
+            row.tblkak_haka_kbn = kind.code;
+    }
+    row.tblkak_haka_basho = form.frm11_haka_nai.chosen ? inGrounds : outside;
+    row.tblkak_haka_no =
+        form.frm11_haka_nai.chosen ? values::readInt16(form.frm11_haka_no.text).value_or(0) : std::int16_t{0};
+    row.tblkak_haka_blk1 = form.frm11_haka_banchi.text;
+    row.tblkak_haka_bch = form.frm11_haka_blk2.text;
+    row.tblkak_kanaidx = store::kanaIndex(form.frm11_dankak.text);
+}
+
+// Marks the context's deceased in the family; a message and false when he is no member of it.
+bool setFamilyFlag(store::Database& database, bool deceased, desk::ScreenContext& context, desk::Desk& desk) {
+    const bool found = store::change(
+        database, store::idxkzk_kazoku,
+        [&](store::tbl_kazoku& member) { member.tblkzk_seishikbn = deceased ? u"1"_s : u"0"_s; }, context.dnk_no1,
+        context.dnk_nameg, context.kak_zokunameg);
+    if (!found) {
+        context.chk_errflg = u"1"_s;
+        desk.notify(memberMissing, title);
+    }
+    return found;
+}
+
+// An entry is changed or deleted under the name it was shown with: memorials and the family row go by that name.
+bool nameStands(過去登Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
+    if (form.frm11_zoknameg.text == context.kak_zokunameg)
+        return true;
+    form.frm11_zoknameg.keyboard = true;
+    desk.notify(u"俗名が変更されています。一覧から選び直して下さい"_s, title);
+    return false;
+}
+
+} // namespace
+
+void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    masters::CMB設定(database, masters::Category::続柄, form.frm11_続柄);
+    calendar::CMB年号(database, form.生年);
+    calendar::CMB年号(database, form.命日);
+    if (context.dnk_no1 == 0)
+        return;
+    fillFamilyLists(database, form, context);
+    fillRegisterList(database, form, context);
+    form.frm11_no.text = QString::number(context.dnk_no1);
+    form.frm11_dankag.text = context.dnk_nameg;
+    if (context.kak_zokunameg.isEmpty()) {
+        form.frm11_dankak.text = context.dnk_namek;
+        form.frm11_kankeisha.text = context.dnk_toshug;
+        return;
+    }
+    form.frm11_kakocho.choose(context.kak_zokunameg);
+    show(database, form, context, desk);
+}
+
+void takeMember(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    const auto member = store::find(database, store::idxkzk_kazoku, context.dnk_no1, context.dnk_nameg,
+                                    form.frm11_kazoku.currentText());
+    if (!member) {
+        desk.notify(memberMissing, title);
+        return;
+    }
+    form.frm11_no.text = QString::number(context.dnk_no1);
+    form.frm11_dankag.text = context.dnk_nameg;
+    form.frm11_dankak.text = context.dnk_namek;
+    form.frm11_zoknameg.text = member->tblkzk_nameg;
+    form.frm11_zoknamek.text = member->tblkzk_namek;
+    calendar::showDate(
+        form.生年, {member->tblkzk_sei_gname, member->tblkzk_sei_gyy, member->tblkzk_sei_gmm, member->tblkzk_sei_gdd},
+        member->tblkzk_sei_ymd);
+    form.frm11_kankeisha.text = context.dnk_toshug;
+    for (const GraveKind& kind : graveKinds)
+        (form.*kind.option).chosen = false;
+    form.命日.clear();
+    form.frm11_haka_nai.chosen = form.frm11_haka_soto.chosen = false;
+    for (desk::Text* box : {&form.frm11_kyounen, &form.frm11_kaimyoug, &form.frm11_kaimyouk, &form.frm11_bikou,
+                            &form.frm11_haka_no, &form.frm11_haka_banchi, &form.frm11_haka_blk2})
+        box->text.clear();
+    fillGraveList(database, form, context);
+}
+
+void showEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    context.chooseDeceased(form.frm11_kakocho.currentText());
+    store::Database database;
+    show(database, form, context, desk);
+}
+
+void takeGrave(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    const auto& list = form.frm11_haka_abohyo;
+    const auto grave = store::find(database, store::idxhak_no, list.keys.at(static_cast<std::size_t>(list.current)));
+    if (!grave || grave->tblhak_dnk_no != context.dnk_no1 || grave->tblhak_bohyo_mei != list.currentText()) {
+        desk.notify(u"お墓の情報が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);
+        return;
+    }
+    form.frm11_haka_no.text = QString::number(grave->tblhak_no);
+    form.frm11_haka_banchi.text = grave->tblhak_banchi1;
+    form.frm11_haka_blk2.text = grave->tblhak_banchi2;
+}
+
+void registerDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    const auto dates = check(database, form, context, desk);
+    if (!dates || !desk.ask(u"入力された内容で過去帳の登録をします。内容を確認して下さい。"_s, title))
+        return;
+    if (store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, form.frm11_zoknameg.text)) {
+        context.chk_errflg = u"1"_s;
+        form.frm11_zoknameg.keyboard = true;
+        desk.notify(u"既に過去帳は登録されています。確認して下さい"_s, title);
+        return;
+    }
+    store::tbl_kakocho row;
+    row.tblkak_no = context.dnk_no1;
+    row.tblkak_dnknameg = form.frm11_dankag.text;
+    row.tblkak_dnknamek = form.frm11_dankak.text;
+    row.tblkak_zokunameg = form.frm11_zoknameg.text;
+    write(row, form, *dates);
+    row.tblkak_add_ymd = desk.today();
+    store::Table(database, store::idxkak_kakochou).insert(row);
+    publish(row, context);
+    if (!setFamilyFlag(database, true, context, desk))
+        return;
+    desk.notify(u"入力された内容で過去帳は登録されました。"_s, title);
+    if (!desk.ask(u"法要等の登録も行いますか？"_s, title))
+        return;
+    memorials::RegisterSchedule(context, desk);
+    desk.notify(u"法要等の登録を終了した。"_s, title);
+}
+
+void changeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    const auto dates = check(database, form, context, desk);
+    if (!dates || !nameStands(form, context, desk) ||
+        !desk.ask(u"入力された内容で過去帳を変更します。内容を確認して下さい。"_s, title))
+        return;
+    const bool changed = store::change(
+        database, store::idxkak_kakochou, [&](store::tbl_kakocho& row) { write(row, form, *dates); }, context.dnk_no1,
+        context.dnk_nameg, form.frm11_zoknameg.text);
+    if (!changed) {
+        desk.notify(entryMissing, title);
+        return;
+    }
+    context.kak_kankeisha = form.frm11_kankeisha.text;
+    context.kak_zokugara = form.frm11_続柄.text;
+    masters::MST設定(database, masters::Category::続柄, form.frm11_続柄.text);
+    desk.notify(u"入力された内容で家族は更新されました。"_s, title);
+}
+
+void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    if (!nameStands(form, context, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title))
+        return;
+    store::Database database;
+    if (!store::remove(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg,
+                       form.frm11_zoknameg.text)) {
+        desk.notify(entryMissing, title);
+        return;
+    }
+    if (desk.ask(u"法要等の情報も削除しますか？"_s, title))
+        memorials::DeleteMemorials(context);
+    if (desk.ask(u"家族登録は元に戻しますか？"_s, title))
+        setFamilyFlag(database, false, context, desk);
+    desk.notify(u"削除処理を終了しました。"_s, title);
+}
+
+void openMemorials(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const auto death = values::readDate(form.命日.western.text);
+    if (!death) {
+        desk.notify(u"法要記録の照会者を特定して下さい"_s, title);
+        return;
+    }
+    context.chooseDeceased(form.frm11_zoknameg.text);
+    context.kak_zokunamek = form.frm11_zoknamek.text;
+    context.kak_kaimyoug = form.frm11_kaimyoug.text;
+    context.kak_kaimyouk = form.frm11_kaimyouk.text;
+    context.kak_mei_ymd = *death;
+    context.kak_kyounen = age(form);
+    context.kak_bikou = form.frm11_bikou.text;
+    desk.open(u"法要個"_s);
+}
+
+} // namespace family
