@@ -3,7 +3,9 @@
 #include "app/menu_screen.h"
 #include "calendar/era_registration_screen.h"
 #include "family/family_screens.h"
+#include "family/household_lists_screen.h"
 #include "households/household_screens.h"
+#include "households/succession_screen.h"
 #include "masters/master_screen.h"
 #include "transfer/transfer_screen.h"
 
@@ -21,13 +23,16 @@ QHash<QString, ui::ScreenMaker> screens() {
 
         {u"檀家登"_s, households::檀家登},
         {u"檀家一覧"_s, households::檀家一覧},
+        {u"代替当"_s, households::代替当},
         {u"檀家出力"_s, transfer::檀家出力},
         {u"檀家一括"_s, transfer::檀家一括},
         {u"お墓出力"_s, transfer::お墓出力},
         {u"お墓一括"_s, transfer::お墓一括},
 
         {u"家族登"_s, family::家族登},
+        {u"家族一"_s, family::家族一},
         {u"過去登"_s, family::過去登},
+        {u"過去一"_s, family::過去一},
     };
     // clang-format on
 }

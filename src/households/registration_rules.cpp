@@ -1,6 +1,7 @@
 #include "households/registration_rules.h"
 
 #include "desk/numbering.h"
+#include "households/erasure_rules.h"
 #include "masters/master_rules.h"
 #include "store/table.h"
 #include "values/numbers.h"
@@ -275,6 +276,21 @@ void DeleteHousehold(檀家登Form& form, desk::ScreenContext& context, desk::De
     desk.notify(found ? u"指定された檀家さんは削除されました。"_s
                       : u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s,
                 title);
+}
+
+void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2))
+        return;
+    if (form.shownNo1 < 1) {
+        desk.notify(u"檀家を照会してから抹消して下さい"_s, title);
+        return;
+    }
+    if (!desk.ask(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title) ||
+        !PublishHousehold(form, context))
+        return;
+    EraseHousehold(context, desk);
+    store::Database database;
+    listGraves(database, form, form.shownNo1);
 }
 
 void openGraves(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -46,6 +46,8 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
 // 更新 and 削除 act on the household last looked up or registered, and only while both number boxes show it.
 void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void DeleteHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 檀家抹消: after a Yes hands the household shown to EraseHousehold, which asks again for each kind of data.
+void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // お墓登録: opens お墓登 modal and lists the graves anew when it closes.
 void openGraves(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // Publishes the household shown and opens another screen; refuses, with a message, a number that was not looked up or

@@ -77,7 +77,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .action(u"お墓登録"_s, u"お墓登録"_s, screen->run(openGraves))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(DeleteHousehold))
-        .action(u"檀家抹消"_s, u"檀家抹消"_s, opener(u"檀家の抹消"_s))
+        .action(u"檀家抹消"_s, u"檀家抹消"_s, screen->run(eraseShownHousehold))
         .closing();
     screen->onOpen(screen->run(openHousehold));
     return screen;

@@ -69,6 +69,9 @@ Layout::Layout(Screen& screen) : screen_(screen), body_(new QWidget), bar_(new Q
 Layout::~Layout() {
     if (!grid_)
         bands_->addStretch(1);
+    // Rows stand together at the top of a frame that is taller than they are.
+    for (QGridLayout* rows : shortFrames_)
+        rows->setRowStretch(rows->rowCount(), 1);
     auto* whole = new QVBoxLayout(&screen_);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->setSpacing(0);
@@ -86,6 +89,11 @@ Layout::~Layout() {
         const QSize largest =
             screen->screen() ? largestScreen.boundedTo(screen->screen()->availableSize()) : largestScreen;
         const int scrollBar = screen->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+        // Sizes that were asked for before the controls had their contents have been kept.
+        for (QWidget* inner : body->findChildren<QWidget*>())
+            inner->updateGeometry();
+        for (QLayout* inner : body->findChildren<QLayout*>())
+            inner->invalidate();
         const QSize content = body->sizeHint() + QSize(4, 4);
         int width = std::max(content.width(), bar->layout()->sizeHint().width() + 16);
         const int barHeight = bar->heightForWidth(std::min(width, largest.width()));
@@ -109,6 +117,7 @@ Layout& Layout::frame(const QString& name, const QString& title) {
     column_->addWidget(box);
     next_ = Next::band;
     rows_ = new QGridLayout(box);
+    shortFrames_.push_back(rows_);
     rows_->setColumnStretch(1, 1);
     rows_->setVerticalSpacing(5);
     rows_->setContentsMargins(title.isEmpty() ? QMargins(2, 2, 2, 2) : QMargins(8, 6, 8, 8));
@@ -413,6 +422,8 @@ Layout& Layout::grid(const QString& name, desk::Grid& value, GridEvents events, 
     };
     view->setPreferredRows(visibleRows);
     grid_ = true;
+    bands_->setStretchFactor(band_, 1);
+    std::erase(shortFrames_, rows_);
     return *this;
 }
 

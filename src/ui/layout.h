@@ -114,6 +114,7 @@ class Layout {
     QWidget* last_ = nullptr;
     desk::Text* text_ = nullptr; // of the text box declared last
     std::vector<QListWidget*> lists_;
+    std::vector<QGridLayout*> shortFrames_; // without a grid
     enum class Next { band, beside, below } next_ = Next::band;
     bool grid_ = false; // a grid takes the room that the window gives
 };

@@ -2,6 +2,7 @@
 
 #include "sample/people.h"
 
+#include "memorials/schedule_rules.h"
 #include "store/table.h"
 
 #include <QDir>
@@ -22,17 +23,6 @@ constexpr qint64 mostDead = 60'000;
 
 constexpr const char16_t* sections[] = {u"東1", u"東2", u"東3", u"西1", u"西2",  u"西3",  u"南1",  u"南2",
                                         u"南3", u"北1", u"北2", u"北3", u"上段", u"中段", u"下段", u"新区画"};
-
-struct Anniversary {
-    const char16_t* label;
-    int days;
-    int years;
-};
-
-constexpr Anniversary anniversaries[] = {
-    {u"49日", 48, 0},   {u"100ｹ日", 99, 0},  {u"1周忌", 0, 1},     {u"3回忌", 0, 2},    {u"7回忌", 0, 6},
-    {u"13回忌", 0, 12}, {u"17回忌", 0, 16},  {u"23回忌", 0, 22},   {u"27回忌", 0, 26},  {u"33回忌", 0, 32},
-    {u"50回忌", 0, 49}, {u"100回忌", 0, 99}, {u"200回忌", 0, 199}, {u"300回忌", 0, 299}};
 
 struct Relation {
     const char16_t* relationship;
@@ -129,7 +119,7 @@ class Maker {
         household_.tbldnk_fax = chance_.percent(20) ? where.telephone : QString();
         household_.tbldnk_chiku = where.district;
         household_.tbldnk_bikou = chance_.percent(6) ? u"護持会役員"_s : QString();
-        household_.tbldnk_kanaidx = family_.kana.left(1);
+        household_.tbldnk_kanaidx = store::kanaIndex(family_.kana);
         household_.tbldnk_oyano = std::int16_t{0};
         household_.tbldnk_bunkekbn = u"0"_s;
         household_.tbldnk_addymd = somewhereIn(today_.addYears(-15), today_);
@@ -261,11 +251,11 @@ class Maker {
         death.tblkak_kanaidx = household_.tbldnk_kanaidx;
         death.tblkak_add_ymd = std::min(today_, day.addDays(7));
         kakocho_.insert(death);
-        for (const Anniversary& anniversary : anniversaries)
+        for (const memorials::Anniversary& anniversary : memorials::AnniversaryTable)
             addMemorial(death, anniversary);
     }
 
-    void addMemorial(const store::tbl_kakocho& death, const Anniversary& anniversary) {
+    void addMemorial(const store::tbl_kakocho& death, const memorials::Anniversary& anniversary) {
         store::tbl_hohyo memorial;
         memorial.tblhoy_no = death.tblkak_no;
         memorial.tblhoy_danknameg = death.tblkak_dnknameg;
@@ -276,7 +266,7 @@ class Maker {
         memorial.tblhoy_kaimyok = death.tblkak_kaimyouk;
         memorial.tblhoy_meiymd = death.tblkak_mei_ymd;
         memorial.tblhoy_kaiki_mei = QString::fromUtf16(anniversary.label);
-        memorial.tblhoy_kaiki_yymd = death.tblkak_mei_ymd.addYears(anniversary.years).addDays(anniversary.days);
+        memorial.tblhoy_kaiki_yymd = memorials::anniversaryDate(anniversary, death.tblkak_mei_ymd);
         memorial.tblhoy_kaiki_ampm = u"1"_s;
         memorial.tblhoy_kaiki_hour = std::int16_t{0};
         memorial.tblhoy_kaiki_mint = std::int16_t{0};

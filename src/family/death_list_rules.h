@@ -1,0 +1,33 @@
+#pragma once
+
+#include "family/household_list.h"
+
+// 過去一: the death register of the context's household, each entry with its next memorial.
+namespace family {
+
+struct DeathLine {
+    store::tbl_kakocho death;
+    QString household; // the name that the memorials of this list bear
+    QDate today;
+    QString memorial;     // the next one's name; empty when none lies ahead
+    QString memorialDate; // in era form
+};
+
+struct 過去一Form : HouseholdBoxes {
+    desk::Grid frm21_tbl;
+    desk::PagingList<DeathLine, Position> list;
+    QDate today; // when the screen was opened; memorials on that day are past
+
+    過去一Form();
+};
+
+// Messages bear the title 過去帳一覧.
+void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void previousDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 前ページ
+void nextDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);     // 後ページ
+void pickDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);      // a click on the grid
+// Open the picked deceased and list anew when that screen has closed.
+void showMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 個別照会
+void showDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);            // 故人照会
+
+} // namespace family

@@ -1,0 +1,102 @@
+#include "family/family_list_rules.h"
+
+#include "values/dates.h"
+
+using namespace Qt::StringLiterals;
+
+namespace family {
+
+namespace {
+
+QString ofLiving(const FamilyLine& line, const QString& text) {
+    return line.living() ? text : QString();
+}
+
+desk::ListDescription<FamilyLine, Position> description() {
+    using Line = const FamilyLine&;
+    return {
+        .title = u"家族一覧"_s,
+        .nothing = u"照会の家族情報は登録されていません"_s,
+        .columns =
+            {{u"当主"_s, 600,
+              [](Line line) { return ofLiving(line, line.member.tblkzk_zokugara == u"本人"_s ? u"当主"_s : u""_s); }},
+             {u"氏名"_s, 1400, [](Line line) { return line.member.tblkzk_nameg; }},
+             {u"続柄"_s, 600, [](Line line) { return line.member.tblkzk_zokugara; }},
+             {u"生死"_s, 600, [](Line line) { return line.living() ? u""_s : u"死"_s; }},
+             {u"生年月日"_s, 1600,
+              [](Line line) {
+                  const auto& member = line.member;
+                  return ofLiving(line, eraText(member.tblkzk_sei_gname, member.tblkzk_sei_gyy, member.tblkzk_sei_gmm,
+                                                member.tblkzk_sei_gdd));
+              }},
+             {u"年齢"_s, 500, [](Line line) { return ofLiving(line, QString::number(line.age)); }, desk::Align::right,
+              desk::Align::right},
+             {u"同居"_s, 600,
+              [](Line line) { return ofLiving(line, line.member.tblkzk_dohkyokbn == u"0"_s ? u"同"_s : u"別"_s); }},
+             {u"住所"_s, 2500,
+              [](Line line) {
+                  return ofLiving(line, line.member.tblkzk_dohkyokbn == u"0"_s ? QString() : line.member.tblkzk_jusho1);
+              }},
+             {u"備考"_s, 2500, [](Line line) { return line.member.tblkzk_bikou; }}},
+        .key =
+            [](Line line) {
+                return Position{line.member.tblkzk_sei_ymd, line.member.tblkzk_nameg};
+            },
+    };
+}
+
+auto members(const desk::ScreenContext& context, const desk::Desk& desk) {
+    return [number = context.dnk_no1, year = desk.today().year()](const Position& position, const auto& take) {
+        return readFrom(
+            position, number, {"tbl_kazoku.tblkzk_no1", "tbl_kazoku.tblkzk_sei_ymd", "tbl_kazoku.tblkzk_nameg"},
+            &store::tbl_kazoku::tblkzk_sei_ymd, &store::tbl_kazoku::tblkzk_nameg, [&](const store::tbl_kazoku& row) {
+                return take({row, year - row.tblkzk_sei_ymd.year()});
+            });
+    };
+}
+
+void showFirst(家族一Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
+    form.frm21_dankag.text = context.dnk_nameg;
+    form.list.showFirstPage(members(context, desk), form.frm21_tbl, desk);
+}
+
+} // namespace
+
+家族一Form::家族一Form() : list(description(), {QDate(values::firstYear, 1, 1), u""_s}) {
+    list.setUp(frm21_tbl);
+}
+
+void openFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    if (context.dnk_no1 == 0)
+        return;
+    showHousehold(form, context, desk, form.list.title());
+    showFirst(form, context, desk);
+}
+
+void previousFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    form.list.previousPage(members(context, desk), form.frm21_tbl, desk);
+}
+
+void nextFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    form.list.nextPage(members(context, desk), form.frm21_tbl, desk);
+}
+
+void pickMember(家族一Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.click(form.frm21_tbl, desk);
+}
+
+void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const FamilyLine* line = form.list.selected();
+    if (!line)
+        return;
+    const auto listAnew = [&form, &context, &desk] { showFirst(form, context, desk); };
+    if (line->living()) {
+        context.kzk_nameg = line->member.tblkzk_nameg;
+        desk.open(u"家族登"_s, desk::Opening::modal, listAnew);
+    } else {
+        context.chooseDeceased(line->member.tblkzk_nameg);
+        desk.open(u"過去登"_s, desk::Opening::modal, listAnew);
+    }
+}
+
+} // namespace family

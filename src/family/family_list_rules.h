@@ -1,0 +1,30 @@
+#pragma once
+
+#include "family/household_list.h"
+
+// 家族一: every member of the context's household, living and deceased, with a birth date.
+namespace family {
+
+struct FamilyLine {
+    store::tbl_kazoku member;
+    int age = 0; // difference of calendar years
+
+    bool living() const { return member.tblkzk_seishikbn == QLatin1StringView("0"); }
+};
+
+struct 家族一Form : HouseholdBoxes {
+    desk::Grid frm21_tbl;
+    desk::PagingList<FamilyLine, Position> list;
+
+    家族一Form();
+};
+
+// Messages bear the title 家族一覧.
+void openFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void previousFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 前ページ
+void nextFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);     // 後ページ
+void pickMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);         // a click on the grid
+// 個別照会: opens the picked member, the living in 家族登, the deceased in 過去登, and lists anew when that has closed.
+void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+
+} // namespace family

@@ -1,0 +1,79 @@
+#include "family/household_lists_screen.h"
+
+#include "family/death_list_rules.h"
+#include "family/family_list_rules.h"
+#include "ui/layout.h"
+
+using namespace Qt::StringLiterals;
+
+namespace family {
+
+namespace {
+
+// The household above a list of its living or dead.
+void addHousehold(ui::Layout& layout, HouseholdBoxes& form) {
+    layout.frame()
+        .row(u"檀家名"_s)
+        .shown(HOSHIREN_CONTROL(form, frm21_dankag), 14)
+        .row(u"電話番号"_s)
+        .shown(HOSHIREN_CONTROL(form, frm12_tel), 10)
+        .row(u"地区"_s)
+        .shown(HOSHIREN_CONTROL(form, frm12_chiku), 10);
+    layout.beside()
+        .frame()
+        .row(u"郵便番号"_s)
+        .shown(HOSHIREN_CONTROL(form, frm12_yubinno), 6)
+        .row(u"住所1"_s)
+        .shown(HOSHIREN_CONTROL(form, frm12_jyusho1), 26)
+        .row(u"住所2"_s)
+        .shown(HOSHIREN_CONTROL(form, frm12_jyusho2), 26)
+        .row(u"備考"_s)
+        .shown(HOSHIREN_CONTROL(form, frm12_bikou), 26);
+}
+
+} // namespace
+
+std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
+    auto screen = std::make_unique<ui::FormScreen<家族一Form>>(workplace, u"家族一"_s, u"家族一覧"_s, u"家族一覧"_s,
+                                                               ui::Keeps{.household = true});
+    auto& form = screen->form();
+    const ui::Operation next = screen->run(nextFamilyPage);
+    const ui::Operation previous = screen->run(previousFamilyPage);
+    const ui::Operation open = screen->run(showMember);
+    ui::Layout layout(*screen);
+    addHousehold(layout, form);
+    layout.frame().row().grid(
+        HOSHIREN_CONTROL(form, frm21_tbl),
+        {.clicked = screen->run(pickMember), .opened = open, .nextPage = next, .previousPage = previous}, 12);
+    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open)
+        .gap()
+        .action(u"前ページ"_s, u"前ページ"_s, previous)
+        .action(u"後ページ"_s, u"後ページ"_s, next)
+        .closing();
+    screen->onOpen(screen->run(openFamilyList));
+    return screen;
+}
+
+std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
+    auto screen = std::make_unique<ui::FormScreen<過去一Form>>(workplace, u"過去一"_s, u"過去帳一覧"_s, u"過去帳一覧"_s,
+                                                               ui::Keeps{.household = true, .deceased = true});
+    auto& form = screen->form();
+    const ui::Operation next = screen->run(nextDeathPage);
+    const ui::Operation previous = screen->run(previousDeathPage);
+    const ui::Operation open = screen->run(showDeceased);
+    ui::Layout layout(*screen);
+    addHousehold(layout, form);
+    layout.frame().row().grid(
+        HOSHIREN_CONTROL(form, frm21_tbl),
+        {.clicked = screen->run(pickDeceased), .opened = open, .nextPage = next, .previousPage = previous}, 12);
+    layout.mainAction(u"個別照会"_s, u"個別法要"_s, screen->run(showMemorialsOfDeceased))
+        .action(u"故人照会"_s, u"故人照会"_s, open)
+        .gap()
+        .action(u"前ページ"_s, u"前ページ"_s, previous)
+        .action(u"後ページ"_s, u"後ページ"_s, next)
+        .closing();
+    screen->onOpen(screen->run(openDeathList));
+    return screen;
+}
+
+} // namespace family

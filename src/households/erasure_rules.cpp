@@ -1,0 +1,115 @@
+#include "households/erasure_rules.h"
+
+#include "store/table.h"
+#include "values/dates.h"
+
+using namespace Qt::StringLiterals;
+
+namespace households {
+
+namespace {
+
+const QString title = u"檀家の抹消"_s;
+
+// Deletes from the row found on for as long as it bears the number. A row of another household counts as none found.
+template <class Row, class... Fields, class... Keys>
+void eraseFrom(const store::Index<Row, Fields...>& index, std::int16_t Row::*numberField, std::int16_t number,
+               desk::Desk& desk, const QString& none, const QString& done, const Keys&... keys) {
+    bool found = false;
+    {
+        store::Database database;
+        store::Write write(database);
+        store::Table rows(database, index);
+        rows.seek(store::Seek::atOrAfter, keys...);
+        while (!rows.eof() && rows.row().*numberField == number) {
+            rows.remove();
+            rows.moveNext();
+            found = true;
+        }
+        write.commit();
+    }
+    desk.notify(found ? done : none, title);
+}
+
+store::tbl_ohaka givenBack(const store::tbl_ohaka& grave, QDate today) {
+    store::tbl_ohaka vacant;
+    vacant.tblhak_no = grave.tblhak_no;
+    vacant.tblhak_banchi1 = grave.tblhak_banchi1;
+    vacant.tblhak_banchi2 = grave.tblhak_banchi2;
+    vacant.tblhak_shiyo_ryokin = grave.tblhak_shiyo_ryokin;
+    vacant.tblhak_kanri_ryokin = grave.tblhak_kanri_ryokin;
+    vacant.tblhak_bohyo_kbn = u"空"_s;
+    vacant.tblhak_haiki_kbn = 1;
+    vacant.tblhak_haiki_ymd = today;
+    vacant.tblhak_dnk_no = 0;
+    vacant.tblhak_add_ymd = today;
+    return vacant;
+}
+
+} // namespace
+
+ErasedHousehold::ErasedHousehold(const desk::ScreenContext& context)
+    : number(context.dnk_no1), name(context.dnk_nameg), emptyName(u""_s), lowestDate(values::firstYear, 1, 1) {}
+
+void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk) {
+    const ErasedHousehold household(context);
+    const struct {
+        QString question;
+        void (*step)(const ErasedHousehold&, desk::Desk&);
+    } steps[] = {{u"檀家さんの情報を抹消しますか　？"_s, EraseHouseholdRows},
+                 {u"檀家さんの家族情報を抹消しますか　？"_s, EraseFamily},
+                 {u"檀家さんの法要情報を抹消しますか　？"_s, EraseMemorials},
+                 {u"檀家さんの過去帳を抹消しますか　？"_s, EraseDeathRegister},
+                 {u"檀家さんのお墓情報を抹消しますか　？"_s, DisposeGraves}};
+    for (const auto& [question, step] : steps)
+        if (desk.ask(question, title))
+            step(household, desk);
+}
+
+void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk) {
+    eraseFrom(store::idxdnk_no, &store::tbl_danka::tbldnk_no1, household.number, desk,
+              u"指定された檀家さんの情報を読めません。DBの整合性を確認して下さい"_s,
+              u"指定された檀家さんは削除されました。"_s, household.number, household.branch);
+}
+
+void EraseFamily(const ErasedHousehold& household, desk::Desk& desk) {
+    eraseFrom(store::idxkzk_kazoku, &store::tbl_kazoku::tblkzk_no1, household.number, desk,
+              u"指定された檀家の家族を読めません。DBの整合性を確認して下さい"_s,
+              u"指定された檀家の家族は削除されました。"_s, household.number, household.name, household.emptyName);
+}
+
+void EraseMemorials(const ErasedHousehold& household, desk::Desk& desk) {
+    eraseFrom(store::idxhoy_hohyo, &store::tbl_hohyo::tblhoy_no, household.number, desk,
+              u"指定された檀家の法要を読めません。DBの整合性を確認して下さい"_s,
+              u"指定された檀家の法要は削除されました。"_s, household.number, household.emptyName, household.lowestDate);
+}
+
+void EraseDeathRegister(const ErasedHousehold& household, desk::Desk& desk) {
+    eraseFrom(store::idxkak_kakochou, &store::tbl_kakocho::tblkak_no, household.number, desk,
+              u"指定された檀家の過去帳を読めません。DBの整合性を確認して下さい"_s,
+              u"指定された檀家の過去帳は削除されました。"_s, household.number, household.name, household.emptyName);
+}
+
+void DisposeGraves(const ErasedHousehold& household, desk::Desk& desk) {
+    bool found = false;
+    {
+        store::Database database;
+        store::Write write(database);
+        // Read to the end first: a replaced grave leaves the selection.
+        const auto graves = store::selectAll<store::tbl_ohaka>(
+            database, "WHERE tbl_ohaka.tblhak_dnk_no = ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC", household.number);
+        found = !graves.empty();
+        store::Table table(database, store::idxhak_no);
+        for (const store::tbl_ohaka& grave : graves) {
+            table.seek(store::Seek::equal, grave.tblhak_no);
+            table.remove();
+            table.insert(givenBack(grave, desk.today()));
+        }
+        write.commit();
+    }
+    desk.notify(found ? u"指定されたお墓は廃棄されました。"_s
+                      : u"指定された檀家さんのお墓はありません。登録内容を確認して下さい"_s,
+                title);
+}
+
+} // namespace households

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/screen_context.h"
+
+#include <QDate>
+#include <QString>
+
+#include <cstdint>
+
+// 檀家抹消: erases a household and what belongs to it. Each step is one write and is told of under the title
+// 檀家の抹消.
+namespace households {
+
+// What the steps work on.
+struct ErasedHousehold {
+    std::int16_t number = 0; // at least 1
+    QString name;            // the household's name, kanji
+    std::int16_t branch = 0;
+    QString emptyName;
+    QDate lowestDate;
+
+    explicit ErasedHousehold(const desk::ScreenContext& context);
+};
+
+// Asks once for each kind of data and runs its step after a Yes; goes on to the next whatever the answer or the result.
+void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk);
+
+// Deletes every branch of the number.
+void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk);
+// Deletes the number's rows from those that bear the household's name on, in index order; rows whose copy of the name
+// sorts before it stay.
+void EraseFamily(const ErasedHousehold& household, desk::Desk& desk);
+void EraseDeathRegister(const ErasedHousehold& household, desk::Desk& desk);
+// Deletes every memorial of the number.
+void EraseMemorials(const ErasedHousehold& household, desk::Desk& desk);
+// Gives the number's graves back: each becomes a vacant, disposed grave that keeps number, place and fees.
+void DisposeGraves(const ErasedHousehold& household, desk::Desk& desk);
+
+} // namespace households
