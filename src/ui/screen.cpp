@@ -168,6 +168,8 @@ void Screen::open() {
     applyTabOrder();
     if (load_)
         operate(load_);
+    else
+        showForm();
     if (fit_)
         fit_();
 }
