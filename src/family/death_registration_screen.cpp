@@ -19,11 +19,11 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .row(u"カナ"_s)
         .shown(HOSHIREN_CONTROL(form, frm11_dankak), 16)
         .row(u"家族"_s)
-        .list(HOSHIREN_CONTROL(form, frm11_kazoku), 12, 7, screen->run(takeMember), u"新規登録者用"_s)
-        .list(HOSHIREN_CONTROL(form, frm11_lzoku), 6, 7, screen->run(takeMember), u"続柄"_s)
+        .list(HOSHIREN_CONTROL(form, frm11_kazoku), 12, 6, screen->run(takeMember), u"新規登録者用"_s)
+        .list(HOSHIREN_CONTROL(form, frm11_lzoku), 6, 6, screen->run(takeMember), u"続柄"_s)
         .parallel(2)
         .row(u"過去帳"_s)
-        .list(HOSHIREN_CONTROL(form, frm11_kakocho), 12, 7, screen->run(showEntry), u"変更・削除用"_s);
+        .list(HOSHIREN_CONTROL(form, frm11_kakocho), 12, 6, screen->run(showEntry), u"変更・削除用"_s);
     layout.beside()
         .frame(u"故人"_s, u"故人"_s)
         .row(u"俗名"_s)
@@ -39,25 +39,26 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm11_kyounen), 3)
         .note(u"歳"_s)
         .row(u"戒名"_s)
-        .text(HOSHIREN_CONTROL(form, frm11_kaimyoug), 20)
+        .text(HOSHIREN_CONTROL(form, frm11_kaimyoug), 24)
         .row(u"カナ"_s)
-        .text(HOSHIREN_CONTROL(form, frm11_kaimyouk), 26)
+        .text(HOSHIREN_CONTROL(form, frm11_kaimyouk), 31)
         .kanaOf(u"frm11_kaimyoug"_s)
         .row(u"関係者"_s)
         .combo(HOSHIREN_CONTROL(form, frm11_kankeisha), 14)
-        .row(u"続柄"_s)
-        .combo(HOSHIREN_CONTROL(form, frm11_続柄), 8)
-        .row(u"備考"_s)
-        .text(HOSHIREN_CONTROL(form, frm11_bikou), 26);
+        .note(u"続柄"_s)
+        .combo(HOSHIREN_CONTROL(form, frm11_続柄), 8);
+    layout.last()->setAccessibleName(u"続柄"_s);
+    layout.row(u"備考"_s).text(HOSHIREN_CONTROL(form, frm11_bikou), 31);
     layout.below()
         .frame(u"納骨"_s, u"お墓"_s)
-        .row()
+        .row(u"種別"_s)
         .options(u"お墓種別"_s, {},
                  {{HOSHIREN_CONTROL(form, frm11_haka1), u"個人名"_s},
                   {HOSHIREN_CONTROL(form, frm11_haka2), u"家"_s},
                   {HOSHIREN_CONTROL(form, frm11_haka3), u"無し"_s}})
+        .note(u"　場所"_s)
         .options(
-            u"場所"_s, u"場所"_s,
+            u"場所"_s, {},
             {{HOSHIREN_CONTROL(form, frm11_haka_nai), u"境内"_s}, {HOSHIREN_CONTROL(form, frm11_haka_soto), u"境外"_s}})
         .row(u"お墓"_s)
         .list(HOSHIREN_CONTROL(form, frm11_haka_abohyo), 12, 3, screen->run(takeGrave))

@@ -21,8 +21,8 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .row(u"当主氏名"_s)
         .shown(HOSHIREN_CONTROL(form, frm12_toshunameg), 16)
         .row(u"家族一覧"_s)
-        .list(HOSHIREN_CONTROL(form, frm12_meibo), 12, 12, screen->run(showMember))
-        .list(HOSHIREN_CONTROL(form, frm12_mzkgr), 6, 12, screen->run(showMember))
+        .list(HOSHIREN_CONTROL(form, frm12_meibo), 12, 11, screen->run(showMember))
+        .list(HOSHIREN_CONTROL(form, frm12_mzkgr), 6, 11, screen->run(showMember))
         .parallel(2);
     layout.beside()
         .frame(u"家族"_s, u"家族"_s)
@@ -35,8 +35,8 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .dates({u"生年元号"_s, u"生年"_s, u"生年月"_s, u"生年日"_s, u"生年日YMD"_s}, form.生年)
         .row(u"当主との続柄"_s)
         .combo(HOSHIREN_CONTROL(form, frm12_続柄), 8)
-        .row()
-        .options(u"同居区分"_s, u"同居区分"_s,
+        .row(u"同居区分"_s)
+        .options(u"同居区分"_s, {},
                  {{HOSHIREN_CONTROL(form, frm12_dohkyo), u"同居"_s}, {HOSHIREN_CONTROL(form, frm12_bekkyo), u"別居"_s}})
         .row(u"郵便番号"_s)
         .text(HOSHIREN_CONTROL(form, frm12_yubinno), 6)
@@ -47,8 +47,9 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .row(u"電話番号"_s)
         .text(HOSHIREN_CONTROL(form, frm12_tel), 9)
         .note(u"FAX"_s)
-        .text(HOSHIREN_CONTROL(form, frm12_fax), 9)
-        .row(u"地区"_s)
+        .text(HOSHIREN_CONTROL(form, frm12_fax), 9);
+    layout.last()->setAccessibleName(u"FAX"_s);
+    layout.row(u"地区"_s)
         .combo(HOSHIREN_CONTROL(form, frm12_地区), 12)
         .row(u"備考"_s)
         .text(HOSHIREN_CONTROL(form, frm12_bikou), 26);

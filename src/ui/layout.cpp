@@ -42,17 +42,23 @@ QWidget* frameWidget(const QString& name, const QString& title) {
     return frame;
 }
 
-// A list box that takes Enter as a click on its current line.
+// A list box that takes Enter as a click on its current line. A line that only has the keyboard is not chosen.
 class ListBox : public QListWidget {
   public:
     using QListWidget::QListWidget;
     Operation chosen;
 
+    int chosenRow() const { return currentItem() && currentItem()->isSelected() ? currentRow() : -1; }
+    void choose() {
+        currentItem()->setSelected(true);
+        chosen();
+    }
+
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         if (enter && chosen && currentRow() >= 0)
-            chosen();
+            choose();
         else
             QListWidget::keyPressEvent(event);
     }
@@ -326,7 +332,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
         place(holder);
     }
     label(box);
-    screen_.bind({box, &value, [box, &value] { value.current = box->currentRow(); },
+    screen_.bind({box, &value, [box, &value] { value.current = box->chosenRow(); },
                   [box, &value] {
                       const QSignalBlocker quiet(box);
                       bool other = box->count() != value.items.size();
@@ -351,7 +357,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
     screen_.addToTabOrder(box);
     if (chosen) {
         box->chosen = [this_ = &screen_, chosen] { this_->operate(chosen); };
-        QObject::connect(box, &QListWidget::itemClicked, &screen_, box->chosen);
+        QObject::connect(box, &QListWidget::itemClicked, &screen_, [box] { box->choose(); });
     }
     lists_.push_back(box);
     last_ = box;
@@ -366,9 +372,9 @@ Layout& Layout::parallel(int count) {
                 continue;
             QObject::connect(leader->verticalScrollBar(), &QScrollBar::valueChanged, follower->verticalScrollBar(),
                              &QScrollBar::setValue);
-            QObject::connect(leader, &QListWidget::currentRowChanged, follower, [follower](int row) {
+            QObject::connect(leader, &QListWidget::itemSelectionChanged, follower, [leader, follower] {
                 const QSignalBlocker quiet(follower);
-                follower->setCurrentRow(row);
+                follower->setCurrentRow(leader->selectedItems().isEmpty() ? -1 : leader->currentRow());
             });
         }
         if (leader == together.front())
