@@ -35,6 +35,13 @@ class GridView::Model : public QAbstractTableModel {
         grid_ = grid;
         endResetModel();
     }
+    void highlight(int row) {
+        const int former = std::exchange(grid_.highlighted, row);
+        for (const int changed : {former, row}) {
+            if (changed > 0)
+                Q_EMIT dataChanged(index(changed - 1, 0), index(changed - 1, columnCount() - 1));
+        }
+    }
     const desk::Grid& grid() const { return grid_; }
 
     int rowCount(const QModelIndex& parent = {}) const override {
@@ -90,9 +97,12 @@ void GridView::show(const desk::Grid& grid) {
     const desk::Grid& shown = model_->grid();
     const bool freshColumns = !sameColumns(shown.columns, grid.columns);
     const bool freshRows = freshColumns || shown.rows != grid.rows || shown.blankRows != grid.blankRows;
-    if (!freshRows && shown.highlighted == grid.highlighted)
+    if (!freshRows) {
+        model_->highlight(grid.highlighted);
+        if (grid.highlighted > 0)
+            scrollTo(model_->index(grid.highlighted - 1, std::max(columnAt(0), 0)));
         return;
-    const int top = rowAt(0);
+    }
     model_->set(grid);
     if (freshColumns) {
         std::vector<int> twips;
@@ -100,12 +110,12 @@ void GridView::show(const desk::Grid& grid) {
             twips.push_back(column.twips);
         setColumnTwips(twips);
     }
-    if (freshRows) {
-        scrollToTop();
-    } else if (grid.highlighted > 0) {
-        scrollTo(model_->index(std::max(top, 0), 0), QAbstractItemView::PositionAtTop);
-        scrollTo(model_->index(grid.highlighted - 1, 0));
+    // A number must not lose its end; a shortened text shows as such and has its tooltip.
+    for (int at = 0; at < model_->columnCount(); ++at) {
+        if (grid.columns[static_cast<std::size_t>(at)].align == desk::Align::right)
+            setColumnWidth(at, std::max(columnWidth(at), sizeHintForColumn(at) + 4));
     }
+    scrollToTop();
 }
 
 } // namespace ui

@@ -17,6 +17,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -260,14 +261,21 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, Operat
                       }
                   }});
     screen_.addToTabOrder(box);
-    if (picked)
-        QObject::connect(box, &QComboBox::activated, &screen_, [this_ = &screen_, picked] { this_->operate(picked); });
+    if (picked) {
+        const Operation pick = [this_ = &screen_, picked] { this_->operate(picked); };
+        QObject::connect(box, &QComboBox::activated, &screen_, pick);
+        for (const int key : {Qt::Key_Return, Qt::Key_Enter})
+            QObject::connect(new QShortcut(QKeySequence(key), box, nullptr, nullptr, Qt::WidgetShortcut),
+                             &QShortcut::activated, &screen_, pick);
+    }
     return *this;
 }
 
 Layout& Layout::choice(const QString& name, desk::Combo& value, int width, Operation picked) {
-    combo(name, value, width, std::move(picked));
-    static_cast<QComboBox*>(last_)->setEditable(false);
+    combo(name, value, width);
+    auto* box = static_cast<QComboBox*>(last_);
+    box->setEditable(false);
+    QObject::connect(box, &QComboBox::activated, &screen_, [this_ = &screen_, picked] { this_->operate(picked); });
     return *this;
 }
 
@@ -427,6 +435,7 @@ Layout& Layout::grid(const QString& name, desk::Grid& value, GridEvents events, 
         forward ? next() : previous();
     };
     view->setPreferredRows(visibleRows);
+    view->show(value); // columns known beforehand count for the screen's first size
     grid_ = true;
     bands_->setStretchFactor(band_, 1);
     std::erase(shortFrames_, rows_);

@@ -65,6 +65,7 @@ class Layout {
     Layout& kanaOf(const QString& name);
     Layout& number(const QString& name, desk::Text& value, int width); // right-aligned
     Layout& shown(const QString& name, desk::Text& value, int width);  // only shows: read-only, not in the tab order
+    // picked runs when an entry is chosen, and on Enter with what was typed.
     Layout& combo(const QString& name, desk::Combo& value, int width, Operation picked = {});
     // A drop-down list without free text.
     Layout& choice(const QString& name, desk::Combo& value, int width, Operation picked);
