@@ -4,6 +4,7 @@
 #include "calendar/era_registration_screen.h"
 #include "family/family_screens.h"
 #include "family/household_lists_screen.h"
+#include "graves/grave_screens.h"
 #include "households/household_screens.h"
 #include "households/succession_screen.h"
 #include "masters/master_screen.h"
@@ -19,6 +20,12 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"メニュー"_s, メニュー},
 
         {u"年号登"_s, calendar::年号登},
+        {u"お墓登"_s, graves::お墓登},
+        {u"お墓新"_s, graves::お墓新},
+        {u"お墓一"_s, graves::お墓一},
+        {u"紐区画"_s, graves::紐区画},
+        {u"紐墓標"_s, graves::紐墓標},
+
         {u"マスター登"_s, masters::マスター登},
 
         {u"檀家登"_s, households::檀家登},

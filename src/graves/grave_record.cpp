@@ -1,0 +1,139 @@
+#include "graves/grave_record.h"
+
+#include "calendar/date_groups.h"
+#include "calendar/eras.h"
+#include "store/table.h"
+#include "values/numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace graves {
+
+const QString kindFamily = u"家"_s;
+const QString kindIndividual = u"個"_s;
+const QString kindVacant = u"空"_s;
+
+namespace {
+
+QString feeText(const std::optional<std::int32_t>& fee) {
+    return fee ? values::moneyText(*fee) : QString();
+}
+
+void checkFee(desk::Text& box, const QString& message, desk::SaveAttempt& attempt) {
+    const auto fee = values::readMoney(box.text);
+    attempt.check(fee.has_value(), box, message);
+    if (fee)
+        box.text = values::moneyText(*fee);
+}
+
+void sayGraveGone(const QString& title, desk::Desk& desk) {
+    desk.notify(u"指定されたお墓番号を読めませんません。DBの整合性を確認して下さい"_s, title);
+}
+
+} // namespace
+
+bool GraveFields::namesGraveInHand() const {
+    return inHand && values::readInt16(frm13_haka_no.text) == inHand;
+}
+
+void fillDateLists(store::Database& database, GraveFields& fields) {
+    for (desk::DateGroup* group : {&fields.開始, &fields.受領, &fields.管受, &fields.次回})
+        calendar::CMB年号(database, *group);
+}
+
+std::optional<store::tbl_ohaka> findGrave(store::Database& database, const desk::Text& number) {
+    const auto no = values::readInt16(number.text);
+    return no ? store::find(database, store::idxhak_no, *no) : std::nullopt;
+}
+
+void showGrave(store::Database& database, const store::tbl_ohaka& row, GraveFields& fields, desk::Desk& desk) {
+    fields.frm13_haka_no.text = QString::number(row.tblhak_no);
+    fields.inHand = row.tblhak_no;
+    fields.frm13_banchi1.text = row.tblhak_banchi1;
+    fields.frm13_banchi2.text = row.tblhak_banchi2;
+    fields.frm13_bohyo.text.clear();
+    if (row.tblhak_bohyo_kbn != kindVacant) {
+        fields.frm13_haka2.chosen = row.tblhak_bohyo_kbn == kindFamily;
+        fields.frm13_haka1.chosen = !fields.frm13_haka2.chosen;
+        fields.frm13_bohyo.text = row.tblhak_bohyo_mei;
+    }
+    fields.墓地使用料.text = feeText(row.tblhak_shiyo_ryokin);
+    fields.墓地管理費.text = feeText(row.tblhak_kanri_ryokin);
+    fields.frm13_biko.text = row.tblhak_biko;
+    calendar::showDate(database, fields.開始, row.tblhak_shiyo_stymd, desk);
+    calendar::showDate(database, fields.受領, row.tblhak_shiyo_jrymd, desk);
+    calendar::showDate(database, fields.管受, row.tblhak_kanri_jrymd, desk);
+    calendar::showDate(database, fields.次回, row.tblhak_kanri_nxymd, desk);
+}
+
+GraveDates checkDatesAndFees(store::Database& database, GraveFields& fields, desk::SaveAttempt& attempt,
+                             desk::ScreenContext& context, desk::Desk& desk) {
+    const auto checkDate = [&](desk::DateGroup& group, calendar::DateField field) {
+        return calendar::checkDate(database, group, field, context, desk);
+    };
+    GraveDates dates;
+    dates.start = checkDate(fields.開始, calendar::使用開始日);
+    checkFee(fields.墓地使用料, u"墓地使用料に正しく入力して下さい"_s, attempt);
+    dates.feeReceived = checkDate(fields.受領, calendar::使用料受領日);
+    checkFee(fields.墓地管理費, u"墓地管理費に正しく入力して下さい"_s, attempt);
+    dates.upkeepReceived = checkDate(fields.管受, calendar::管理費受領日);
+    dates.upkeepNext = checkDate(fields.次回, calendar::管理費次回請求日);
+    return dates;
+}
+
+void takeFields(const GraveFields& fields, const GraveDates& dates, store::tbl_ohaka& row) {
+    const auto take = [](QDate date, QDate& field) {
+        if (date.isValid())
+            field = date;
+    };
+    row.tblhak_banchi1 = fields.frm13_banchi1.text;
+    row.tblhak_banchi2 = fields.frm13_banchi2.text;
+    row.tblhak_bohyo_mei = fields.frm13_bohyo.text;
+    take(dates.start, row.tblhak_shiyo_stymd);
+    row.tblhak_shiyo_ryokin = values::readMoney(fields.墓地使用料.text);
+    take(dates.feeReceived, row.tblhak_shiyo_jrymd);
+    row.tblhak_kanri_ryokin = values::readMoney(fields.墓地管理費.text);
+    take(dates.upkeepReceived, row.tblhak_kanri_jrymd);
+    take(dates.upkeepNext, row.tblhak_kanri_nxymd);
+    row.tblhak_haiki_kbn = 0;
+    row.tblhak_biko = fields.frm13_biko.text;
+}
+
+std::vector<store::tbl_ohaka> gravesAt(store::Database& database, const GraveFields& fields) {
+    return store::selectAll<store::tbl_ohaka>(database, "WHERE tblhak_banchi1 = ? AND tblhak_banchi2 = ?",
+                                              fields.frm13_banchi1.text, fields.frm13_banchi2.text);
+}
+
+bool editGrave(const GraveFields& fields, const QString& title, desk::Desk& desk,
+               const std::function<void(store::tbl_ohaka&)>& change) {
+    store::Database database;
+    if (store::change(database, store::idxhak_no, change, *fields.inHand))
+        return true;
+    sayGraveGone(title, desk);
+    return false;
+}
+
+void deleteGrave(const GraveFields& fields, const QString& question, const QString& title, desk::Desk& desk) {
+    if (!fields.namesGraveInHand()) {
+        sayNumberChanged(title, desk);
+        return;
+    }
+    if (!desk.ask(question, title))
+        return;
+    store::Database database;
+    if (store::remove(database, store::idxhak_no, *fields.inHand))
+        desk.notify(u"指定されたお墓は削除されました。"_s, title);
+    else
+        sayGraveGone(title, desk);
+}
+
+void sayNumberChanged(const QString& title, desk::Desk& desk) {
+    desk.notify(u"登録NOが変更されています。照会からやり直して下さい"_s, title);
+}
+
+void startToday(GraveFields& fields, desk::Desk& desk) {
+    store::Database database;
+    calendar::showDate(database, fields.開始, desk.today(), desk);
+}
+
+} // namespace graves

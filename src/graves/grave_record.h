@@ -1,0 +1,85 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+#include "desk/save_attempt.h"
+#include "desk/screen_context.h"
+#include "store/database.h"
+#include "store/schema.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+// What the two grave screens share: the fields of one grave, how they are shown, checked and stored.
+namespace graves {
+
+struct GraveFields {
+    desk::Text frm13_haka_no;
+    desk::Text frm13_banchi1;
+    desk::Text frm13_banchi2;
+    desk::Option frm13_haka2; // 家
+    desk::Option frm13_haka1; // 個
+    desk::Text frm13_bohyo;
+    desk::DateGroup 開始;
+    desk::Text 墓地使用料;
+    desk::DateGroup 受領;
+    desk::Text 墓地管理費;
+    desk::DateGroup 管受;
+    desk::DateGroup 次回;
+    desk::Text frm13_biko;
+
+    // Grave whose data the screen holds: the one last looked up or registered here.
+    std::optional<std::int16_t> inHand;
+    // The number box still names the grave in hand.
+    bool namesGraveInHand() const;
+};
+
+// Marker kinds as stored.
+extern const QString kindFamily;     // 家
+extern const QString kindIndividual; // 個
+extern const QString kindVacant;     // 空
+
+// Fills the lists of the four date groups; once a screen.
+void fillDateLists(store::Database& database, GraveFields& fields);
+
+// The grave whose number the box names; nothing when there is none or the text is no 16-bit number.
+std::optional<store::tbl_ohaka> findGrave(store::Database& database, const desk::Text& number);
+
+// Empties the grave's part and shows the row in it. Kind and marker name of a vacant plot are not shown: the kind
+// options keep their state. The grave becomes the one in hand.
+void showGrave(store::Database& database, const store::tbl_ohaka& row, GraveFields& fields, desk::Desk& desk);
+
+struct GraveDates {
+    QDate start;
+    QDate feeReceived;
+    QDate upkeepReceived;
+    QDate upkeepNext;
+};
+
+// The checks from the use start date on, in screen order; amounts that pass are shown with separators.
+GraveDates checkDatesAndFees(store::Database& database, GraveFields& fields, desk::SaveAttempt& attempt,
+                             desk::ScreenContext& context, desk::Desk& desk);
+
+// Puts place, marker name, checked amounts and remarks into the row and clears the disposal flag. Dates that are absent
+// leave the row's dates as they are.
+void takeFields(const GraveFields& fields, const GraveDates& dates, store::tbl_ohaka& row);
+
+// Every grave at the place that the boxes name, disposed ones too.
+std::vector<store::tbl_ohaka> gravesAt(store::Database& database, const GraveFields& fields);
+
+// Rewrites the grave that the number box names with what change(row) makes of it. Shows a message and writes nothing
+// when it is gone; true when it was written.
+bool editGrave(const GraveFields& fields, const QString& title, desk::Desk& desk,
+               const std::function<void(store::tbl_ohaka&)>& change);
+
+// Deletes the grave in hand after the question; shows a message when the number box names another.
+void deleteGrave(const GraveFields& fields, const QString& question, const QString& title, desk::Desk& desk);
+
+// The message of a number box that names another grave than the one in hand.
+void sayNumberChanged(const QString& title, desk::Desk& desk);
+
+// 今日: the use starts today.
+void startToday(GraveFields& fields, desk::Desk& desk);
+
+} // namespace graves
