@@ -17,7 +17,6 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -262,11 +261,8 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, Operat
                   }});
     screen_.addToTabOrder(box);
     if (picked) {
-        const Operation pick = [this_ = &screen_, picked] { this_->operate(picked); };
-        QObject::connect(box, &QComboBox::activated, &screen_, pick);
-        for (const int key : {Qt::Key_Return, Qt::Key_Enter})
-            QObject::connect(new QShortcut(QKeySequence(key), box, nullptr, nullptr, Qt::WidgetShortcut),
-                             &QShortcut::activated, &screen_, pick);
+        QObject::connect(box, &QComboBox::activated, &screen_, [this_ = &screen_, picked] { this_->operate(picked); });
+        screen_.onEnter(box, picked);
     }
     return *this;
 }

@@ -188,6 +188,10 @@ void Screen::onLeave(QWidget* widget, Operation operation) {
     leaving_.emplace_back(widget, std::move(operation));
 }
 
+void Screen::onEnter(QWidget* widget, Operation operation) {
+    entered_.emplace_back(widget, std::move(operation));
+}
+
 void Screen::readForm() {
     for (const Binding& binding : bindings_) {
         if (binding.intoForm)
@@ -282,6 +286,12 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
         }
         if (qobject_cast<QAbstractItemView*>(watched) || composing(watched))
             break;
+        for (const auto& [widget, operation] : entered_) {
+            if (widget == watched) {
+                operate(operation);
+                return true;
+            }
+        }
         if (qobject_cast<QLineEdit*>(watched) || qobject_cast<QComboBox*>(watched)) {
             focusNextChild();
             return true;

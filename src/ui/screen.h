@@ -62,6 +62,8 @@ class Screen : public QWidget {
     void addToTabOrder(QWidget* widget);
     // Runs when the keyboard leaves the control for another control of this screen, the closing button apart.
     void onLeave(QWidget* widget, Operation operation);
+    // Runs on Enter in the control, which then does not move on to the next one.
+    void onEnter(QWidget* widget, Operation operation);
 
     const std::vector<Binding>& bindings() const { return bindings_; }
     const std::vector<QWidget*>& tabOrder() const { return tabOrder_; }
@@ -93,6 +95,7 @@ class Screen : public QWidget {
     std::vector<Binding> bindings_;
     std::vector<QWidget*> tabOrder_;
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
+    std::vector<std::pair<const QObject*, Operation>> entered_;
     bool busy_ = false;
     bool closing_ = false;
     bool handedOver_ = false;
