@@ -25,13 +25,17 @@ double median(std::vector<double> values) {
 } // namespace
 
 void compare(const char* what, double limit, int rounds, int calls, const std::function<void()>& program,
-             const std::function<void()>& byHand) {
+             const std::function<void()>& byHand, const std::function<void()>& prepare) {
+    prepare();
     program();
+    prepare();
     byHand();
     std::vector<double> ours;
     std::vector<double> theirs;
     for (int round = 0; round < rounds; ++round) {
+        prepare();
         ours.push_back(microseconds(calls, program));
+        prepare();
         theirs.push_back(microseconds(calls, byHand));
     }
     std::printf("%-58s %10.1f us  by hand %10.1f us  ratio %5.2f  (at most %.2f)\n", what, median(ours), median(theirs),

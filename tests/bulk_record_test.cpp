@@ -80,21 +80,22 @@ TEST(Cp932, TheCharactersThatTellItFromItsRelatives) {
         char16_t unit;
         bool chosen; // the place that is written
     } cases[] = {
-        {"\x81\x60", u'～', true},  {"\x81\x7C", u'－', true},  {"\x81\x5C", u'―', true},  {"\x81\x61", u'∥', true},
-        {"\x81\xCA", u'￢', true},  {"\xFA\x54", u'￢', false}, {"\x87\x8A", u'㈱', true}, {"\xFA\x58", u'㈱', false},
-        {"\x87\x90", u'≒', false}, {"\x81\xE0", u'≒', true},  {"\xFA\x40", u'ⅰ', true}, {"\xEE\xEF", u'ⅰ', false},
-        {"\x87\x54", u'Ⅰ', true},  {"\xFA\x4A", u'Ⅰ', false}, {"\xFB\xFC", u'髙', true}, {"\xEE\xE0", u'髙', false},
-        {"\xF0\x40", u'\uE000', true}, {"\xF9\xFC", u'\uE757', true}, {"\xB1", u'ｱ', true}, {"\x5C", u'\\', true},
+        {"\x81\x60", u'～', true},  {"\x81\x7C", u'－', true},     {"\x81\x5C", u'―', true},
+        {"\x81\x61", u'∥', true},   {"\x81\xCA", u'￢', true},     {"\xFA\x54", u'￢', false},
+        {"\x87\x8A", u'㈱', true},  {"\xFA\x58", u'㈱', false},    {"\x87\x90", u'≒', false},
+        {"\x81\xE0", u'≒', true},   {"\xFA\x40", u'ⅰ', true},      {"\xEE\xEF", u'ⅰ', false},
+        {"\x87\x54", u'Ⅰ', true},   {"\xFA\x4A", u'Ⅰ', false},     {"\xFB\xFC", u'髙', true},
+        {"\xEE\xE0", u'髙', false}, {"\xF0\x40", u'\uE000', true}, {"\xF9\xFC", u'\uE757', true},
+        {"\xB1", u'ｱ', true},       {"\x5C", u'\\', true},
     };
     for (const auto& c : cases) {
         QString text;
         EXPECT_TRUE(transfer::cp932::decode(c.bytes, text)) << c.bytes;
         EXPECT_EQ(text, QString(QChar(c.unit)));
         const QByteArrayView bytes(c.bytes);
-        const quint16 code = static_cast<quint16>(bytes.size() == 1
-                                                      ? static_cast<unsigned char>(bytes[0])
-                                                      : static_cast<unsigned char>(bytes[0]) << 8 |
-                                                            static_cast<unsigned char>(bytes[1]));
+        const quint16 code = static_cast<quint16>(bytes.size() == 1 ? static_cast<unsigned char>(bytes[0])
+                                                                    : static_cast<unsigned char>(bytes[0]) << 8 |
+                                                                          static_cast<unsigned char>(bytes[1]));
         EXPECT_EQ(transfer::cp932::encode(c.unit) == code, c.chosen) << std::hex << code;
     }
 }
@@ -109,25 +110,37 @@ TEST(BulkReader, Records) {
         {"line ends", "1,2\r\n3,4\n5,6\r7,8", {u"1|2"_s, u"3|4"_s, u"5|6"_s, u"7|8"_s}},
         {"an empty line is a record", "1,2\r\n\r\n\n", {u"1|2"_s, u"||"_s + badCount, u"||"_s + badCount}},
         {"blanks", " a b , \" c \" \r\n\t,\t\"\"\r\n", {u"a b| c "_s, u"|"_s}},
-        {"full-width blanks stay", "\x81\x40\x8C\xB4\x81\x40,\xA0\r\n",
-         {u"　原　|〓|"_s + badCode + u"|2"_s}},
-        {"commas and quotation marks", "\"a,b\",\"\"\"c\"\"\"\r\n\"\"\"\"\"\",a\"b\"\r\n", {u"a,b|\"c\""_s, u"\"\"|a\"b\""_s}},
+        {"full-width blanks stay", "\x81\x40\x8C\xB4\x81\x40,\xA0\r\n", {u"　原　|〓|"_s + badCode + u"|2"_s}},
+        {"commas and quotation marks",
+         "\"a,b\",\"\"\"c\"\"\"\r\n\"\"\"\"\"\",a\"b\"\r\n",
+         {u"a,b|\"c\""_s, u"\"\"|a\"b\""_s}},
         {"characters that end in a backslash or a bar", "\"\x95\x5C\x83\x5C\x8F\x5C\",\x94\x5C\r\n", {u"表ソ十|能"_s}},
-        {"too few, too many", "a\r\na,b,c\r\na,b,\r\nd,e\r\n",
+        {"too few, too many",
+         "a\r\na,b,c\r\na,b,\r\nd,e\r\n",
          {u"a||"_s + badCount, u"a|b|"_s + badCount, u"a|b|"_s + badCount, u"d|e"_s}},
-        {"unmatched quotation mark ends with its line", "\"a,b\r\n\"c\",\"d\r\ne,f\r\n",
+        {"unmatched quotation mark ends with its line",
+         "\"a,b\r\n\"c\",\"d\r\ne,f\r\n",
          {u"a,b||"_s + badCount, u"c|d|"_s + badQuotes + u"|2"_s, u"e|f"_s}},
-        {"text behind a quoted field", "\"a\"b,c\r\n\"\"d,e\r\nf,g\r\n",
+        {"text behind a quoted field",
+         "\"a\"b,c\r\n\"\"d,e\r\nf,g\r\n",
          {u"ab|c|"_s + badQuotes + u"|1"_s, u"d|e|"_s + badQuotes + u"|1"_s, u"f|g"_s}},
-        {"lone lead byte at a line end", "a,\x95\r\nb,\x95\x5C\n\x95", {u"a|〓|"_s + badCode + u"|2"_s, u"b|表"_s, u"〓||"_s + badCode + u"|1"_s}},
-        {"lone lead byte takes no comma or quotation mark", "\"\x95\",\"\xFFx\"\r\n", {u"〓|〓x|"_s + badCode + u"|1|2"_s}},
-        {"bytes that denote nothing", "\x80,\xFD\r\n\x85\x40,\xEB\x9F\r\n",
+        {"lone lead byte at a line end",
+         "a,\x95\r\nb,\x95\x5C\n\x95",
+         {u"a|〓|"_s + badCode + u"|2"_s, u"b|表"_s, u"〓||"_s + badCode + u"|1"_s}},
+        {"lone lead byte takes no comma or quotation mark",
+         "\"\x95\",\"\xFFx\"\r\n",
+         {u"〓|〓x|"_s + badCode + u"|1|2"_s}},
+        {"bytes that denote nothing",
+         "\x80,\xFD\r\n\x85\x40,\xEB\x9F\r\n",
          {u"〓|〓|"_s + badCode + u"|1|2"_s, u"〓@|〓〓|"_s + badCode + u"|1|2"_s}},
         {"a real 〓 is a character", "\x81\xAC,b\r\n", {u"〓|b"_s}},
         {"NUL", QByteArray("a,\0\r\n", 5), {u"a|〓|"_s + badCode + u"|2"_s}},
-        {"references", "&#x20BB7;&#XFA11;,\"&#x26;#x41;&#x0;&#xD800;&#x110000;&#x1234567;&#65;&#x;&#xG1;&#x41\"\r\n",
+        {"references",
+         "&#x20BB7;&#XFA11;,\"&#x26;#x41;&#x0;&#xD800;&#x110000;&#x1234567;&#65;&#x;&#xG1;&#x41\"\r\n",
          {u"𠮷﨑|&#x41;&#x0;&#xD800;&#x110000;&#x1234567;&#65;&#x;&#xG1;&#x41"_s}},
-        {"UTF-8 behind its mark", "\xEF\xBB\xBF\"\xE5\x8E\x9F\",\xF0\xA0\xAE\xB7\n\xE5\x8E,b\r\n", {u"原|𠮷"_s, u"〓〓|b|"_s + badCode + u"|1"_s}},
+        {"UTF-8 behind its mark",
+         "\xEF\xBB\xBF\"\xE5\x8E\x9F\",\xF0\xA0\xAE\xB7\n\xE5\x8E,b\r\n",
+         {u"原|𠮷"_s, u"〓〓|b|"_s + badCode + u"|1"_s}},
         {"UTF-8 without it", "\xE5\x8E\x9F,b\r\n", {u"蜴〓|b|"_s + badCode + u"|1"_s}},
         {"nothing but the mark", "\xEF\xBB\xBF", {}},
     };
@@ -177,7 +190,8 @@ TEST(BulkWriter, Fields) {
         QByteArray bytes;
         const std::vector<QString> fields{c.text, u"x"_s};
         EXPECT_EQ(transfer::appendRecord(bytes, fields), c.referred) << c.text.toStdString();
-        EXPECT_EQ(bytes.toPercentEncoding(), ("\"" + c.bytes + "\",\"x\"\r\n").toPercentEncoding()) << c.text.toStdString();
+        EXPECT_EQ(bytes.toPercentEncoding(), ("\"" + c.bytes + "\",\"x\"\r\n").toPercentEncoding())
+            << c.text.toStdString();
     }
 }
 
@@ -267,13 +281,14 @@ TEST_F(BulkFiles, OneFileUnderManyNames) {
         QString one, other;
         bool same;
     } cases[] = {
-        {u"a.csv"_s, u"a.csv"_s, true},           {u"a.csv"_s, u"b.csv"_s, false},
-        {u"a.csv"_s, u"sub/../a.csv"_s, true},    {u"a.csv"_s, u"link.csv"_s, true},
-        {u"a.csv"_s, u"hard.csv"_s, true},        {u"new.csv"_s, u"sub/../new.csv"_s, true},
-        {u"new.csv"_s, u"sub/new.csv"_s, false},  {u"later.csv"_s, u"R.mdb-wal"_s, true},
+        {u"a.csv"_s, u"a.csv"_s, true},          {u"a.csv"_s, u"b.csv"_s, false},
+        {u"a.csv"_s, u"sub/../a.csv"_s, true},   {u"a.csv"_s, u"link.csv"_s, true},
+        {u"a.csv"_s, u"hard.csv"_s, true},       {u"new.csv"_s, u"sub/../new.csv"_s, true},
+        {u"new.csv"_s, u"sub/new.csv"_s, false}, {u"later.csv"_s, u"R.mdb-wal"_s, true},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(transfer::sameFile(path(c.one), path(c.other)), c.same) << c.one.toStdString() << c.other.toStdString();
+        EXPECT_EQ(transfer::sameFile(path(c.one), path(c.other)), c.same)
+            << c.one.toStdString() << c.other.toStdString();
     for (const QString& side : {u"R.mdb"_s, u"R.mdb-journal"_s, u"R.mdb-wal"_s, u"R.mdb-shm"_s, u"later.csv"_s})
         EXPECT_TRUE(transfer::belongsToRegister(path(side), path(u"R.mdb"_s))) << side.toStdString();
     EXPECT_FALSE(transfer::belongsToRegister(path(u"a.csv"_s), path(u"R.mdb"_s)));

@@ -21,12 +21,13 @@ const QString householdQuestion = u"入力檀家番号は無視し、登録前�
 const QString graveQuestion = u"入力お墓番号は無視し、登録前に一旦全件削除します"_s;
 const QString taken = u"同一檀家番号が存在します"_s;
 
-const std::vector<QString> goodHousehold{
-    u"7"_s, u""_s,  u"原"_s,   u"ハラ"_s,    u"1"_s,         u""_s,  u"587-3050"_s, u"川端1丁目"_s, u""_s,
-    u"071"_s, u""_s, u"川端地区"_s, u"原　美代"_s, u"ハラ ミヨ"_s, u"0"_s, u""_s,         u"備考"_s};
-const std::vector<QString> goodGrave{
-    u"東"_s,        u"001"_s,  u"7"_s,          u"檀家"_s, u"原"_s,         u"ハラ"_s,       u"家"_s, u"原家之墓"_s, u"2001/04/01"_s,
-    u"30000"_s, u"2001/4/1"_s, u"5,000"_s, u"2024-04-01"_s, u"2025/04/01"_s, u"0"_s,   u""_s,         u"備考"_s};
+const std::vector<QString> goodHousehold{u"7"_s,        u""_s,          u"原"_s, u"ハラ"_s, u"1"_s,   u""_s,
+                                         u"587-3050"_s, u"川端1丁目"_s, u""_s,   u"071"_s,  u""_s,    u"川端地区"_s,
+                                         u"原　美代"_s, u"ハラ ミヨ"_s, u"0"_s,  u""_s,     u"備考"_s};
+const std::vector<QString> goodGrave{u"東"_s,       u"001"_s,   u"7"_s,          u"檀家"_s,       u"原"_s,
+                                     u"ハラ"_s,     u"家"_s,    u"原家之墓"_s,   u"2001/04/01"_s, u"30000"_s,
+                                     u"2001/4/1"_s, u"5,000"_s, u"2024-04-01"_s, u"2025/04/01"_s, u"0"_s,
+                                     u""_s,         u"備考"_s};
 
 using Changes = std::initializer_list<std::pair<int, QString>>;
 
@@ -329,13 +330,15 @@ TEST_F(Transfer, HouseholdsAreStoredAsTheLayoutSays) {
 }
 
 TEST_F(Transfer, NumbersFromTheFile) {
-    put(u"in.csv"_s, lines({with(goodHousehold, {{1, u"9"_s}}), with(goodHousehold, {{1, u"7"_s}, {3, u"新"_s}, {12, u"新町"_s}}),
-                            with(goodHousehold, {{1, u"7"_s}, {2, u"1"_s}})}));
+    put(u"in.csv"_s,
+        lines({with(goodHousehold, {{1, u"9"_s}}), with(goodHousehold, {{1, u"7"_s}, {3, u"新"_s}, {12, u"新町"_s}}),
+               with(goodHousehold, {{1, u"7"_s}, {2, u"1"_s}})}));
     store::Database database;
     store::Table(database, store::idxdnk_no).insert(sampleHousehold(7));
     desk.expect(u"檀家さん 3 件中 1 がエラーで登録されませんでした"_s, householdTitle);
     importHouseholds(refusing);
-    EXPECT_EQ(errorFile(16), QStringList(u"**7|**|新|ハラ||587-3050|川端1丁目||071||新町|原　美代|ハラ ミヨ||備考|"_s + taken + u'|'));
+    EXPECT_EQ(errorFile(16),
+              QStringList(u"**7|**|新|ハラ||587-3050|川端1丁目||071||新町|原　美代|ハラ ミヨ||備考|"_s + taken + u'|'));
     const QString numbers = u"SELECT tbldnk_no1, tbldnk_no2, tbldnk_nameg FROM tbl_danka ORDER BY 1, 2"_s;
     EXPECT_EQ(query(numbers), u"7,0,山田|7,1,原|9,0,原"_s);
     EXPECT_EQ(query(u"SELECT count(*) FROM マスタ WHERE マ_区分 = 2 AND マ_名称 = '新町'"_s), u"0"_s);
@@ -369,8 +372,19 @@ TEST_F(Transfer, AnUpdateOfAGraveKeepsWhatTheFileLeavesOpen) {
                             "tblhak_shiyo_stymd, tblhak_shiyo_ryokin, tblhak_kanri_ryokin, tblhak_kanri_jrymd, "
                             "tblhak_haiki_kbn, tblhak_haiki_ymd FROM tbl_ohaka"_s;
     EXPECT_EQ(query(columns), u"1,7,檀家,ハ,家,2001-04-01,30000,5000,2024-04-01,0,NULL"_s);
-    put(u"in.csv"_s, lines({with(goodGrave, {{3, u""_s}, {4, u"0"_s}, {5, u""_s}, {6, u""_s}, {7, u"空"_s}, {8, u""_s}, {9, u""_s},
-                                             {10, u""_s}, {12, u"1.5"_s}, {13, u""_s}, {14, u""_s}, {15, u"1"_s}, {16, u"2026.1.2"_s}})}));
+    put(u"in.csv"_s, lines({with(goodGrave, {{3, u""_s},
+                                             {4, u"0"_s},
+                                             {5, u""_s},
+                                             {6, u""_s},
+                                             {7, u"空"_s},
+                                             {8, u""_s},
+                                             {9, u""_s},
+                                             {10, u""_s},
+                                             {12, u"1.5"_s},
+                                             {13, u""_s},
+                                             {14, u""_s},
+                                             {15, u"1"_s},
+                                             {16, u"2026.1.2"_s}})}));
     desk.expect(u"お墓登録 1 件を登録しました"_s, graveTitle);
     importGraves(transfer::GraveImportMode::update);
     EXPECT_EQ(query(columns), u"1,0,, ,空,2001-04-01,0,2,2024-04-01,1,2026-01-02"_s);
@@ -405,7 +419,8 @@ TEST_F(Transfer, GravesOfOnePlace) {
     put(u"in.csv"_s, lines({with(goodGrave, {{2, u"別"_s}})}));
     desk.expect(u"お墓登録 1 件中 1 がエラーで登録されませんでした"_s, graveTitle);
     importGraves(transfer::GraveImportMode::update);
-    EXPECT_EQ(errorFile(18).filter(u"指定されたお墓番号は既に登録されています"_s).size(), 1) << "a counter that lags behind";
+    EXPECT_EQ(errorFile(18).filter(u"指定されたお墓番号は既に登録されています"_s).size(), 1)
+        << "a counter that lags behind";
 }
 
 TEST_F(Transfer, WhatTheCodePageDoesNotHoldComesBack) {
@@ -418,10 +433,12 @@ TEST_F(Transfer, WhatTheCodePageDoesNotHoldComesBack) {
     households.insert(sampleHousehold(4));
     households.insert(row);
     desk.expect(u"檀家さん 2 件を出力しました"_s, u"檀家出力"_s);
-    desk.expect(u"次の 1 件にはシフトJISにない文字又は改行があります。文字参照（&#x5409; の形）で出力しました。\n\n5-0 𠮷田\"'"_s,
-                u"檀家出力"_s);
+    desk.expect(
+        u"次の 1 件にはシフトJISにない文字又は改行があります。文字参照（&#x5409; の形）で出力しました。\n\n5-0 𠮷田\"'"_s,
+        u"檀家出力"_s);
     EXPECT_EQ(transfer::ExportHouseholds(path(u"in.csv"_s), desk), 2);
-    EXPECT_TRUE(get(u"in.csv"_s).startsWith("\"4\",\"0\",\"\x8E\x52\x93\x63\",\"\x83\x84\x83\x7D\x83_\",\"1\",\"\x92h\x89\xC6\","))
+    EXPECT_TRUE(get(u"in.csv"_s)
+                    .startsWith("\"4\",\"0\",\"\x8E\x52\x93\x63\",\"\x83\x84\x83\x7D\x83_\",\"1\",\"\x92h\x89\xC6\","))
         << get(u"in.csv"_s).left(60).toPercentEncoding().toStdString();
     const auto before = rowsOf<store::tbl_danka>();
     desk.expect(u"檀家さん 2 件を登録しました"_s, householdTitle);
@@ -470,10 +487,11 @@ TEST_F(Transfer, NothingIsTouchedBeforeYes) {
     desk.expect(u"檀家さん 0 件を登録しました"_s, householdTitle);
     importHouseholds(automatic);
     EXPECT_EQ(get(u"err.csv"_s), "");
-    for (const auto& [none, title] : {std::pair{u"檀家登録は 0 件です"_s, u"檀家出力"_s}, {u"お墓登録は 0 件です"_s, u"お墓出力"_s}}) {
+    for (const auto& [none, title] :
+         {std::pair{u"檀家登録は 0 件です"_s, u"檀家出力"_s}, {u"お墓登録は 0 件です"_s, u"お墓出力"_s}}) {
         desk.expect(none, title);
         EXPECT_EQ(title == u"檀家出力"_s ? transfer::ExportHouseholds(path(u"out.csv"_s), desk)
-                                       : transfer::ExportGraves(path(u"out.csv"_s), desk),
+                                         : transfer::ExportGraves(path(u"out.csv"_s), desk),
                   0);
         EXPECT_EQ(get(u"out.csv"_s), "(none)");
     }
@@ -495,7 +513,8 @@ TEST_F(Transfer, ACancelLeavesWhatWasStored) {
 
 // A failing write in the middle: the run ends with what had been counted.
 TEST_F(Transfer, AFailureOfTheRegisterEndsTheRun) {
-    execute(u"CREATE TRIGGER full BEFORE INSERT ON tbl_danka WHEN NEW.tbldnk_no1 = 40 BEGIN SELECT raise(ABORT, 'no room'); END"_s);
+    execute(
+        u"CREATE TRIGGER full BEFORE INSERT ON tbl_danka WHEN NEW.tbldnk_no1 = 40 BEGIN SELECT raise(ABORT, 'no room'); END"_s);
     put(u"in.csv"_s, lines(std::vector(100, goodHousehold)));
     desk.answer(householdQuestion, householdTitle, true);
     try {
@@ -536,7 +555,8 @@ TEST_F(Transfer, AKilledImportLeavesTheBeginningOfTheFile) {
     QStringList accepted;
     for (int i = 1; i <= 400; ++i) {
         const bool wrong = i % 7 == 0;
-        transfer::appendRecord(bytes, with(goodHousehold, {{1, QString::number(5000 - i)}, {3, wrong ? QString() : u"家%1"_s.arg(i)}}));
+        transfer::appendRecord(
+            bytes, with(goodHousehold, {{1, QString::number(5000 - i)}, {3, wrong ? QString() : u"家%1"_s.arg(i)}}));
         if (!wrong)
             accepted << u"家%1"_s.arg(i);
     }

@@ -25,12 +25,7 @@ bool isWithin(const QString& folder, const QString& root) {
 
 } // namespace
 
-FilePicker::FilePicker(const QString& nameFilter) : nameFilter_(nameFilter) {
-    listDrives();
-    enter(QDir::currentPath());
-}
-
-void FilePicker::listDrives() {
+void FilePicker::start() {
     drives_.clear();
     const QString home = QDir::homePath();
     drives_.push_back({u"ホーム (%1)"_s.arg(QDir::toNativeSeparators(home)), home, home});
@@ -44,19 +39,16 @@ void FilePicker::listDrives() {
     drive.items.clear();
     for (const Drive& one : drives_)
         drive.items << one.caption;
+    enter(QDir::currentPath());
 }
 
 void FilePicker::chooseDrive() {
     const qsizetype at = drive.items.indexOf(drive.text);
-    if (at >= 0) {
-        const Drive& chosen = drives_[static_cast<std::size_t>(at)];
-        shownDrive_ = static_cast<std::size_t>(at);
-        show(QFileInfo(chosen.last).isDir() ? chosen.last : chosen.root);
-    } else if (const QFileInfo typed(drive.text); typed.isAbsolute() && typed.isDir()) {
-        enter(QDir::cleanPath(drive.text));
-    } else {
-        drive.text = drives_[shownDrive_].caption;
-    }
+    if (at < 0)
+        return;
+    shownDrive_ = static_cast<std::size_t>(at);
+    const Drive& chosen = drives_[shownDrive_];
+    show(QFileInfo(chosen.last).isDir() ? chosen.last : chosen.root);
 }
 
 void FilePicker::chooseFolder() {
@@ -109,7 +101,8 @@ void FilePicker::show(const QString& folder) {
     expand(line);
     while (lines_[line].path != folder) {
         std::size_t below = line + 1;
-        while (below < lines_.size() && lines_[below].depth > lines_[line].depth && !isWithin(folder, lines_[below].path))
+        while (below < lines_.size() && lines_[below].depth > lines_[line].depth &&
+               !isWithin(folder, lines_[below].path))
             ++below;
         if (below == lines_.size() || !isWithin(folder, lines_[below].path)) {
             // A hidden folder on the way is listed only when one is in it.

@@ -12,12 +12,12 @@ struct FilePicker {
     List files;
     Text name;
 
-    // nameFilter, as "*.csv", limits the files listed; empty for all. Starts in the folder current when the program
-    // started.
-    explicit FilePicker(const QString& nameFilter = {});
+    // nameFilter, as "*.csv", limits the files listed; empty for all.
+    explicit FilePicker(const QString& nameFilter = {}) : nameFilter_(nameFilter) {}
 
-    // The drive in the box has been chosen, or a folder's path typed there: shows the folder that was last chosen on that
-    // drive. Anything else puts the present drive back.
+    // Finds the drives and shows the folder current when the program started.
+    void start();
+    // The drive in the box has been chosen: shows the folder that was last chosen on it.
     void chooseDrive();
     void chooseFolder(); // the current line of folders: shows its files, and its own folders below it
     void chooseFile();   // the current line of files: puts its name into the box
@@ -41,7 +41,6 @@ struct FilePicker {
         int depth;
     };
 
-    void listDrives();
     void show(const QString& folder);
     void enter(const QString& folder);
     void expand(std::size_t line);

@@ -17,8 +17,8 @@ class Counter {
   public:
     Counter(store::Database& database, const QString& kind) : rows_(database, store::idxno_key), kind_(kind) {}
 
-    // The number after the last one issued; makes the counter row (last number 0) when there is none. Nothing when 32767
-    // has been issued.
+    // The number after the last one issued; makes the counter row (last number 0) when there is none. Nothing when
+    // 32767 has been issued.
     std::optional<std::int16_t> propose();
     // Stores the number as the last one issued; false when the counter row is gone.
     bool commit(std::int16_t number);

@@ -83,7 +83,9 @@ int pragma(SQLite::Database& engine, const char* name) {
 SQLite::Database openExisting(const QString& path) {
     const QByteArray file = QFile::encodeName(path);
     try {
-        return SQLite::Database(file.constData(), SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE, 2000);
+        // A connection never leaves its thread.
+        const int flags = SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX;
+        return SQLite::Database(file.constData(), flags, 2000);
     } catch (const SQLite::Exception&) {
         refuseForeignFile(path);
         throw;

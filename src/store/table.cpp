@@ -1,6 +1,11 @@
 #include "store/table.h"
 
+#include <QStringEncoder>
+
 #include <sqlite3.h>
+
+#include <array>
+#include <cstdio>
 
 namespace store {
 
@@ -13,14 +18,23 @@ void bindValue(SQLite::Statement& statement, int at, qint64 value) {
 }
 
 void bindValue(SQLite::Statement& statement, int at, const QString& value) {
-    statement.bind(at, value.toStdString());
+    // One buffer for all: a bulk run binds a million texts.
+    thread_local std::string utf8;
+    QStringEncoder encoder(QStringEncoder::Utf8);
+    utf8.resize(static_cast<std::size_t>(encoder.requiredSpace(value.size())));
+    const char* const end = encoder.appendToBuffer(utf8.data(), value);
+    utf8.resize(static_cast<std::size_t>(end - utf8.data()));
+    statement.bind(at, utf8);
 }
 
 void bindValue(SQLite::Statement& statement, int at, QDate value) {
-    if (value.isValid())
-        statement.bind(at, value.toString(Qt::ISODate).toStdString());
-    else
+    if (!value.isValid()) {
         statement.bind(at);
+        return;
+    }
+    std::array<char, 40> text;
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", value.year(), value.month(), value.day());
+    statement.bind(at, text.data());
 }
 
 void readValue(const SQLite::Column& column, std::int16_t& value) {

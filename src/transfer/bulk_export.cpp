@@ -13,9 +13,10 @@ constexpr int recordsPerStep = 32;
 constexpr qsizetype mostListed = 20;
 
 QString referredText(const QStringList& names) {
-    QString text = u"次の %1 件にはシフトJISにない文字又は改行があります。文字参照（&#x5409; の形）で出力しました。\n\n"_s.arg(
-                       names.size()) +
-                   names.first(std::min(names.size(), mostListed)).join(u'\n');
+    QString text =
+        u"次の %1 件にはシフトJISにない文字又は改行があります。文字参照（&#x5409; の形）で出力しました。\n\n"_s.arg(
+            names.size()) +
+        names.first(std::min(names.size(), mostListed)).join(u'\n');
     if (names.size() > mostListed)
         text += u"\nほか %1 件"_s.arg(names.size() - mostListed);
     return text;

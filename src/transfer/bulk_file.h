@@ -20,8 +20,8 @@ class FileError : public store::Error {
 // Opens an input file for reading. Throws FileError.
 void openInput(QFile& file);
 
-// An export: written beside its name and moved into place by commit(); an existing file of the name stays as it is until
-// then. All throw FileError.
+// An export: written beside its name and moved into place by commit(); an existing file of the name stays as it is
+// until then. All throw FileError.
 class ExportFile {
   public:
     explicit ExportFile(const QString& path);

@@ -3,7 +3,7 @@
 #include "store/bulk_writes.h"
 #include "transfer/bulk_file.h"
 
-#include <QFileInfo>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -40,7 +40,7 @@ class Run {
             store::Write write(database_);
             for (int i = 0; i < recordsPerCommit && (more = reader_.next(record)); ++i)
                 take(record);
-            target_->release();
+            target_->settle();
             write.commit();
             counts_ = reading_;
             if (!progress_->advance(percent(), status()))
@@ -89,6 +89,21 @@ QString report(const ImportJob& job, const ImportCounts& counts) {
 
 } // namespace
 
+std::optional<std::int16_t> ImportCounter::next() {
+    if (!last_)
+        return counter_.propose();
+    if (*last_ == std::numeric_limits<std::int16_t>::max())
+        return {};
+    return static_cast<std::int16_t>(*last_ + 1);
+}
+
+void ImportCounter::settle() {
+    if (last_)
+        counter_.raise(*last_);
+    last_.reset();
+    counter_.release();
+}
+
 std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk) {
     const QString registered = store::Database::registerPath();
     if (refusedIf(belongsToRegister(job.input, registered) || belongsToRegister(job.errors, registered), registersFile,
@@ -120,13 +135,14 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
         }
         counts = run.counts();
     } catch (const std::exception& failure) {
-        throw store::Error(0, store::explain(failure) + u"\n\n%1 件目までは処理済みです（登録 %2 件、エラー %3 件）。"_s
-                                                            .arg(counts.read)
-                                                            .arg(counts.read - counts.rejected)
-                                                            .arg(counts.rejected));
+        throw store::Error(0, store::explain(failure) +
+                                  u"\n\n%1 件目までは処理済みです（登録 %2 件、エラー %3 件）。"_s.arg(counts.read)
+                                      .arg(counts.read - counts.rejected)
+                                      .arg(counts.rejected));
     }
     bulk.finish();
-    desk.notify((complete ? QString() : u"途中で中止しました。\n"_s) + report(job, counts), job.title, desk::Icon::none);
+    desk.notify((complete ? QString() : u"途中で中止しました。\n"_s) + report(job, counts), job.title,
+                desk::Icon::none);
     return counts;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "desk/desk.h"
+#include "desk/numbering.h"
 #include "store/database.h"
 #include "transfer/bulk_record.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -31,7 +33,24 @@ class ImportTarget {
     virtual ~ImportTarget() = default;
     virtual void check(BulkRecord& record) = 0; // writes nothing
     virtual void store(BulkRecord& record) = 0; // a rejected record has written nothing
-    virtual void release() = 0;                 // ends every read that is still open
+    virtual void settle() = 0; // before each commit: writes the counter, ends every read that is still open
+};
+
+// The numbers of one import. What it has used is in the counter row with the commit that stores it, and written once
+// a commit.
+class ImportCounter {
+  public:
+    ImportCounter(store::Database& database, const QString& kind) : counter_(database, kind) {}
+
+    // The number after the last one issued; nothing when none is left.
+    std::optional<std::int16_t> next();
+    // A row with this number has been written.
+    void used(std::int16_t number) { last_ = std::max(last_.value_or(0), number); }
+    void settle();
+
+  private:
+    desk::Counter counter_;
+    std::optional<std::int16_t> last_; // highest number known since the last commit
 };
 
 struct ImportJob {

@@ -184,8 +184,8 @@ bool BulkReader::next(BulkRecord& record) {
     return true;
 }
 
-// Takes the bytes of the next line, without its end, into line_. A byte of value CR or LF is a line end wherever it stands:
-// neither ends a character of two bytes.
+// Takes the bytes of the next line, without its end, into line_. A byte of value CR or LF is a line end wherever it
+// stands: neither ends a character of two bytes.
 bool BulkReader::readLine() {
     line_.resize(0);
     overlong_ = false;
@@ -220,7 +220,8 @@ bool BulkReader::fill() {
     const qint64 got = device_.read(block_.data(), blockSize);
     block_.resize(std::max<qint64>(got, 0));
     if (got < 0)
-        throw store::Error(0, u"入力ファイルを最後まで読めません。ファイルを確認して下さい。\n\n（%1）"_s.arg(device_.errorString()));
+        throw store::Error(
+            0, u"入力ファイルを最後まで読めません。ファイルを確認して下さい。\n\n（%1）"_s.arg(device_.errorString()));
     if (!std::exchange(started_, true) && block_.startsWith(byteOrderMark)) {
         utf8_ = true;
         at_ = byteOrderMark.size();
@@ -249,6 +250,7 @@ bool BulkReader::decodeLine() {
 // when none is. Fields beyond the layout's are counted, not kept.
 void BulkReader::split(BulkRecord& record, int& count, int& unmatched) {
     const QStringView line = text_;
+    const bool referring = line.contains("&#"_L1);
     for (qsizetype at = 0; at >= 0;) {
         ++count;
         while (at < line.size() && isBlank(line[at]))
@@ -261,9 +263,11 @@ void BulkReader::split(BulkRecord& record, int& count, int& unmatched) {
                 const qsizetype quote = line.indexOf(u'"', at + 1);
                 closed = quote >= 0;
                 const qsizetype end = closed ? quote : line.size();
+                const QStringView piece = line.sliced(at + 1, end - at - 1);
                 if (inner)
-                    field += u'"';
-                field += line.sliced(at + 1, end - at - 1);
+                    (field += u'"') += piece;
+                else
+                    field = piece.toString();
                 at = closed ? quote + 1 : end;
             }
         }
@@ -272,9 +276,11 @@ void BulkReader::split(BulkRecord& record, int& count, int& unmatched) {
         // Behind a closing quotation mark nothing may follow.
         if (quoted && (!closed || !rest.isEmpty()))
             unmatched = count;
-        field += rest;
+        if (!rest.isEmpty())
+            field += rest;
         if (count <= fieldCount_) {
-            readReferencesBack(field);
+            if (referring)
+                readReferencesBack(field);
             // An empty field is a null text, which leaves absent texts of a row absent.
             record.fields.push_back(field.isEmpty() ? QString() : std::move(field));
         }

@@ -32,10 +32,10 @@ struct BulkRecord {
     std::vector<QString> errorLine(std::span<const int> numbers) const;
 };
 
-// Reads records from a device open for reading. The text is decoded strictly, as the Windows Japanese code page or, behind
-// a byte-order mark, as UTF-8. A record ends at its line end (CR LF, LF or CR) whatever its quotes; an empty line is a
-// record. Fields in quotation marks hold commas and doubled quotation marks, others lose the blanks around them;
-// character references (&#x20BB7;) are read back in both.
+// Reads records from a device open for reading. The text is decoded strictly, as the Windows Japanese code page or,
+// behind a byte-order mark, as UTF-8. A record ends at its line end (CR LF, LF or CR) whatever its quotes; an empty
+// line is a record. Fields in quotation marks hold commas and doubled quotation marks, others lose the blanks around
+// them; character references (&#x20BB7;) are read back in both.
 class BulkReader {
   public:
     BulkReader(QIODevice& device, int fieldCount);
@@ -65,9 +65,9 @@ class BulkReader {
     bool overlong_ = false;
 };
 
-// Appends one record to the bytes of a bulk file: every field in quotation marks, CR LF at the end. Five characters that
-// the code page holds under another code point are written as that one; others that it does not hold, line breaks, and
-// what looks like a character reference are written as references. True when a reference was written.
+// Appends one record to the bytes of a bulk file: every field in quotation marks, CR LF at the end. Five characters
+// that the code page holds under another code point are written as that one; others that it does not hold, line breaks,
+// and what looks like a character reference are written as references. True when a reference was written.
 bool appendRecord(QByteArray& bytes, std::span<const QString> fields);
 
 } // namespace transfer

@@ -63,14 +63,13 @@ int ExportGraves(const QString& path, desk::Desk& desk) {
 
 std::optional<ImportCounts> ImportGraves(const QString& input, const QString& errors, GraveImportMode mode,
                                          desk::Desk& desk) {
-    ImportJob job{.title = importTitle,
-                  .subject = u"お墓登録 "_s,
-                  .errorFields = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17},
-                  .input = input,
-                  .errors = errors,
-                  .open = [&](store::Database& database) {
-                      return std::make_unique<GraveImport>(database, mode, desk.today());
-                  }};
+    ImportJob job{
+        .title = importTitle,
+        .subject = u"お墓登録 "_s,
+        .errorFields = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17},
+        .input = input,
+        .errors = errors,
+        .open = [&](store::Database& database) { return std::make_unique<GraveImport>(database, mode, desk.today()); }};
     if (mode == GraveImportMode::afterEmptying) {
         job.question = u"入力お墓番号は無視し、登録前に一旦全件削除します"_s;
         job.emptyingTable = "DELETE FROM tbl_ohaka";
@@ -122,8 +121,9 @@ GraveImport::GraveImport(store::Database& database, GraveImportMode mode, QDate 
     : mode_(mode), today_(today), places_(database, store::idxhak_banchi12), graves_(database, store::idxhak_no),
       counter_(database, u"お墓"_s) {}
 
-// The grave that a record of this place belongs to. A place may have several rows, a live one and disposed ones: the record
-// is that of a row of its own disposal state, and of several such of one that no record of this file has changed yet.
+// The grave that a record of this place belongs to. A place may have several rows, a live one and disposed ones: the
+// record is that of a row of its own disposal state, and of several such of one that no record of this file has changed
+// yet.
 std::optional<store::tbl_ohaka> GraveImport::graveAt(const BulkRecord& record) {
     const QString& section = record.field(1);
     const QString& lot = record.field(2);
@@ -149,7 +149,7 @@ void GraveImport::StoreGraveRecord(BulkRecord& record) {
         found = graveAt(record);
     if (found && mode_ == GraveImportMode::reject)
         return record.reject(u"同一区画+整理番号が存在します"_s, {1, 2});
-    const auto number = found ? found->tblhak_no : counter_.propose();
+    const auto number = found ? found->tblhak_no : counter_.next();
     if (!number)
         return record.reject(desk::noNumberLeft, {});
     if (!found && graves_.seek(store::Seek::equal, *number))
@@ -189,7 +189,7 @@ void GraveImport::StoreGraveRecord(BulkRecord& record) {
     row.tblhak_add_ymd = today_;
     if (!found) {
         graves_.insert(row);
-        counter_.commit(*number);
+        counter_.used(*number);
         return;
     }
     graves_.seek(store::Seek::equal, *number);
@@ -197,10 +197,10 @@ void GraveImport::StoreGraveRecord(BulkRecord& record) {
     written_.insert(*number);
 }
 
-void GraveImport::release() {
+void GraveImport::settle() {
     places_.release();
     graves_.release();
-    counter_.release();
+    counter_.settle();
 }
 
 void runGraveExport(お墓出力Form& form, desk::ScreenContext&, desk::Desk& desk) {

@@ -1,16 +1,16 @@
 #pragma once
 
 #include "desk/file_picker.h"
-#include "desk/numbering.h"
 #include "desk/screen_context.h"
 #include "store/table.h"
 #include "transfer/bulk_import.h"
 
 #include <QSet>
 
-// Graves in and out of the register as files of 17 fields a line: 1 section, 2 lot, 3 to 6 household number, category, name
-// and kana, 7 marker kind, 8 marker name, 9 start of use, 10 and 11 use fee and its receipt, 12 to 14 management fee, its
-// receipt and its next billing date, 15 disposal flag, 16 disposal date, 17 remarks. Grave numbers are not in the file.
+// Graves in and out of the register as files of 17 fields a line: 1 section, 2 lot, 3 to 6 household number, category,
+// name and kana, 7 marker kind, 8 marker name, 9 start of use, 10 and 11 use fee and its receipt, 12 to 14 management
+// fee, its receipt and its next billing date, 15 disposal flag, 16 disposal date, 17 remarks. Grave numbers are not in
+// the file.
 namespace transfer {
 
 struct お墓出力Form {
@@ -47,7 +47,7 @@ class GraveImport : public ImportTarget {
 
     void check(BulkRecord& record) override { CheckGraveRecord(record); }
     void store(BulkRecord& record) override { StoreGraveRecord(record); }
-    void release() override;
+    void settle() override;
 
     // Writes a record that has passed its check; a new grave with the next number. Rejects one whose place is there, or
     // for which no number is left.
@@ -60,7 +60,7 @@ class GraveImport : public ImportTarget {
     const QDate today_;
     store::Table<store::tbl_ohaka, QString, QString> places_;
     store::Table<store::tbl_ohaka, std::int16_t> graves_;
-    desk::Counter counter_;
+    ImportCounter counter_;
     QSet<std::int16_t> written_; // graves that this import has changed
 };
 

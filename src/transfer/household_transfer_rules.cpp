@@ -42,7 +42,8 @@ int ExportHouseholds(const QString& path, desk::Desk& desk) {
     store::Database database;
     store::Table households(database, store::idxdnk_no);
     households.seek(store::Seek::atOrAfter, 0, 0);
-    const ExportJob job{.title = exportTitle, .subject = u"檀家さん "_s, .none = u"檀家登録は 0 件です"_s, .path = path};
+    const ExportJob job{
+        .title = exportTitle, .subject = u"檀家さん "_s, .none = u"檀家登録は 0 件です"_s, .path = path};
     return exportRecords(job, rowCount(database, "tbl_danka"), desk, [&households]() -> std::optional<ExportRecord> {
         if (households.eof())
             return {};
@@ -78,12 +79,12 @@ bool CheckImportOptions(const 檀家一括Form& form, desk::Desk& desk) {
     const bool numbered = form.入力.chosen;
     const bool update = form.更新.chosen;
     const bool refuse = form.エラー.chosen;
-    return !(refused(form.OUT.name.text.isEmpty(), noOutput) || refused(form.IN.name.text.isEmpty(), noInput) ||
-             refused(automatic && (numbered || update || refuse),
-                     u"自動採番を選択時は他のオプションの選択は出来ません"_s) ||
-             refused(numbered && !update && !refuse, u"同一データ存在時の処理を選択して下さい"_s) ||
-             refused(numbered && update && refuse, u"同一データ存在時の処理はどちらかを選択して下さい"_s) ||
-             refused(!automatic && !numbered, u"自動採番又は番号入力のどちらかを選択して下さい"_s));
+    return !(
+        refused(form.OUT.name.text.isEmpty(), noOutput) || refused(form.IN.name.text.isEmpty(), noInput) ||
+        refused(automatic && (numbered || update || refuse), u"自動採番を選択時は他のオプションの選択は出来ません"_s) ||
+        refused(numbered && !update && !refuse, u"同一データ存在時の処理を選択して下さい"_s) ||
+        refused(numbered && update && refuse, u"同一データ存在時の処理はどちらかを選択して下さい"_s) ||
+        refused(!automatic && !numbered, u"自動採番又は番号入力のどちらかを選択して下さい"_s));
 }
 
 void CheckHouseholdRecord(BulkRecord& record, bool numbered) {
@@ -123,7 +124,7 @@ void HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
         found = households_.seek(store::Seek::equal, no1, no2);
         if (found && !options_.update)
             return record.reject(u"同一檀家番号が存在します"_s, {1, 2});
-    } else if (const auto number = counter_.propose()) {
+    } else if (const auto number = counter_.next()) {
         no1 = *number;
     } else {
         return record.reject(desk::noNumberLeft, {1});
@@ -156,19 +157,16 @@ void HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
     else
         households_.insert(row);
 
-    if (options_.numbered)
-        counter_.raise(no1);
-    else
-        counter_.commit(no1);
+    counter_.used(no1);
     if (!districts_.contains(row.tbldnk_chiku)) {
         masters::MST設定(database_, masters::Category::地区, row.tbldnk_chiku);
         districts_.insert(row.tbldnk_chiku);
     }
 }
 
-void HouseholdImport::release() {
+void HouseholdImport::settle() {
     households_.release();
-    counter_.release();
+    counter_.settle();
 }
 
 void runHouseholdExport(檀家出力Form& form, desk::ScreenContext&, desk::Desk& desk) {

@@ -1,16 +1,15 @@
 #pragma once
 
 #include "desk/file_picker.h"
-#include "desk/numbering.h"
 #include "desk/screen_context.h"
 #include "store/table.h"
 #include "transfer/bulk_import.h"
 
 #include <QSet>
 
-// Households in and out of the register as files of 17 fields a line: 1 number, 2 branch, 3 name, 4 kana, 5 category code,
-// 6 category, 7 postal code, 8 and 9 address, 10 telephone, 11 fax, 12 district, 13 head, 14 head's kana, 15 grave-place
-// code, 16 grave place, 17 remarks.
+// Households in and out of the register as files of 17 fields a line: 1 number, 2 branch, 3 name, 4 kana, 5 category
+// code, 6 category, 7 postal code, 8 and 9 address, 10 telephone, 11 fax, 12 district, 13 head, 14 head's kana, 15
+// grave-place code, 16 grave place, 17 remarks.
 namespace transfer {
 
 struct 檀家出力Form {
@@ -31,8 +30,8 @@ struct HouseholdOptions {
     bool update = false;   // of a household that is there; else its record is rejected
 };
 
-// Writes every household in number order to the path and reports it under "檀家出力". Gives the number written; 0, and no
-// file, when there is none, when the user has cancelled, or when the path is the register's own. Throws store::Error
+// Writes every household in number order to the path and reports it under "檀家出力". Gives the number written; 0, and
+// no file, when there is none, when the user has cancelled, or when the path is the register's own. Throws store::Error
 // when the file cannot be written; one that was there stays as it was.
 int ExportHouseholds(const QString& path, desk::Desk& desk);
 
@@ -53,7 +52,7 @@ class HouseholdImport : public ImportTarget {
 
     void check(BulkRecord& record) override { CheckHouseholdRecord(record, options_.numbered); }
     void store(BulkRecord& record) override { StoreHouseholdRecord(record); }
-    void release() override;
+    void settle() override;
 
     // Writes a record that has passed its check, with its counter and its district; rejects one whose number is there,
     // or for which no number is left.
@@ -64,7 +63,7 @@ class HouseholdImport : public ImportTarget {
     const HouseholdOptions options_;
     const QDate today_;
     store::Table<store::tbl_danka, std::int16_t, std::int16_t> households_;
-    desk::Counter counter_;
+    ImportCounter counter_;
     QSet<QString> districts_; // known to be in the master list
 };
 

@@ -29,13 +29,16 @@ std::unique_ptr<ui::Screen> exportScreen(ui::Workplace& workplace, const QString
                                          void (*run)(Form&, desk::ScreenContext&, desk::Desk&)) {
     auto screen = std::make_unique<ui::FormScreen<Form>>(workplace, name, name, name);
     ui::Layout layout(*screen);
-    ui::layOutFilePicker(layout, *screen, screen->form().OUT, outputTexts());
+    desk::FilePicker& out = screen->form().OUT;
+    ui::layOutFilePicker(layout, *screen, out, outputTexts());
     layOutButtons(layout, screen->run(run));
+    screen->onOpen([&out] { out.start(); });
     return screen;
 }
 
 template <class Form> void layOutFiles(ui::Layout& layout, ui::FormScreen<Form>& screen) {
-    ui::layOutFilePicker(layout, screen, screen.form().IN,
+    Form& form = screen.form();
+    ui::layOutFilePicker(layout, screen, form.IN,
                          {.frame = u"Frame1"_s,
                           .title = u"CSV入力ファイル"_s,
                           .prefix = u"IN"_s,
@@ -43,7 +46,11 @@ template <class Form> void layOutFiles(ui::Layout& layout, ui::FormScreen<Form>&
                           .label = u"入力ファイル名"_s,
                           .hints = {u"入力ファイル名を指定又は入力して下さい"_s}});
     layout.beside();
-    ui::layOutFilePicker(layout, screen, screen.form().OUT, outputTexts({u"エラー内容を出力します"_s}));
+    ui::layOutFilePicker(layout, screen, form.OUT, outputTexts({u"エラー内容を出力します"_s}));
+    screen.onOpen([&form] {
+        form.IN.start();
+        form.OUT.start();
+    });
 }
 
 } // namespace
@@ -57,8 +64,8 @@ std::unique_ptr<ui::Screen> お墓出力(ui::Workplace& workplace) {
 }
 
 std::unique_ptr<ui::Screen> 檀家一括(ui::Workplace& workplace) {
-    auto screen = std::make_unique<ui::FormScreen<檀家一括Form>>(workplace, u"檀家一括"_s, u"檀家一括登録"_s,
-                                                                 u"檀家一括登録"_s);
+    auto screen =
+        std::make_unique<ui::FormScreen<檀家一括Form>>(workplace, u"檀家一括"_s, u"檀家一括登録"_s, u"檀家一括登録"_s);
     auto& form = screen->form();
     ui::Layout layout(*screen);
     layOutFiles(layout, *screen);
@@ -74,8 +81,8 @@ std::unique_ptr<ui::Screen> 檀家一括(ui::Workplace& workplace) {
 }
 
 std::unique_ptr<ui::Screen> お墓一括(ui::Workplace& workplace) {
-    auto screen = std::make_unique<ui::FormScreen<お墓一括Form>>(workplace, u"お墓一括"_s, u"お墓一括登録"_s,
-                                                                 u"お墓一括登録"_s);
+    auto screen =
+        std::make_unique<ui::FormScreen<お墓一括Form>>(workplace, u"お墓一括"_s, u"お墓一括登録"_s, u"お墓一括登録"_s);
     auto& form = screen->form();
     ui::Layout layout(*screen);
     layOutFiles(layout, *screen);

@@ -9,7 +9,7 @@ namespace ui {
 
 namespace {
 
-constexpr int listWidth = 13;
+constexpr int listWidth = 14;
 constexpr int lines = 9;
 
 void browse(Screen& screen, desk::FilePicker& value, const FilePickerTexts& texts) {
@@ -37,8 +37,9 @@ void layOutFilePicker(Layout& layout, Screen& screen, desk::FilePicker& value, c
     layout.row(texts.label).text(texts.name, value.name, 2 * listWidth - 4);
     layout.last()->setToolTip(texts.hints.join(u'\n'));
     layout.button(texts.prefix + u"参照"_s, u"参照"_s, [&screen, &value, texts] { browse(screen, value, texts); });
+    layout.row();
     for (const QString& hint : texts.hints)
-        layout.row().note(hint);
+        layout.note(hint);
 }
 
 } // namespace ui

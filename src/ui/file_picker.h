@@ -15,8 +15,8 @@ struct FilePickerTexts {
     bool written = false; // the file is written, so it need not exist
 };
 
-// Lays out a file picker in a frame of its own: drive, folder and file lists, the box for the file's name with its hints,
-// and a button that opens the platform's own file dialog as a second way.
+// Lays out a file picker in a frame of its own: drive, folder and file lists, the box for the file's name with its
+// hints, and a button that opens the platform's own file dialog as a second way.
 void layOutFilePicker(Layout& layout, Screen& screen, desk::FilePicker& value, const FilePickerTexts& texts);
 
 } // namespace ui

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QElapsedTimer>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -63,14 +64,20 @@ class ProgressWindow : public desk::Progress {
     }
 
     bool advance(int percent, const QString& text) override {
+        constexpr qint64 pace = 40; // ms between two looks at the screen
+        if (last_.isValid() && last_.elapsed() < pace)
+            return !dialog_.wasCanceled();
+        last_.start();
         dialog_.setLabelText(text);
         dialog_.setValue(percent);
-        QApplication::processEvents();
+        // While the window does not stand before the others yet, nobody may start something else.
+        QApplication::processEvents(dialog_.isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
         return !dialog_.wasCanceled();
     }
 
   private:
     QProgressDialog dialog_;
+    QElapsedTimer last_;
 };
 
 bool composing(const QObject* widget) {
