@@ -58,7 +58,7 @@ const std::vector<MenuFrame>& frames() {
 QString dayText(QDate day) {
     try {
         store::Database database;
-        if (const auto era = calendar::eraDate(database, day))
+        if (const auto era = calendar::eraDate(database, day); era && !era->full.isEmpty())
             return era->full;
     } catch (const std::exception&) {
         // Every button tells of a register that cannot be read.

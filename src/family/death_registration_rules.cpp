@@ -145,7 +145,7 @@ std::optional<LifeDates> check(store::Database& database, 過去登Form& form, d
     attempt.required(form.frm11_kankeisha, u"関係者を選択して下さい"_s);
     attempt.required(form.frm11_続柄, u"続柄を選択して下さい"_s);
     const bool numberCounts = form.frm11_haka_nai.chosen && !form.frm11_haka_no.text.isEmpty();
-    attempt.check(!numberCounts || values::readInt16(form.frm11_haka_no.text), form.frm11_haka_no,
+    attempt.check(!numberCounts || values::readInt16(form.frm11_haka_no.text).value_or(-1) >= 0, form.frm11_haka_no,
                   u"管理番号は数字で入力して下さい"_s);
     if (attempt.reported(desk, title))
         return {};
@@ -220,11 +220,10 @@ void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::
     fillRegisterList(database, form, context);
     form.frm11_no.text = QString::number(context.dnk_no1);
     form.frm11_dankag.text = context.dnk_nameg;
-    if (context.kak_zokunameg.isEmpty()) {
-        form.frm11_dankak.text = context.dnk_namek;
-        form.frm11_kankeisha.text = context.dnk_toshug;
+    form.frm11_dankak.text = context.dnk_namek;
+    form.frm11_kankeisha.text = context.dnk_toshug;
+    if (context.kak_zokunameg.isEmpty())
         return;
-    }
     form.frm11_kakocho.choose(context.kak_zokunameg);
     show(database, form, context, desk);
 }
