@@ -12,9 +12,10 @@ const QString deathScreen = u"過去登"_s;
 
 class FamilyScreens : public ScreenFixture {
   protected:
-    void fill(const QString& screenName, std::initializer_list<std::pair<const char16_t*, const char16_t*>> boxes) {
-        for (const auto& [name, value] : boxes)
-            type(screenName, QString::fromUtf16(name), QString::fromUtf16(value));
+    // "control=text;control=text"
+    void fill(const QString& screenName, const QString& boxes) {
+        for (const QString& box : boxes.split(u';'))
+            type(screenName, box.section(u'=', 0, 0), box.section(u'=', 1));
     }
     // What an input method sends while the keyboard is in the box.
     void compose(const QString& screenName, const QString& box, const QString& composed,
@@ -33,33 +34,22 @@ class FamilyScreens : public ScreenFixture {
 
 TEST_F(FamilyScreens, TheRoadOfOneDeath) {
     open(household);
-    fill(household, {{u"frm01_dankag", u"寺田"},
-                     {u"frm01_dankak", u"テラダ"},
-                     {u"frm01_yubinno", u"100-0001"},
-                     {u"frm01_jyusho1", u"寺前1"},
-                     {u"frm01_tel", u"03-1"},
-                     {u"frm01_toshug", u"寺田 一"},
-                     {u"frm01_toshuk", u"テラダ ハジメ"}});
+    fill(
+        household,
+        u"frm01_dankag=寺田;frm01_dankak=テラダ;frm01_yubinno=100-0001;frm01_jyusho1=寺前1;frm01_tel=03-1;frm01_toshug=寺田 一;frm01_toshuk=テラダ ハジメ"_s);
     press(household, u"frm01_dnkkbn1"_s);
     press(household, u"frm01_haka_nai"_s);
     answer(u"入力された内容で檀家さんを登録します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
     press(household, u"登録"_s);
 
     press(household, u"家族登録"_s);
-    struct Member {
-        const char16_t *name, *kana, *era, *year, *month, *day, *relationship;
-        bool elsewhere;
-    };
-    for (const Member& m : {Member{u"寺田 一", u"テラダ ハジメ", u"昭和", u"２５", u"１", u"5", u"本人", false},
-                            Member{u"寺田 花", u"テラダ ハナ", u"大正", u"9", u"5", u"10", u"母", true}}) {
-        fill(familyScreen, {{u"frm12_nameg", m.name},
-                            {u"frm12_namek", m.kana},
-                            {u"生年元号", m.era},
-                            {u"生年", m.year},
-                            {u"生年月", m.month},
-                            {u"生年日", m.day},
-                            {u"frm12_続柄", m.relationship}});
-        press(familyScreen, m.elsewhere ? u"frm12_bekkyo"_s : u"frm12_dohkyo"_s);
+    for (const auto& [member, home] :
+         {std::pair{u"一;frm12_namek=テラダ ハジメ;生年元号=昭和;生年=２５;生年月=１;生年日=5;"
+                    "frm12_続柄=本人"_s,
+                    u"frm12_dohkyo"_s},
+          {u"花;frm12_namek=テラダ ハナ;生年元号=大正;生年=9;生年月=5;生年日=10;frm12_続柄=母"_s, u"frm12_bekkyo"_s}}) {
+        fill(familyScreen, u"frm12_nameg=寺田 "_s + member);
+        press(familyScreen, home);
         answer(u"入力された内容で家族の登録をします。内容を確認して下さい。"_s, u"家族登録"_s, true);
         expect(u"入力された内容で家族は登録されました。"_s, u"家族登録"_s);
         press(familyScreen, u"登録"_s);
@@ -69,13 +59,9 @@ TEST_F(FamilyScreens, TheRoadOfOneDeath) {
     press(household, u"過去帳登録"_s);
     clickLine(deathScreen, u"frm11_kazoku"_s, u"寺田 花"_s);
     EXPECT_EQ(text(deathScreen, u"生年YMD"_s), u"1920/05/10"_s);
-    fill(deathScreen, {{u"命日元号", u"平成"},
-                       {u"命日年", u"２０"},
-                       {u"命日月", u"2"},
-                       {u"命日付", u"29"},
-                       {u"frm11_kaimyoug", u"釈尼花"},
-                       {u"frm11_kaimyouk", u"シャクニハナ"},
-                       {u"frm11_続柄", u"母"}});
+    fill(
+        deathScreen,
+        u"命日元号=平成;命日年=２０;命日月=2;命日付=29;frm11_kaimyoug=釈尼花;frm11_kaimyouk=シャクニハナ;frm11_続柄=母"_s);
     press(deathScreen, u"frm11_haka3"_s);
     answer(u"入力された内容で過去帳の登録をします。内容を確認して下さい。"_s, u"過去帳登録"_s, true);
     expect(u"入力された内容で過去帳は登録されました。"_s, u"過去帳登録"_s);
@@ -95,25 +81,21 @@ TEST_F(FamilyScreens, TheRoadOfOneDeath) {
               u"1,寺田,テラダ,寺田 花,テラダ "
               u"ハナ,大正,9,5,10,1920-05-10,平成,20,2,29,2008-02-29,88,釈尼花,シャクニハナ,寺田 一,"
               "母,,無,境外,0,,,テ,2026-11-22"_s);
-    const std::pair<const char16_t*, const char16_t*> memorials[] = {
-        {u"49日", u"2008-04-17"},    {u"100ｹ日", u"2008-06-07"}, {u"1周忌", u"2009-02-28"},
-        {u"3回忌", u"2010-02-28"},   {u"7回忌", u"2014-02-28"},  {u"13回忌", u"2020-02-29"},
-        {u"17回忌", u"2024-02-29"},  {u"23回忌", u"2030-02-28"}, {u"27回忌", u"2034-02-28"},
-        {u"33回忌", u"2040-02-29"},  {u"50回忌", u"2057-02-28"}, {u"100回忌", u"2107-02-28"},
-        {u"200回忌", u"2207-02-28"}, {u"300回忌", u"2307-02-28"}};
     QStringList rows;
-    for (const auto& [label, day] : memorials)
+    for (const auto& memorial :
+         u"49日 2008-04-17|100ｹ日 2008-06-07|1周忌 2009-02-28|3回忌 2010-02-28|7回忌 2014-02-28|13回忌 2020-02-29|"
+         "17回忌 2024-02-29|23回忌 2030-02-28|27回忌 2034-02-28|33回忌 2040-02-29|50回忌 2057-02-28|100回忌 2107-02-28|"
+         "200回忌 2207-02-28|300回忌 2307-02-28"_s.split(u'|'))
         rows
             << u"1,寺田,テラダ,寺田 花,テラダ ハナ,釈尼花,シャクニハナ,2008-02-29,%1,0,%2,NULL,NULL,0,1,0,0,,,,0,NULL,0,,テ,2026-11-22"_s
-                   .arg(QString::fromUtf16(label), QString::fromUtf16(day));
+                   .arg(memorial.section(u' ', 0, 0), memorial.section(u' ', 1));
     EXPECT_EQ(query(u"SELECT * FROM tbl_hohyo ORDER BY tblhoy_kaiki_yymd"_s), rows.join(u"|"_s));
 }
 
 TEST_F(FamilyScreens, MarksTheWrongBoxesAndGoesToTheFirst) {
     storeHousehold();
     auto& screen = open(familyScreen);
-    fill(familyScreen,
-         {{u"frm12_namek", u""}, {u"生年元号", u"平成"}, {u"生年", u"ｘ"}, {u"生年月", u"y"}, {u"生年日", u"1"}});
+    fill(familyScreen, u"frm12_namek=;生年元号=平成;生年=ｘ;生年月=y;生年日=1"_s);
     expect(u"家族名カナは必須項目です、入力して下さい"_s, u"家族登録"_s);
     press(familyScreen, u"登録"_s);
     const QColor red(255, 0, 0);
@@ -147,51 +129,23 @@ TEST_F(FamilyScreens, TheDateGroupWorksByKeyboardAlone) {
 }
 
 TEST_F(FamilyScreens, KanaBoxesFillThemselvesFromTheReading) {
-    struct Step {
-        const char16_t* composed;
-        const char16_t* committed;
-        const char16_t* kana; // what the box holds afterwards
-    };
-    struct Case {
-        QString before;
-        std::vector<Step> steps;
-    };
-    const Case cases[] = {
-        {{},
-         {{u"ｙ", u"", u""},
-          {u"や", u"", u""},
-          {u"やまd", u"", u""},
-          {u"やまだ", u"", u""},
-          {u"山田", u"", u""},
-          {u"", u"山田", u"ヤマダ"},
-          {u"", u"　", u"ヤマダ　"},
-          {u"はなこ", u"", u"ヤマダ　"},
-          {u"花子", u"", u"ヤマダ　"},
-          {u"", u"花子", u"ヤマダ　ハナコ"}}},
-        {{}, {{u"けn", u"", u""}, {u"", u"健", u"ケン"}}},
-        {{}, {{u"ﾔﾏﾀﾞ", u"", u""}, {u"", u"山田", u"ヤマダ"}}},
-        {{},
-         {{u"やまだたろう", u"", u""},
-          {u"山田太郎", u"", u""},
-          {u"太郎", u"山田", u"ヤマダタロウ"},
-          {u"", u"太郎", u"ヤマダタロウ"}}},
-        {{},
-         {{u"やまだたろう", u"", u""},
-          {u"山田たろう", u"", u""},
-          {u"たろう", u"山田", u"ヤマダ"},
-          {u"", u"太郎", u"ヤマダタロウ"}}},
-        {{}, {{u"やま", u"", u""}, {u"", u"", u""}, {u"", u"ABC", u""}}},
-        {u"ジブンデ"_s, {{u"やまだ", u"", u"ジブンデ"}, {u"", u"山田", u"ジブンデ"}}},
-    };
+    // Steps of a composition, each composed=committed>kana box afterwards, behind what the kana box holds at first.
+    const QString cases[] = {
+        u"|ｙ>|や>|やまd>|やまだ>|山田>|=山田>ヤマダ|=　>ヤマダ　|はなこ>ヤマダ　|花子>ヤマダ　|=花子>ヤマダ　ハナコ"_s,
+        u"|けn>|=健>ケン"_s,
+        u"|ﾔﾏﾀﾞ>|=山田>ヤマダ"_s,
+        u"|やまだたろう>|山田太郎>|太郎=山田>ヤマダタロウ|=太郎>ヤマダタロウ"_s,
+        u"|やまだたろう>|山田たろう>|たろう=山田>ヤマダ|=太郎>ヤマダタロウ"_s,
+        u"|やま>|=>|=ABC>"_s,
+        u"ジブンデ|やまだ>ジブンデ|=山田>ジブンデ"_s};
     open(household);
-    for (const auto& [before, steps] : cases) {
+    for (const QString& steps : cases) {
         type(household, u"frm01_toshug"_s, {});
-        type(household, u"frm01_toshuk"_s, before);
-        for (const Step& step : steps) {
-            compose(household, u"frm01_toshug"_s, QString::fromUtf16(step.composed),
-                    QString::fromUtf16(step.committed));
-            EXPECT_EQ(text(household, u"frm01_toshuk"_s), QString::fromUtf16(step.kana))
-                << QString::fromUtf16(step.composed).toStdString();
+        type(household, u"frm01_toshuk"_s, steps.section(u'|', 0, 0));
+        for (const QString& step : steps.section(u'|', 1).split(u'|')) {
+            const QString typed = step.section(u'>', 0, 0);
+            compose(household, u"frm01_toshug"_s, typed.section(u'=', 0, 0), typed.section(u'=', 1));
+            EXPECT_EQ(text(household, u"frm01_toshuk"_s), step.section(u'>', 1)) << step.toStdString();
         }
     }
 }
@@ -219,7 +173,7 @@ TEST_F(FamilyScreens, ReadingsGoOnFromThePresetUntilTheUserTypes) {
     EXPECT_EQ(kana.text(), QString());
 
     // A stored member's kana is the register's, not the program's.
-    fill(familyScreen, {{u"frm12_nameg", u"甲"}, {u"frm12_namek", u"コウ"}, {u"frm12_続柄", u"長男"}});
+    fill(familyScreen, u"frm12_nameg=甲;frm12_namek=コウ;frm12_続柄=長男"_s);
     answer(u"入力された内容で家族の登録をします。内容を確認して下さい。"_s, u"家族登録"_s, true);
     expect(u"入力された内容で家族は登録されました。"_s, u"家族登録"_s);
     press(familyScreen, u"登録"_s);
@@ -253,7 +207,7 @@ TEST_F(FamilyScreens, AScreenLeftOpenStaysWithItsHousehold) {
 TEST_F(FamilyScreens, TheEraScreenMarksInDarkRedAndShowsWhatItFinds) {
     const QString eras = u"年号登"_s;
     auto& screen = open(eras);
-    fill(eras, {{u"fnen_nengo", u"令和"}, {u"fnen_snen", u"1499"}, {u"fnen_enen", u"2050"}});
+    fill(eras, u"fnen_nengo=令和;fnen_snen=1499;fnen_enen=2050"_s);
     expect(u"この年号はすでに登録されています。確認して下さい。"_s, u"年号登録"_s);
     press(eras, u"登録"_s);
     EXPECT_EQ(colour(eras, u"fnen_nengo"_s), QColor(128, 0, 0));
