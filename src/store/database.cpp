@@ -185,8 +185,12 @@ void createRegister(const QString& path) {
 }
 
 void bringBackToOneFile(const QString& path) {
-    if (!QFileInfo::exists(path + u"-wal"_s) || !QFileInfo::exists(path))
+    // Two bytes of the file's head say that it keeps a write-ahead log, also where the log itself was never written.
+    constexpr qint64 logBytes = 18;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(logBytes) || file.read(2) != "\2\2")
         return;
+    file.close();
     Database database(path);
     database.engine().exec("PRAGMA journal_mode = DELETE");
 }

@@ -29,9 +29,10 @@ constexpr int recordsPerCommit = 32;
 
 class Run {
   public:
-    Run(const ImportJob& job, QFile& input, ErrorFile& errors, store::Database& database, desk::Desk& desk)
+    Run(const ImportJob& job, QFile& input, ErrorFile& errors, store::Database& database, ImportCounts& counts,
+        desk::Desk& desk)
         : job_(job), errors_(errors), database_(database), reader_(input, fieldCount), size_(input.size()),
-          target_(job.open(database)), progress_(desk.progress(job.title)) {}
+          target_(job.open(database)), progress_(desk.progress(job.title)), counts_(counts) {}
 
     // False when the user has cancelled.
     bool all() {
@@ -43,14 +44,11 @@ class Run {
             target_->settle();
             write.commit();
             counts_ = reading_;
-            if (!progress_->advance(percent(), status()))
+            if (!progress_->advance(percent(), status()) && more)
                 return false;
         }
         return true;
     }
-
-    // Records that have been committed, and those rejected among them.
-    const ImportCounts& counts() const { return counts_; }
 
   private:
     void take(BulkRecord& record) {
@@ -78,7 +76,7 @@ class Run {
     std::unique_ptr<ImportTarget> target_;
     std::unique_ptr<desk::Progress> progress_;
     ImportCounts reading_;
-    ImportCounts counts_;
+    ImportCounts& counts_; // of what has been committed
 };
 
 QString report(const ImportJob& job, const ImportCounts& counts) {
@@ -126,21 +124,17 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
     ImportCounts counts;
     bool complete = false;
     try {
-        Run run(job, input, errors, database, desk);
-        try {
+        {
+            Run run(job, input, errors, database, counts, desk);
             complete = run.all();
-        } catch (...) {
-            counts = run.counts();
-            throw;
         }
-        counts = run.counts();
+        bulk.finish();
     } catch (const std::exception& failure) {
         throw store::Error(0, store::explain(failure) +
                                   u"\n\n%1 件目までは処理済みです（登録 %2 件、エラー %3 件）。"_s.arg(counts.read)
                                       .arg(counts.read - counts.rejected)
                                       .arg(counts.rejected));
     }
-    bulk.finish();
     desk.notify((complete ? QString() : u"途中で中止しました。\n"_s) + report(job, counts), job.title,
                 desk::Icon::none);
     return counts;

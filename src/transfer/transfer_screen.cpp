@@ -13,8 +13,11 @@ namespace {
 ui::FilePickerTexts outputTexts(const QStringList& moreHints = {}) {
     return {.frame = u"Frame2"_s,
             .title = u"CSV出力ファイル"_s,
-            .prefix = u"OUT"_s,
+            .drive = u"OUTDrive"_s,
+            .folders = u"OUTDir"_s,
+            .files = u"OUTFile"_s,
             .name = u"出力File"_s,
+            .browse = u"OUT参照"_s,
             .label = u"出力ファイル名"_s,
             .hints = QStringList(u"出力ファイル名を指定又は入力して下さい"_s) + moreHints,
             .written = true};
@@ -41,8 +44,11 @@ template <class Form> void layOutFiles(ui::Layout& layout, ui::FormScreen<Form>&
     ui::layOutFilePicker(layout, screen, form.IN,
                          {.frame = u"Frame1"_s,
                           .title = u"CSV入力ファイル"_s,
-                          .prefix = u"IN"_s,
+                          .drive = u"INDrive"_s,
+                          .folders = u"INDir"_s,
+                          .files = u"INFile"_s,
                           .name = u"入力File"_s,
+                          .browse = u"IN参照"_s,
                           .label = u"入力ファイル名"_s,
                           .hints = {u"入力ファイル名を指定又は入力して下さい"_s}});
     layout.beside();

@@ -25,18 +25,17 @@ void browse(Screen& screen, desk::FilePicker& value, const FilePickerTexts& text
 void layOutFilePicker(Layout& layout, Screen& screen, desk::FilePicker& value, const FilePickerTexts& texts) {
     layout.frame(texts.frame, texts.title)
         .row(u"ドライブ"_s)
-        .choice(texts.prefix + u"Drive"_s, value.drive, 2 * listWidth, [&value] { value.chooseDrive(); })
+        .choice(texts.drive, value.drive, 2 * listWidth, [&value] { value.chooseDrive(); })
         .row()
         .list(
-            texts.prefix + u"Dir"_s, value.folders, listWidth, lines, [&value] { value.chooseFolder(); },
-            u"フォルダー"_s);
+            texts.folders, value.folders, listWidth, lines, [&value] { value.chooseFolder(); }, u"フォルダー"_s);
     static_cast<QListWidget*>(layout.last())->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     layout.list(
-        texts.prefix + u"File"_s, value.files, listWidth, lines, [&value] { value.chooseFile(); }, u"ファイル"_s);
+        texts.files, value.files, listWidth, lines, [&value] { value.chooseFile(); }, u"ファイル"_s);
     static_cast<QListWidget*>(layout.last())->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     layout.row(texts.label).text(texts.name, value.name, 2 * listWidth - 4);
     layout.last()->setToolTip(texts.hints.join(u'\n'));
-    layout.button(texts.prefix + u"参照"_s, u"参照"_s, [&screen, &value, texts] { browse(screen, value, texts); });
+    layout.button(texts.browse, u"参照"_s, [&screen, &value, texts] { browse(screen, value, texts); });
     layout.row();
     for (const QString& hint : texts.hints)
         layout.note(hint);

@@ -8,9 +8,12 @@ namespace ui {
 struct FilePickerTexts {
     QString frame; // object name of the frame
     QString title;
-    QString prefix; // of the object names: IN or OUT, before Drive, Dir, File and 参照
-    QString name;   // object name of the box for the file's name
-    QString label;  // of that box
+    QString drive; // object names of the lists, of the box for the file's name and of the button
+    QString folders;
+    QString files;
+    QString name;
+    QString browse;
+    QString label; // of the box for the file's name
     QStringList hints;
     bool written = false; // the file is written, so it need not exist
 };
