@@ -66,16 +66,13 @@ TEST_F(Calendar, ConvertsByYearAloneAcrossOverlapsGapsAndEnds) {
         QString expected;
     };
     const char* two = "('A', 1926, 1989), ('B', 1989, 2050)";
+    const char* gap = "('A', 1926, 1980), ('B', 1990, 2050)";
     const char* inside = "('A', 1900, 2000), ('B', 1950, 1960)";
-    const Case cases[] = {{two, {1989, 1, 7}, u"B1年1月7日"_s},
-                          {two, {1926, 12, 25}, u"A1年12月25日"_s},
-                          {two, {1988, 5, 5}, u"A63年5月5日"_s},
-                          {two, {1925, 6, 1}, u"untouched"_s},
-                          {two, {2060, 1, 1}, u"B72年1月1日"_s},
-                          {"('A', 1926, 1980), ('B', 1990, 2050)", {1985, 1, 1}, u"B-4年1月1日"_s},
-                          {inside, {1955, 1, 1}, u"B6年1月1日"_s},
-                          {inside, {1970, 1, 1}, u"B21年1月1日"_s},
-                          {"('', 1900, 2000)", {1955, 1, 1}, {}},
+    const Case cases[] = {{two, {1989, 1, 7}, u"B1年1月7日"_s},      {two, {1926, 12, 25}, u"A1年12月25日"_s},
+                          {two, {1988, 5, 5}, u"A63年5月5日"_s},     {two, {1925, 6, 1}, u"untouched"_s},
+                          {two, {2060, 1, 1}, u"B72年1月1日"_s},     {gap, {1985, 1, 1}, u"B-4年1月1日"_s},
+                          {gap, {1980, 12, 31}, u"A55年12月31日"_s}, {inside, {1955, 1, 1}, u"B6年1月1日"_s},
+                          {inside, {1970, 1, 1}, u"B21年1月1日"_s},  {"('', 1900, 2000)", {1955, 1, 1}, {}},
                           {nullptr, {2000, 1, 1}, u"untouched"_s}};
     for (const auto& [eras, date, expected] : cases) {
         execute(u"DELETE FROM tbl_nengo"_s);
