@@ -1,4 +1,5 @@
 #include "app/application.h"
+#include "app/daily_copy.h"
 #include "app/screens.h"
 #include "store/database.h"
 #include "ui/message_box.h"
@@ -17,5 +18,6 @@ int main(int argc, char* argv[]) {
     }
     ui::Workplace workplace(app::screens());
     workplace.open(u"メニュー"_s);
+    const app::DailyCopy copy(workplace);
     return QApplication::exec();
 }

@@ -154,6 +154,13 @@ void Write::commit() {
     open_ = false;
 }
 
+void makePrivateFile(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
+        throw Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。\n\n（%2）"_s.arg(
+                           QDir::toNativeSeparators(path), file.errorString()));
+}
+
 void createRegister(const QString& path) {
     if (QFileInfo::exists(path))
         throw Error(0, u"「%1」は既にあります。上書きはしません。"_s.arg(QDir::toNativeSeparators(path)));
@@ -161,13 +168,7 @@ void createRegister(const QString& path) {
     if (QFileInfo::exists(draft) && !QFile::remove(draft))
         throw Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(QDir::toNativeSeparators(draft)));
     try {
-        {
-            // Made empty first, so that no moment leaves the contents readable by others.
-            QFile file(draft);
-            if (!file.open(QIODevice::WriteOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-                throw Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。\n\n（%2）"_s.arg(
-                                   QDir::toNativeSeparators(draft), file.errorString()));
-        }
+        makePrivateFile(draft);
         SQLite::Database engine(QFile::encodeName(draft).constData(), SQLite::OPEN_READWRITE);
         engine.exec("BEGIN");
         engine.exec(embedded_schema);

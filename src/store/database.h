@@ -65,6 +65,10 @@ class Write {
     bool open_ = true;
 };
 
+// Makes an empty file that its owner alone can read, before anything is written into it. Throws Error when a file of
+// that name exists or cannot be made.
+void makePrivateFile(const QString& path);
+
 // Makes a new register at the path: schema, standard eras, counters, first master entries; readable by its owner alone.
 // Throws Error when a file of that name exists or cannot be made; leaves no partial file.
 void createRegister(const QString& path);

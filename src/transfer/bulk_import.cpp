@@ -1,5 +1,6 @@
 #include "transfer/bulk_import.h"
 
+#include "desk/safety_copy.h"
 #include "store/bulk_writes.h"
 #include "transfer/bulk_file.h"
 
@@ -114,6 +115,8 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
     ErrorFile errors(job.errors);
     errors.check();
     if (!job.question.isEmpty() && !desk.ask(job.question, job.title))
+        return {};
+    if (!job.emptyingTable.empty() && !desk::copyBefore(desk, job.title))
         return {};
 
     store::Database database;

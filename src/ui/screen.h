@@ -46,6 +46,7 @@ class Screen : public QWidget {
 
     // Runs an operation. During one, further events of the screen are left out and it refuses to close.
     void operate(const Operation& operation);
+    bool operating() const { return busy_; }
     // The operation that runs when the screen opens.
     void onOpen(Operation operation) { load_ = std::move(operation); }
     void open();

@@ -51,6 +51,10 @@ Screen* Workplace::find(const QString& name) const {
     return open_.value(name);
 }
 
+bool Workplace::operating() const {
+    return std::any_of(open_.begin(), open_.end(), [](const Screen* screen) { return screen->operating(); });
+}
+
 void Workplace::closed(Screen* screen) {
     const QString name = screen->objectName();
     open_.remove(name);

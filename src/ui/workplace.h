@@ -32,6 +32,9 @@ class Workplace {
     // The open screen of this name, null when it is not open.
     Screen* find(const QString& name) const;
 
+    // Whether a screen is in the middle of an operation, or waits in one for an answer.
+    bool operating() const;
+
     // A screen has accepted its closing: it is let go and its waiting openers are told.
     void closed(Screen* screen);
 
