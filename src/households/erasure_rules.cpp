@@ -1,5 +1,6 @@
 #include "households/erasure_rules.h"
 
+#include "desk/safety_copy.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -61,9 +62,15 @@ void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk) {
                  {u"檀家さんの法要情報を抹消しますか　？"_s, EraseMemorials},
                  {u"檀家さんの過去帳を抹消しますか　？"_s, EraseDeathRegister},
                  {u"檀家さんのお墓情報を抹消しますか　？"_s, DisposeGraves}};
-    for (const auto& [question, step] : steps)
-        if (desk.ask(question, title))
-            step(household, desk);
+    bool copied = false;
+    for (const auto& [question, step] : steps) {
+        if (!desk.ask(question, title))
+            continue;
+        if (!copied && !desk::copyBefore(desk, title))
+            return;
+        copied = true;
+        step(household, desk);
+    }
 }
 
 void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk) {

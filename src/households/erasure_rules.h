@@ -24,6 +24,8 @@ struct ErasedHousehold {
 };
 
 // Asks once for each kind of data and runs its step after a Yes; goes on to the next whatever the answer or the result.
+// Before the first step the register is copied (desk::copyBefore); where the user stops there, nothing is erased and
+// nothing more asked.
 void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk);
 
 // Deletes every branch of the number.
