@@ -7,6 +7,10 @@ using namespace Qt::StringLiterals;
 namespace desk {
 
 bool copyBefore(Desk& desk, const QString& title) {
+    {
+        // What has no register to copy is the operation's own failure.
+        const store::Database database;
+    }
     QString reason = u"控えの作成を中止しました。"_s;
     try {
         const auto progress = desk.progress(title);

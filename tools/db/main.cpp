@@ -1,4 +1,5 @@
-// hoshiren-db: makes a register, looks it over, tells what it holds.
+// hoshiren-db: makes a register, looks it over, copies it and puts copies back, brings an older one over.
+#include "commands.h"
 #include "store/consistency.h"
 #include "store/database.h"
 
@@ -7,20 +8,23 @@
 #include <QFile>
 #include <QTextStream>
 
-#include <cstdio>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int usageStatus = 2;
 constexpr auto usage = u"使い方:\n"
-                       u"  hoshiren-db create ファイル   新しい登録簿を作ります\n"
-                       u"  hoshiren-db check ファイル    登録簿に損傷や矛盾がないかを調べます\n"
-                       u"  hoshiren-db info ファイル     登録簿の内容の概要を示します\n";
-
-void say(FILE* where, const QString& text) {
-    QTextStream(where) << text << Qt::endl;
-}
+                       u"  hoshiren-db create ファイル    新しい登録簿を作ります\n"
+                       u"  hoshiren-db check ファイル     登録簿に損傷や矛盾がないかを調べます\n"
+                       u"  hoshiren-db info ファイル      登録簿の内容の概要を示します\n"
+                       u"今の場所にある登録簿 Hoshiren.mdb について:\n"
+                       u"  hoshiren-db backup             控えを作ります\n"
+                       u"  hoshiren-db list               控えの一覧を示します\n"
+                       u"  hoshiren-db restore ファイル   登録簿を控えに戻します。今の登録簿も残します\n"
+                       u"  hoshiren-db names              檀家名の写しが檀家と異なる行を示します\n"
+                       u"  hoshiren-db names --write      控えを作り、檀家名の写しを檀家に合わせます\n";
 
 int create(const QString& path) {
     store::createRegister(path);
@@ -89,24 +93,38 @@ int info(const QString& path) {
     return 0;
 }
 
+struct Command {
+    QString name;
+    int arguments;
+    std::function<int(const QString&)> run;
+};
+
+const Command commands[] = {
+    {u"create"_s, 1, create},
+    {u"check"_s, 1, check},
+    {u"info"_s, 1, info},
+    {u"backup"_s, 0, [](const QString&) { return backUp(); }},
+    {u"list"_s, 0, [](const QString&) { return listBackups(); }},
+    {u"restore"_s, 1, restoreRegister},
+    {u"names"_s, 0, [](const QString&) { return showNames(); }},
+    {u"names"_s, 1, [](const QString& option) { return option == u"--write"_s ? writeNames() : usageStatus; }},
+};
+
 } // namespace
 
 int main(int argc, char** argv) {
     const QCoreApplication app(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const QString command = arguments.value(1);
-    const auto operation = command == u"create"_s  ? create
-                           : command == u"check"_s ? check
-                           : command == u"info"_s  ? info
-                                                   : nullptr;
-    if (!operation || arguments.size() != 3) {
-        QTextStream(stderr) << usage;
-        return 2;
-    }
+    int status = usageStatus;
     try {
-        return operation(arguments.at(2));
+        for (const Command& command : commands)
+            if (arguments.value(1) == command.name && arguments.size() == command.arguments + 2)
+                status = command.run(arguments.value(2));
     } catch (const std::exception& failure) {
         say(stderr, store::explain(failure));
         return 1;
     }
+    if (status == usageStatus)
+        QTextStream(stderr) << usage;
+    return status;
 }

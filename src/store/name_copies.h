@@ -1,0 +1,28 @@
+#pragma once
+
+#include "store/database.h"
+
+#include <vector>
+
+namespace store {
+
+// A family, death-register, memorial or grave row whose copy of its household's names differs from the household's own.
+struct NameCopy {
+    QString kind; // 家族, 過去帳, 法要, お墓
+    QString name; // what tells the row from the household's others
+    int household = 0;
+    QString copied; // written form and reading, as they stand in the row
+    QString own;    // as they stand in the household
+    // The number has branches of several names and the row does not tell which is its household: own is empty and the
+    // row is left alone.
+    bool ambiguous = false;
+};
+
+// Every such row, by household number. Rows without a household are no such rows.
+std::vector<NameCopy> findNameCopies(Database& database);
+
+// Brings them into step with their households, names and kana index, in one write. Gives those that were left: the
+// ambiguous ones, and those that would become the same as another row of their household.
+std::vector<NameCopy> writeNameCopies(Database& database);
+
+} // namespace store
