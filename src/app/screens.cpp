@@ -8,6 +8,7 @@
 #include "households/household_screens.h"
 #include "households/succession_screen.h"
 #include "masters/master_screen.h"
+#include "memorials/memorial_screens.h"
 #include "transfer/transfer_screen.h"
 
 using namespace Qt::StringLiterals;
@@ -40,6 +41,12 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"家族一"_s, family::家族一},
         {u"過去登"_s, family::過去登},
         {u"過去一"_s, family::過去一},
+        {u"法要明"_s, memorials::法要明},
+        {u"法要外"_s, memorials::法要外},
+        {u"法要一"_s, memorials::法要一},
+        {u"法要個"_s, memorials::法要個},
+        {u"法要檀"_s, memorials::法要檀},
+        {u"法要通"_s, memorials::法要通},
     };
     // clang-format on
 }

@@ -63,6 +63,12 @@ void 西暦変換(store::Database& database, QDate date, EraDate& result, desk::
         desk.notify(u"該当する年号がありません。確認して下さい。"_s, u"和暦に変換"_s);
 }
 
+QString eraText(store::Database& database, QDate date, desk::Desk& desk) {
+    EraDate era;
+    西暦変換(database, date, era, desk);
+    return era.full;
+}
+
 QString 元号変換(store::Database& database, const QString& era, const QString& year, std::int16_t& error,
                  desk::Desk& desk) {
     const auto firstYear = firstYearOf(database, era);

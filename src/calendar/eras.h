@@ -38,6 +38,9 @@ std::optional<EraDate> eraDate(store::Database& database, QDate date);
 // outputs.
 void 西暦変換(store::Database& database, QDate date, EraDate& result, desk::Desk& desk);
 
+// The full era text of 西暦変換; empty where there is none.
+QString eraText(store::Database& database, QDate date, desk::Desk& desk);
+
 // Era name and era year to the Western year as text. The last year of the era is not consulted; 0 and negative years
 // count on. With an unknown name (or a year that is no 16-bit number) it shows a message, sets the error flag to 1 and
 // gives an empty text; the flag is left alone otherwise.

@@ -21,6 +21,18 @@ void HouseholdBlock::takeNames(const store::tbl_danka& row) {
     dnk_bikou = row.tbldnk_bikou;
 }
 
+void DeceasedBlock::takeEntry(const store::tbl_kakocho& row) {
+    kak_zokunameg = row.tblkak_zokunameg;
+    kak_zokunamek = row.tblkak_zokunamek;
+    kak_kaimyoug = row.tblkak_kaimyoug;
+    kak_kaimyouk = row.tblkak_kaimyouk;
+    kak_mei_ymd = row.tblkak_mei_ymd;
+    kak_kyounen = row.tblkak_kyounen.value_or(0);
+    kak_bikou = row.tblkak_bikou;
+    kak_kankeisha = row.tblkak_kankeisha;
+    kak_zokugara = row.tblkak_zokugara;
+}
+
 void ScreenContext::G初期値() {
     const QString relatedPerson = kak_kankeisha;
     const QString relationship = kak_zokugara;

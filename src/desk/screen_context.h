@@ -7,6 +7,7 @@
 
 namespace store {
 struct tbl_danka;
+struct tbl_kakocho;
 }
 
 namespace desk {
@@ -42,6 +43,9 @@ struct DeceasedBlock {
     QString kak_bikou;
     QString kak_kankeisha;
     QString kak_zokugara;
+
+    // Takes everything from an entry of the death register.
+    void takeEntry(const store::tbl_kakocho& row);
 };
 
 struct MemorialBlock {

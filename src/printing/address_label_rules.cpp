@@ -106,4 +106,9 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
     return LabelOutcome::handedOver;
 }
 
+void previewLabels(QDate from, QDate to, LabelMode mode, LabelPrinter& preview, desk::Desk& desk) {
+    if (宛名出力(from, to, mode, preview, desk) == LabelOutcome::noLabel)
+        desk.notify(u"印刷する宛名はありません。"_s, title);
+}
+
 } // namespace printing

@@ -24,4 +24,7 @@ enum class LabelOutcome {
 // the file where the job went into one.
 LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk);
 
+// The same on a preview, which tells when there is nothing to show.
+void previewLabels(QDate from, QDate to, LabelMode mode, LabelPrinter& preview, desk::Desk& desk);
+
 } // namespace printing

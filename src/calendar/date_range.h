@@ -1,0 +1,23 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+#include "store/database.h"
+
+#include <QDate>
+#include <QString>
+
+#include <optional>
+
+// The two boxes of a date range. Dates may be typed in Western or era form. A wrong box turns red, takes the keyboard
+// and is told under the title; nothing is given then.
+namespace calendar {
+
+std::optional<QDate> checkRangeStart(store::Database& database, desk::Text& box, const QString& title,
+                                     desk::Desk& desk);
+
+// The end must not be before the start.
+std::optional<QDate> checkRangeEnd(store::Database& database, desk::Text& box, QDate start, const QString& title,
+                                   desk::Desk& desk);
+
+} // namespace calendar

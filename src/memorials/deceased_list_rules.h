@@ -1,0 +1,33 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+#include "desk/screen_context.h"
+
+#include <QDate>
+
+namespace memorials {
+
+struct 法要個Form {
+    desk::Text frm21_dankag;
+    desk::Text frm21_zoknameg;
+    desk::Text frm21_zoknamek;
+    desk::Text frm21_kaimyog;
+    desk::Text frm21_kaimyok;
+    desk::Text frm21_meigymd;
+    desk::Text frm21_kyounen;
+    desk::Text frm21_bikou;
+    desk::Grid frm21_tbl;
+
+    std::vector<QDate> scheduled; // of the rows shown
+};
+
+// The operations of the list of one deceased's memorials (dnk_no1, dnk_nameg, kak_zokunameg), all in one grid. Messages
+// bear the title "法要 記録".
+// Shows the context's deceased, read from the death register when kak_kaimyoug is empty.
+void openDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void clickDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 個別照会: opens 法要明 modal on the row clicked and fills the grid again afterwards.
+void openDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
+
+} // namespace memorials

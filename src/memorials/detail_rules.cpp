@@ -1,0 +1,101 @@
+#include "memorials/detail_rules.h"
+
+#include "calendar/date_groups.h"
+#include "calendar/eras.h"
+#include "store/table.h"
+#include "values/numbers.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+namespace {
+
+const QString title = u"法要明細"_s;
+
+QString numberText(const std::optional<std::int16_t>& number) {
+    return number ? QString::number(*number) : QString();
+}
+
+void reloadDeceased(store::Database& database, desk::ScreenContext& context, desk::Desk& desk) {
+    const auto entry =
+        store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, context.kak_zokunameg);
+    if (!entry) {
+        desk.notify(registerEntryMissing, title);
+        return;
+    }
+    context.dnk_namek = entry->tblkak_dnknamek;
+    context.takeEntry(*entry);
+}
+
+void showMemorial(store::Database& database, 法要明Form& form, const store::tbl_hohyo& row, desk::Desk& desk) {
+    form.scheduled = row.tblhoy_kaiki_yymd;
+    form.frm31_hohyo_mei.text = row.tblhoy_kaiki_mei;
+    form.frm31_ygymd.text = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
+    if (row.tblhoy_kaiki_rs == 1) {
+        calendar::showDate(database, form.予約, row.tblhoy_kaiki_rymd, desk);
+        form.frm31_am.chosen = row.tblhoy_kaiki_ampm == u"1";
+        form.frm31_pm.chosen = !form.frm31_am.chosen;
+        form.開始時.text = numberText(row.tblhoy_kaiki_hour);
+        form.開始分.text = numberText(row.tblhoy_kaiki_mint);
+    }
+    form.frm31_法要場所.text = row.tblhoy_kaiki_basho;
+    // One who has died or moved away since stays the 施主 of this service.
+    if (!row.tblhoy_kaiki_seshug.isEmpty() && !form.施主.items.contains(row.tblhoy_kaiki_seshug))
+        form.施主.items << row.tblhoy_kaiki_seshug;
+    form.施主.choose(row.tblhoy_kaiki_seshug);
+    form.frm31_続柄.text = row.tblhoy_zokugara;
+    form.frm31_ofuse.text = values::moneyText(row.tblhoy_ofuse.value_or(0));
+    form.frm31_hoybikou.text = row.tblhoy_bikou;
+    if (row.tblhoy_kaiki_s == 1)
+        calendar::showDate(database, form.実施, row.tblhoy_kaiki_jymd, desk);
+}
+
+} // namespace
+
+void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    fillServiceLists(database, form);
+    fillLiving(database, form.施主, context.dnk_no1,
+               "ORDER BY tbl_kazoku.tblkzk_sei_ymd ASC, tbl_kazoku.tblkzk_nameg ASC;");
+    if (context.kak_zokunamek.isEmpty())
+        reloadDeceased(database, context, desk);
+    showHousehold(form, context);
+    form.frm31_zoknameg.text = context.kak_zokunameg;
+    showDeceased(database, form, context, desk);
+    const auto row =
+        store::find(database, store::idxhoy_hohyo, context.dnk_no1, context.kak_zokunameg, context.hoy_kaiki_yymd);
+    if (row)
+        showMemorial(database, form, *row, desk);
+    else
+        desk.notify(u"照会者の法要は登録されていません"_s, title);
+}
+
+void bookOnScheduledDay(法要明Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    if (!form.scheduled.isValid())
+        return;
+    store::Database database;
+    calendar::showDate(database, form.予約, form.scheduled, desk);
+}
+
+void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    const desk::SaveAttempt attempt = CheckMemorialInput(database, form, context, desk);
+    if (attempt.reported(desk, title) ||
+        !desk.ask(u"入力された内容で法要を変更します。内容を確認して下さい。"_s, title))
+        return;
+    if (!store::change(
+            database, store::idxhoy_hohyo, [&form](store::tbl_hohyo& row) { writeService(form, row); }, context.dnk_no1,
+            context.kak_zokunameg, context.hoy_kaiki_yymd)) {
+        desk.notify(memorialMissing, title);
+        return;
+    }
+    desk.notify(u"入力された内容で法要は更新されました。"_s, title);
+    keepWords(database, form);
+}
+
+void deleteDetail(法要明Form&, desk::ScreenContext& context, desk::Desk& desk) {
+    deleteMemorial({context.dnk_no1, context.kak_zokunameg, context.hoy_kaiki_yymd}, title, desk);
+}
+
+} // namespace memorials

@@ -1,0 +1,132 @@
+#include "memorials/household_list_rules.h"
+
+#include "store/table.h"
+#include "values/dates.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+namespace {
+
+const QString title = u"檀家法要一覧"_s;
+constexpr std::size_t pagesRemembered = 50;
+
+auto memorialsOf(std::int16_t household) {
+    return [household](QDate from, const auto& take) {
+        store::Database database;
+        store::Selection<store::tbl_hohyo> rows(database,
+                                                "INDEXED BY idxhoy_hohyo WHERE tbl_hohyo.tblhoy_no = ? And "
+                                                "tbl_hohyo.tblhoy_kaiki_yymd >= ? "
+                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC;",
+                                                household, from);
+        bool found = false;
+        while (rows.next()) {
+            found = true;
+            if (!take({rows.row()}))
+                break;
+        }
+        return found;
+    };
+}
+
+std::vector<MemorialColumn> columns() {
+    return {
+        {u"俗名"_s, 1400, [](ListedRow row) { return row.tblhoy_zokunameg; }},
+        {u"戒名"_s, 1400, [](ListedRow row) { return row.tblhoy_kaimyog; }},
+        {u"回忌名"_s, 1200, [](ListedRow row) { return row.tblhoy_kaiki_mei; }},
+        {u"回忌日"_s, 1600, [](ListedRow row) { return row.scheduledEra; }},
+        {u"区分"_s, 500,
+         [](ListedRow row) {
+             return row.tblhoy_kaiki_s == 1 ? u"済"_s : row.tblhoy_kaiki_rs == 1 ? u"予"_s : QString();
+         }},
+        {u"法要日"_s, 1600, [](ListedRow row) { return row.heldEra; }},
+        {u"場所"_s, 1000, [](ListedRow row) { return row.tblhoy_kaiki_basho; }},
+        {u"施主"_s, 1400, [](ListedRow row) { return row.tblhoy_kaiki_seshug; }},
+        {u"予約日"_s, 1600, [](ListedRow row) { return row.tblhoy_kaiki_s == 1 ? QString() : row.reservedEra; }},
+        {u"開始時間"_s, 1000,
+         [](ListedRow row) {
+             return row.tblhoy_kaiki_s != 1 && row.tblhoy_kaiki_rs == 1 ? startTimeText(row) : QString();
+         }},
+        {u"備考"_s, 2500, [](ListedRow row) { return row.tblhoy_bikou; }},
+        {{}, 0, [](ListedRow row) { return values::dateText(row.tblhoy_kaiki_yymd); }},
+    };
+}
+
+void complete(std::vector<ListedMemorial>& page, desk::Desk& desk) {
+    store::Database database;
+    for (ListedMemorial& row : page)
+        fillEraTexts(database, row, desk);
+}
+
+// The record that the detail and the death register are opened with.
+bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
+    const ListedMemorial* row = form.list.selected();
+    if (!row)
+        return false;
+    context.publishHousehold(form.household);
+    context.dnk_no2 = 0;
+    context.dnk_nameg = form.frm21_dankag.text;
+    context.dnk_kbn = u"檀家"_s;
+    context.chooseDeceased(row->tblhoy_zokunameg);
+    context.hoy_kaiki_yymd = row->tblhoy_kaiki_yymd;
+    return true;
+}
+
+} // namespace
+
+法要檀Form::法要檀Form()
+    : list({.title = title,
+            .nothing = u"照会の檀家に法要はありません。登録内容を確認して下さい"_s,
+            .columns = columns(),
+            .key = [](ListedRow row) { return row.tblhoy_kaiki_yymd; },
+            .complete = complete,
+            .tableSlots = pagesRemembered},
+           QDate(values::firstYear, 1, 1)) {}
+
+void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    form.household = context.dnk_no1;
+    desk::HouseholdBlock shown = context;
+    if (shown.dnk_namek.isEmpty()) {
+        store::Database database;
+        if (const auto row = store::find(database, store::idxdnk_no, form.household, 0))
+            shown.takeNames(*row);
+        else
+            desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
+    }
+    form.frm21_dankag.text = shown.dnk_nameg;
+    form.frm21_toshug.text = shown.dnk_toshug;
+    form.frm21_toshuk.text = shown.dnk_toshuk;
+    form.frm21_jyusho1.text = shown.dnk_jyusho1;
+    form.frm21_chiku.text = shown.dnk_chiku;
+    form.frm21_bikou.text = shown.dnk_bikou;
+    form.list.setUp(form.frm21_tbl);
+    form.list.showFirstPage(memorialsOf(form.household), form.frm21_tbl, desk);
+}
+
+void nextHouseholdMemorials(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.nextPage(memorialsOf(form.household), form.frm21_tbl, desk);
+}
+
+void previousHouseholdMemorials(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.previousPage(memorialsOf(form.household), form.frm21_tbl, desk);
+}
+
+void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.click(form.frm21_tbl, desk);
+}
+
+void openHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    if (!publishSelected(form, context))
+        return;
+    context.kak_zokunamek.clear();
+    desk.open(u"法要明"_s, desk::Opening::modal,
+              [&form, &desk] { form.list.showFirstPage(memorialsOf(form.household), form.frm21_tbl, desk); });
+}
+
+void openHouseholdDeceased(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    if (publishSelected(form, context))
+        desk.open(u"過去登"_s);
+}
+
+} // namespace memorials

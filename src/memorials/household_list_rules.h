@@ -1,0 +1,34 @@
+#pragma once
+
+#include "memorials/listed_memorial.h"
+
+#include <QDate>
+
+namespace memorials {
+
+struct 法要檀Form {
+    desk::Text frm21_dankag;
+    desk::Text frm21_toshug;
+    desk::Text frm21_toshuk;
+    desk::Text frm21_jyusho1;
+    desk::Text frm21_chiku;
+    desk::Text frm21_bikou;
+    desk::Grid frm21_tbl;
+    std::int16_t household = 0;
+    desk::PagingList<ListedMemorial, QDate> list; // by scheduled date
+
+    法要檀Form();
+};
+
+// The operations of the list of a household's memorials, whatever their state. Messages bear the title "檀家法要一覧".
+// Shows the context's household, read from the register when dnk_namek is empty.
+void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void nextHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void previousHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 個別照会: opens 法要明 modal; the list returns to its first page afterwards.
+void openHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 故人照会: opens 過去登.
+void openHouseholdDeceased(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+
+} // namespace memorials

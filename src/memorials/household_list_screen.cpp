@@ -1,0 +1,44 @@
+#include "memorials/household_list_rules.h"
+#include "memorials/memorial_screens.h"
+#include "ui/layout.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+std::unique_ptr<ui::Screen> 法要檀(ui::Workplace& workplace) {
+    auto screen = std::make_unique<ui::FormScreen<法要檀Form>>(workplace, u"法要檀"_s, u"檀家・法要一覧"_s,
+                                                               u"檀家法要一覧"_s, ui::Keeps{.household = true});
+    法要檀Form& form = screen->form();
+    ui::Layout layout(*screen);
+    layout.frame()
+        .row(u"檀家名"_s)
+        .shown(HOSHIREN_CONTROL(form, frm21_dankag), 12)
+        .row(u"当主氏名"_s)
+        .shown(HOSHIREN_CONTROL(form, frm21_toshug), 12)
+        .shown(HOSHIREN_CONTROL(form, frm21_toshuk), 14);
+    layout.beside()
+        .frame()
+        .row(u"住所1"_s)
+        .shown(HOSHIREN_CONTROL(form, frm21_jyusho1), 22)
+        .note(u"地区"_s)
+        .shown(HOSHIREN_CONTROL(form, frm21_chiku), 8)
+        .row(u"備考"_s)
+        .shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
+    const ui::Operation open = screen->run(openHouseholdMemorial);
+    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl),
+                              {.clicked = screen->run(clickHouseholdMemorial),
+                               .opened = open,
+                               .nextPage = screen->run(nextHouseholdMemorials),
+                               .previousPage = screen->run(previousHouseholdMemorials)});
+    layout.mainAction(u"個別照会"_s, u"法要詳細"_s, open)
+        .action(u"前ページ"_s, u"前ページ"_s, screen->run(previousHouseholdMemorials))
+        .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextHouseholdMemorials))
+        .gap()
+        .action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased))
+        .closing();
+    screen->onOpen(screen->run(openHouseholdMemorials));
+    return screen;
+}
+
+} // namespace memorials

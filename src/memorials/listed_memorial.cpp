@@ -1,0 +1,56 @@
+#include "memorials/listed_memorial.h"
+
+#include "calendar/eras.h"
+#include "store/table.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+QString startTimeText(const store::tbl_hohyo& row) {
+    const int minute = row.tblhoy_kaiki_mint.value_or(0);
+    return u"%1 %2：%3"_s.arg(row.tblhoy_kaiki_ampm == u"1" ? u"AM"_s : u"PM"_s)
+        .arg(row.tblhoy_kaiki_hour.value_or(0))
+        .arg(minute == 0 ? u"00"_s : QString::number(minute));
+}
+
+void fillEraTexts(store::Database& database, ListedMemorial& row, desk::Desk& desk) {
+    row.scheduledEra = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
+    if (row.tblhoy_kaiki_rs == 1)
+        row.reservedEra = calendar::eraText(database, row.tblhoy_kaiki_rymd, desk);
+    if (row.tblhoy_kaiki_s == 1)
+        row.heldEra = calendar::eraText(database, row.tblhoy_kaiki_jymd, desk);
+    if (row.tblhoy_tsuchi_s == 1)
+        row.noticeEra = calendar::eraText(database, row.tblhoy_tsuchi_ymd, desk);
+}
+
+void fillEraTextsAndHouseholds(std::vector<ListedMemorial>& page, const QString& title, desk::Desk& desk) {
+    store::Database database;
+    {
+        store::Table households(database, store::idxdnk_no);
+        for (ListedMemorial& row : page) {
+            if (households.seek(store::Seek::equal, row.tblhoy_no, 0))
+                row.household = households.row();
+        }
+    }
+    for (ListedMemorial& row : page) {
+        fillEraTexts(database, row, desk);
+        if (!row.household)
+            desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
+    }
+}
+
+std::function<QString(ListedRow)> householdText(QString store::tbl_danka::*field) {
+    return [field](ListedRow row) { return row.household ? (*row.household).*field : QString(); };
+}
+
+void publishMemorial(const store::tbl_hohyo& row, desk::ScreenContext& context) {
+    context.G初期値();
+    context.publishHousehold(row.tblhoy_no);
+    context.dnk_nameg = row.tblhoy_danknameg;
+    context.dnk_kbn = u"檀家"_s;
+    context.chooseDeceased(row.tblhoy_zokunameg);
+    context.hoy_kaiki_yymd = row.tblhoy_kaiki_yymd;
+}
+
+} // namespace memorials

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+#include "desk/paging_list.h"
+#include "desk/screen_context.h"
+#include "store/database.h"
+#include "store/schema.h"
+
+// What the lists of memorials share.
+namespace memorials {
+
+// A memorial with what its list shows beside it: dates in era form, the household.
+struct ListedMemorial : store::tbl_hohyo {
+    QString scheduledEra = {};
+    QString reservedEra = {}; // of reserved ones
+    QString heldEra = {};     // of held ones
+    QString noticeEra = {};   // of notified ones
+    std::optional<store::tbl_danka> household = {};
+};
+
+// "AM 10：30", a full minute as "00".
+QString startTimeText(const store::tbl_hohyo& row);
+
+void fillEraTexts(store::Database& database, ListedMemorial& row, desk::Desk& desk);
+
+// Completes a page with its era texts and the household of every row; tells, under the title, of each household that
+// cannot be found.
+void fillEraTextsAndHouseholds(std::vector<ListedMemorial>& page, const QString& title, desk::Desk& desk);
+
+// Clears the record and publishes household, deceased and memorial of a row.
+void publishMemorial(const store::tbl_hohyo& row, desk::ScreenContext& context);
+
+using ListedRow = const ListedMemorial&;
+using MemorialColumn = desk::ListColumn<ListedMemorial>;
+
+// What a column shows of the row's household; empty where it was not found.
+std::function<QString(ListedRow)> householdText(QString store::tbl_danka::*field);
+
+} // namespace memorials

@@ -1,0 +1,168 @@
+#include "memorials/notice_rules.h"
+
+#include "calendar/date_range.h"
+#include "calendar/eras.h"
+#include "printing/address_label_rules.h"
+#include "store/table.h"
+#include "values/dates.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+namespace {
+
+using printing::LabelMode;
+
+const QString title = u"法要通知"_s;
+const QString noMemorial = u"法要予定はありません"_s;
+
+bool isOpenForNotice(ListedRow row) {
+    return row.tblhoy_kaiki_s == 0 && row.tblhoy_kaiki_rs == 0 && row.tblhoy_tsuchi_s == 0;
+}
+
+auto memorialsOf(const 法要通Form& form) {
+    return [from = form.from, to = form.to](const NoticeKey& key, const auto& take) {
+        store::Database database;
+        store::Selection<store::tbl_hohyo> rows(database,
+                                                "WHERE (tbl_hohyo.tblhoy_kaiki_yymd >= ?) And "
+                                                "(tbl_hohyo.tblhoy_kaiki_yymd <= ?) "
+                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC ;",
+                                                std::max(from, key.scheduled), to);
+        // The names' order is the register's: by code point.
+        const QByteArray name = key.deceased.toUtf8();
+        bool found = false;
+        while (rows.next()) {
+            found = found || rows.row().tblhoy_zokunameg.toUtf8() >= name;
+            if (found && !take({rows.row()}))
+                break;
+        }
+        return found;
+    };
+}
+
+std::vector<MemorialColumn> columns() {
+    using desk::Align;
+    return {
+        {u"檀家NO"_s, 800, [](ListedRow row) { return QString::number(row.tblhoy_no); }, Align::right, Align::right},
+        {u"檀家名"_s, 1000, [](ListedRow row) { return row.tblhoy_danknameg; }},
+        {u"俗名"_s, 1400, [](ListedRow row) { return row.tblhoy_zokunameg; }},
+        {u"回忌名"_s, 1400, [](ListedRow row) { return row.tblhoy_kaiki_mei; }},
+        {u"回忌日"_s, 1600, [](ListedRow row) { return row.scheduledEra; }},
+        {u"当主"_s, 1400, householdText(&store::tbl_danka::tbldnk_toshug)},
+        {u"住所"_s, 2500, householdText(&store::tbl_danka::tbldnk_jyusho1)},
+        {u"TEL"_s, 1600, householdText(&store::tbl_danka::tbldnk_tel)},
+        {u"備考"_s, 2500, householdText(&store::tbl_danka::tbldnk_bikou)},
+    };
+}
+
+bool checkTo(store::Database& database, 法要通Form& form, desk::Desk& desk) {
+    const auto to = calendar::checkRangeEnd(database, form.frm02_to, form.from, title, desk);
+    form.to = to.value_or(form.to);
+    return to.has_value();
+}
+
+// A new start is tested against the end at once.
+bool checkFrom(store::Database& database, 法要通Form& form, desk::Desk& desk) {
+    const auto from = calendar::checkRangeStart(database, form.frm02_from, title, desk);
+    form.from = from.value_or(form.from);
+    return from && checkTo(database, form, desk);
+}
+
+} // namespace
+
+法要通Form::法要通Form()
+    : list({.title = title,
+            .nothing = noMemorial,
+            .columns = columns(),
+            .key =
+                [](ListedRow row) {
+                    return NoticeKey{row.tblhoy_kaiki_yymd, row.tblhoy_zokunameg};
+                },
+            .listed = isOpenForNotice,
+            .complete = [](std::vector<ListedMemorial>& page,
+                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); }},
+           {}) {}
+
+void openNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.from = desk.today();
+    form.to = form.from.addYears(1);
+    form.frm02_from.text = values::dateText(form.from);
+    form.frm02_to.text = values::dateText(form.to);
+    form.list.setUp(form.frm21_tbl);
+}
+
+void leaveNoticesFrom(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    checkFrom(database, form, desk);
+}
+
+void leaveNoticesTo(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    checkTo(database, form, desk);
+}
+
+void showNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    {
+        store::Database database;
+        if (!checkFrom(database, form, desk))
+            return;
+    }
+    form.list.setStart({form.from, {}});
+    form.list.fill(memorialsOf(form), form.frm21_tbl, desk);
+}
+
+void nextNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.nextPage(memorialsOf(form), form.frm21_tbl, desk);
+}
+
+void previousNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.previousPage(memorialsOf(form), form.frm21_tbl, desk);
+}
+
+void clickNotice(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.click(form.frm21_tbl, desk);
+}
+
+void openNoticeDeceased(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const ListedMemorial* row = form.list.selected();
+    if (!row)
+        return;
+    publishMemorial(*row, context);
+    desk.open(u"過去登"_s);
+}
+
+void openNoticeHousehold(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const ListedMemorial* row = form.list.selected();
+    if (!row)
+        return;
+    context.G初期値();
+    context.publishHousehold(row->tblhoy_no);
+    desk.open(u"檀家登"_s);
+}
+
+void notifyRange(法要通Form& form, printing::LabelPrinter& printer, desk::Desk& desk) {
+    const auto outcome = printing::宛名出力(form.from, form.to, LabelMode::memorials, printer, desk);
+    if (outcome == printing::LabelOutcome::failed)
+        return;
+    store::Database database;
+    if (!store::Table(database, store::idxhoy_yymd).seek(store::Seek::atOrAfter, form.from)) {
+        desk.notify(noMemorial, title);
+        return;
+    }
+    store::Write write(database);
+    SQLite::Statement mark(database.engine(), "UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 1, tblhoy_tsuchi_ymd = ? "
+                                              "WHERE tblhoy_kaiki_yymd BETWEEN ? AND ? "
+                                              "AND tblhoy_kaiki_s = 0 AND tblhoy_kaiki_rs = 0 AND tblhoy_tsuchi_s = 0");
+    store::bindValue(mark, 1, desk.today());
+    store::bindValue(mark, 2, form.from);
+    store::bindValue(mark, 3, form.to);
+    mark.exec();
+    write.commit();
+}
+
+void previewNotices(const 法要通Form& form, printing::LabelPrinter& preview, desk::Desk& desk) {
+    printing::previewLabels(form.from, form.to, LabelMode::memorials, preview, desk);
+}
+
+} // namespace memorials

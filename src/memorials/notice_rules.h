@@ -1,0 +1,45 @@
+#pragma once
+
+#include "memorials/listed_memorial.h"
+#include "printing/label_printer.h"
+
+#include <QDate>
+
+namespace memorials {
+
+struct NoticeKey {
+    QDate scheduled;
+    QString deceased; // secular name
+
+    bool operator==(const NoticeKey&) const = default;
+};
+
+struct 法要通Form {
+    desk::Text frm02_from;
+    desk::Text frm02_to;
+    desk::Grid frm21_tbl;
+    QDate from; // the last range that passed the checks
+    QDate to;
+    desk::PagingList<ListedMemorial, NoticeKey> list;
+
+    法要通Form();
+};
+
+// The operations of the memorial notices: memorials of a range of scheduled dates that are neither held, reserved nor
+// notified. Messages bear the title "法要通知".
+void openNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void leaveNoticesFrom(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void leaveNoticesTo(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void showNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 表示
+void nextNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void previousNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void clickNotice(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void openNoticeDeceased(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);  // 故人照会
+void openNoticeHousehold(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 檀家照会
+// 通知処理: prints the labels of the range and then marks its memorials notified today, all or none. Marks nothing when
+// the printer refuses.
+void notifyRange(法要通Form& form, printing::LabelPrinter& printer, desk::Desk& desk);
+// 印刷プレビュー: shows the same labels, marks nothing.
+void previewNotices(const 法要通Form& form, printing::LabelPrinter& preview, desk::Desk& desk);
+
+} // namespace memorials

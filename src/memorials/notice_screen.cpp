@@ -1,0 +1,40 @@
+#include "memorials/memorial_screens.h"
+#include "memorials/notice_rules.h"
+#include "printing/label_painter.h"
+#include "ui/layout.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
+    auto screen = std::make_unique<ui::FormScreen<法要通Form>>(workplace, u"法要通"_s, u"法要通知"_s, u"法要通知"_s);
+    auto* raw = screen.get();
+    法要通Form& form = screen->form();
+    ui::Layout layout(*screen);
+    layout.frame()
+        .row(u"通知検索開始日"_s)
+        .text(HOSHIREN_CONTROL(form, frm02_from), 10)
+        .onLeave(screen->run(leaveNoticesFrom))
+        .note(u"～"_s)
+        .text(HOSHIREN_CONTROL(form, frm02_to), 10)
+        .onLeave(screen->run(leaveNoticesTo));
+    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickNotice),
+                                                                  .nextPage = screen->run(nextNotices),
+                                                                  .previousPage = screen->run(previousNotices)});
+    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showNotices))
+        .action(u"前ページ"_s, u"前ページ"_s, screen->run(previousNotices))
+        .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextNotices))
+        .gap()
+        .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
+                [raw] { previewNotices(raw->form(), *printing::preview(raw), raw->desk()); })
+        .action(u"通知"_s, u"通知処理"_s, [raw] { notifyRange(raw->form(), *printing::defaultPrinter(), raw->desk()); })
+        .gap()
+        .action(u"故人照会"_s, u"故人照会"_s, screen->run(openNoticeDeceased))
+        .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openNoticeHousehold))
+        .closing();
+    screen->onOpen(screen->run(openNotices));
+    return screen;
+}
+
+} // namespace memorials

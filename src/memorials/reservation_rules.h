@@ -1,0 +1,43 @@
+#pragma once
+
+#include "memorials/listed_memorial.h"
+
+#include <QDate>
+
+namespace memorials {
+
+struct ReservationKey {
+    QDate day;
+    QString halfDay; // tblhoy_kaiki_ampm
+    std::int16_t hour = 0;
+
+    bool operator==(const ReservationKey&) const = default;
+};
+
+struct 法要一Form {
+    desk::Text frm02_from;
+    desk::Text frm02_to;
+    desk::Grid frm21_tbl;
+    QDate from;
+    QDate to;
+    desk::PagingList<ListedMemorial, ReservationKey> list;
+
+    法要一Form();
+};
+
+// The operations of the reservation book: memorials reserved and not yet held, in a range of reservation dates.
+// Messages bear the title "法要 予定".
+void openReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void leaveReservationsFrom(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void leaveReservationsTo(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 表示: lists the range from its start. The pages seen before stay remembered.
+void showReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void nextReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void previousReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void clickReservation(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 故人照会: opens 過去登 modal and fills the page again from the current position afterwards.
+void openReservationDeceased(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 檀家照会: opens 檀家登 modal.
+void openReservationHousehold(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+
+} // namespace memorials

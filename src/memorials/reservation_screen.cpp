@@ -1,0 +1,34 @@
+#include "memorials/memorial_screens.h"
+#include "memorials/reservation_rules.h"
+#include "ui/layout.h"
+
+using namespace Qt::StringLiterals;
+
+namespace memorials {
+
+std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
+    auto screen = std::make_unique<ui::FormScreen<法要一Form>>(workplace, u"法要一"_s, u"法要予定"_s, u"法要 予定"_s);
+    法要一Form& form = screen->form();
+    ui::Layout layout(*screen);
+    layout.frame()
+        .row(u"予約日"_s)
+        .text(HOSHIREN_CONTROL(form, frm02_from), 10)
+        .onLeave(screen->run(leaveReservationsFrom))
+        .note(u"～"_s)
+        .text(HOSHIREN_CONTROL(form, frm02_to), 10)
+        .onLeave(screen->run(leaveReservationsTo));
+    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickReservation),
+                                                                  .nextPage = screen->run(nextReservations),
+                                                                  .previousPage = screen->run(previousReservations)});
+    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showReservations))
+        .action(u"前ページ"_s, u"前ページ"_s, screen->run(previousReservations))
+        .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextReservations))
+        .gap()
+        .action(u"故人照会"_s, u"故人照会"_s, screen->run(openReservationDeceased))
+        .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openReservationHousehold))
+        .closing();
+    screen->onOpen(screen->run(openReservations));
+    return screen;
+}
+
+} // namespace memorials
