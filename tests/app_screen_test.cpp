@@ -19,6 +19,13 @@ class Program : public ScreenFixture {
         all.sort();
         return all;
     }
+    // A household, a deceased and a memorial in the record, so that every screen finds what it opens on.
+    void chooseMemorial() {
+        workplace->context.publishHousehold(1);
+        workplace->context.dnk_nameg = u"山田"_s;
+        workplace->context.chooseDeceased(u"山田　一"_s);
+        workplace->context.hoy_kaiki_yymd = QDate(2027, 1, 1);
+    }
 };
 
 TEST_F(Program, MenuClearsTheRecordAndShowsFileAndDay) {
@@ -78,8 +85,17 @@ TEST_F(Program, AModalScreenBlocksItsOpenerAndReportsItsEnd) {
 // being shown and read.
 TEST_F(Program, EveryScreenKeepsThePromisesOfTheKit) {
     execute(u"INSERT INTO tbl_ohaka (tblhak_no, tblhak_bohyo_mei) VALUES (1, '山田家')"_s); // for the list of markers
+    {
+        store::Database database;
+        store::Table(database, store::idxdnk_no).insert(sampleHousehold(1));
+    }
+    execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd) "
+            "VALUES (1, '山田', '山田　一', '2026-01-01')"_s);
+    execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_yymd) "
+            "VALUES (1, '山田', '山田　一', '2027-01-01')"_s);
     for (const QString& name : names()) {
         SCOPED_TRACE(name.toStdString());
+        chooseMemorial();
         ui::Screen& shown = open(name);
         EXPECT_EQ(shown.objectName(), name);
         EXPECT_TRUE(shown.isWindow());
