@@ -22,6 +22,7 @@ std::unique_ptr<ui::Screen> 法要個(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm21_meigymd), 11)
         .note(u"享年"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_kyounen), 3);
+    layout.last()->setAccessibleName(u"享年"_s);
     layout.beside()
         .frame()
         .row(u"戒名"_s)

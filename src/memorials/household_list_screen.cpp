@@ -22,9 +22,9 @@ std::unique_ptr<ui::Screen> 法要檀(ui::Workplace& workplace) {
         .row(u"住所1"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_jyusho1), 22)
         .note(u"地区"_s)
-        .shown(HOSHIREN_CONTROL(form, frm21_chiku), 8)
-        .row(u"備考"_s)
-        .shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
+        .shown(HOSHIREN_CONTROL(form, frm21_chiku), 8);
+    layout.last()->setAccessibleName(u"地区"_s);
+    layout.row(u"備考"_s).shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
     const ui::Operation open = screen->run(openHouseholdMemorial);
     layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl),
                               {.clicked = screen->run(clickHouseholdMemorial),

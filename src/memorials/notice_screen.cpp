@@ -19,6 +19,7 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
         .note(u"～"_s)
         .text(HOSHIREN_CONTROL(form, frm02_to), 10)
         .onLeave(screen->run(leaveNoticesTo));
+    layout.last()->setAccessibleName(u"検索終了日"_s);
     layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickNotice),
                                                                   .nextPage = screen->run(nextNotices),
                                                                   .previousPage = screen->run(previousNotices)});

@@ -17,6 +17,7 @@ std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
         .note(u"～"_s)
         .text(HOSHIREN_CONTROL(form, frm02_to), 10)
         .onLeave(screen->run(leaveReservationsTo));
+    layout.last()->setAccessibleName(u"検索終了日"_s);
     layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickReservation),
                                                                   .nextPage = screen->run(nextReservations),
                                                                   .previousPage = screen->run(previousReservations)});

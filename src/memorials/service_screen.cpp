@@ -20,13 +20,14 @@ void layOutDeceased(ui::Layout& layout, ServiceForm& form) {
         .row(u"命日"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_mei_gymd), 11)
         .note(u"享年"_s)
-        .shown(HOSHIREN_CONTROL(form, frm31_kyounen), 3)
-        .row(u"関係者"_s)
+        .shown(HOSHIREN_CONTROL(form, frm31_kyounen), 3);
+    layout.last()->setAccessibleName(u"享年"_s);
+    layout.row(u"関係者"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_moshu), 9)
         .note(u"続柄"_s)
-        .shown(HOSHIREN_CONTROL(form, frm31_mshzkgr), 6)
-        .row(u"備考"_s)
-        .shown(HOSHIREN_CONTROL(form, frm31_kaak_bikou), 20);
+        .shown(HOSHIREN_CONTROL(form, frm31_mshzkgr), 6);
+    layout.last()->setAccessibleName(u"続柄"_s);
+    layout.row(u"備考"_s).shown(HOSHIREN_CONTROL(form, frm31_kaak_bikou), 20);
 }
 
 void layOutHousehold(ui::Layout& layout, ServiceForm& form) {
@@ -39,8 +40,8 @@ void layOutHousehold(ui::Layout& layout, ServiceForm& form) {
 }
 
 void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
-    layout.row()
-        .options(u"開始時間"_s, u"開始時間"_s,
+    layout.row(u"開始時間"_s)
+        .options(u"開始時間"_s, {},
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
         .note(u"時"_s)
@@ -54,6 +55,7 @@ void layOutHolding(ui::Layout& layout, ServiceForm& form, const QString& listNam
                    ui::Operation asBooked) {
     layout.row(u"実施日"_s)
         .dates({u"実施年号"_s, u"実施年"_s, u"実施月"_s, u"実施日付"_s, u"実施YMD"_s}, form.実施)
+        .row()
         .button(u"実施日"_s, u"予約通り実施"_s, std::move(asBooked), u"実施日が予約日と同じ時に押して下さい"_s)
         .row(u"施主"_s)
         .list(listName, form.施主, 12, 5)
@@ -84,10 +86,10 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm31_hohyo_mei), 14)
         .row(u"法要日"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_ygymd), 14)
-        .row(u"予約日"_s)
-        .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, u"予約日付"_s, u"予約YMD"_s}, form.予約)
         .button(u"予約日"_s, u"法要日に予約"_s, screen->run(bookOnScheduledDay),
-                u"予約日と法要日が同じ時に押して下さい"_s);
+                u"予約日と法要日が同じ時に押して下さい"_s)
+        .row(u"予約日"_s)
+        .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, u"予約日付"_s, u"予約YMD"_s}, form.予約);
     layOutTimeAndPlace(layout, form);
     layOutHolding(layout, form, u"frm31_kankeisha"_s, u"供養料"_s, [raw] { holdAsBooked(raw->form()); });
     layout.mainAction(u"更新"_s, u"更新"_s, screen->run(saveDetail))

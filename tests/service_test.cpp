@@ -1,0 +1,358 @@
+#include "memorials/detail_rules.h"
+#include "memorials/extra_rules.h"
+#include "support/register_fixture.h"
+#include "support/test_desk.h"
+
+using namespace Qt::StringLiterals;
+using namespace memorials;
+
+namespace {
+
+const QString detailTitle = u"法要明細"_s;
+const QString extraTitle = u"法要・回忌外登録"_s;
+const QString askChange = u"入力された内容で法要を変更します。内容を確認して下さい。"_s;
+const QString askRegister = u"入力された内容で法要を登録します。内容を確認して下さい。"_s;
+const QString askDelete = u"指定された法要を削除します。内容を確認して下さい。"_s;
+
+void type(desk::DateGroup& group, const QString& era, int year, int month, int day) {
+    group.era.text = era;
+    group.year.text = QString::number(year);
+    group.month.text = QString::number(month);
+    group.day.text = QString::number(day);
+}
+
+class Services : public RegisterFixture {
+  protected:
+    Services() {
+        execute(
+            u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_dnknamek, tblkak_zokunameg, "
+            "tblkak_zokunamek, tblkak_mei_gname, tblkak_mei_gyy, tblkak_mei_gmm, tblkak_mei_gdd, tblkak_mei_ymd, "
+            "tblkak_kyounen, tblkak_kaimyoug, tblkak_kankeisha, tblkak_zokugara, tblkak_bikou) VALUES "
+            "(7, '山田', 'ヤマダ', '山田　一', 'ヤマダ ハジメ', '令和', 6, 1, 5, '2024-01-05', 88, '釈一', '山田　二', "
+            "'長男', '備え')"_s);
+        execute(
+            u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '旧姓', '旧　人')"_s);
+        const struct {
+            QString name;
+            QString born;
+            QString dead;
+        } family[] = {{u"イ"_s, u"'1990-01-01'"_s, u"0"_s},
+                      {u"ア"_s, u"'1995-01-01'"_s, u"0"_s},
+                      {u"死"_s, u"'1950-01-01'"_s, u"1"_s},
+                      {u"ウ"_s, u"NULL"_s, u"0"_s}};
+        for (const auto& [name, born, dead] : family)
+            execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd, "
+                    "tblkzk_seishikbn) VALUES (7, '山田', '%1', %2, '%3')"_s.arg(name, born, dead));
+        execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei, "
+                "tblhoy_kaiki_yymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, tblhoy_kaiki_mint, tblhoy_ofuse) VALUES "
+                "(7, '山田', '山田　一', '3回忌', '2026-01-05', '1', 0, 0, 0)"_s);
+        context.publishHousehold(7);
+        context.dnk_nameg = u"山田"_s;
+        context.dnk_namek = u"ヤマダ"_s;
+    }
+
+    // The detail of the 3回忌, freshly opened.
+    法要明Form detail() {
+        context.chooseDeceased(u"山田　一"_s);
+        context.hoy_kaiki_yymd = QDate(2026, 1, 5);
+        法要明Form form;
+        openDetail(form, context, desk);
+        return form;
+    }
+    void save(法要明Form& form) {
+        desk.answer(askChange, detailTitle, true);
+        desk.expect(u"入力された内容で法要は更新されました。"_s, detailTitle);
+        saveDetail(form, context, desk);
+    }
+    QString stored(const QString& fields) {
+        return query(u"SELECT %1 FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '3回忌'"_s.arg(fields));
+    }
+
+    // The extra screen on a deceased chosen in its list, with a name and the reservation 2027-02-14, 10:30.
+    法要外Form extra(const QString& name = u"特別供養"_s) {
+        context.chooseDeceased({});
+        法要外Form form;
+        openExtra(form, context, desk);
+        form.frm31_zoknameg.choose(u"山田　一"_s);
+        chooseDeceased(form, context, desk);
+        form.frm31_hohyo_mei.text = name;
+        type(form.予約, u"令和"_s, 9, 2, 14);
+        form.開始時.text = u"10"_s;
+        form.開始分.text = u"30"_s;
+        form.frm31_法要場所.text = u"本堂"_s;
+        return form;
+    }
+    void registerIt(法要外Form& form) {
+        desk.answer(askRegister, extraTitle, true);
+        desk.expect(u"指定された法要は登録されました。"_s, extraTitle);
+        registerExtra(form, context, desk);
+    }
+
+    TestDesk desk{today};
+};
+
+TEST_F(Services, DetailShowsDeceasedAndMemorial) {
+    const 法要明Form form = detail();
+    EXPECT_EQ(form.frm31_no.text, u"7"_s);
+    EXPECT_EQ(form.frm31_zoknamek.text, u"ヤマダ ハジメ"_s); // reloaded from the death register
+    EXPECT_EQ(form.frm31_mei_gymd.text, u"令和6年1月5日"_s);
+    EXPECT_EQ(form.frm31_kyounen.text, u"88"_s);
+    EXPECT_EQ(form.frm31_moshu.text, u"山田　二"_s);
+    EXPECT_EQ(form.frm31_ygymd.text, u"令和8年1月5日"_s);
+    EXPECT_EQ(form.施主.items, QStringList({u"ウ"_s, u"イ"_s, u"ア"_s})); // by birth date; the dead one is left out
+    EXPECT_EQ(form.開始時.items.size(), 24);
+    EXPECT_EQ(form.開始分.items, QStringList({u"00"_s, u"15"_s, u"30"_s, u"45"_s}));
+    EXPECT_EQ(form.frm31_法要場所.items.front(), u"本堂"_s);
+    EXPECT_EQ(form.予約.western.text + form.開始時.text + form.開始分.text, QString());
+    EXPECT_TRUE(form.frm31_am.chosen);
+    EXPECT_EQ(form.frm31_ofuse.text, u"0"_s);
+}
+
+TEST_F(Services, DetailTellsWhatIsMissing) {
+    context.chooseDeceased(u"居ない"_s);
+    法要明Form form;
+    desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, detailTitle);
+    desk.expect(u"照会者の法要は登録されていません"_s, detailTitle);
+    openDetail(form, context, desk);
+    EXPECT_EQ(form.frm31_hohyo_mei.text, QString());
+    bookOnScheduledDay(form, context, desk);
+    EXPECT_EQ(form.予約.western.text, QString());
+    desk.answer(askChange, detailTitle, true);
+    desk.expect(u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s, detailTitle);
+    saveDetail(form, context, desk);
+}
+
+TEST_F(Services, BookingAndHoldingAreKeptAndNoFlagIsLowered) {
+    法要明Form form = detail();
+    bookOnScheduledDay(form, context, desk);
+    EXPECT_EQ(form.予約.western.text, u"2026/01/05"_s);
+    holdAsBooked(form);
+    EXPECT_EQ(form.実施.western.text + form.実施.era.text + form.実施.day.text, u"2026/01/05令和5"_s);
+    form.実施.clear();
+    form.frm31_am.chosen = false;
+    form.frm31_pm.chosen = true;
+    form.開始時.text = u"１"_s;
+    form.frm31_法要場所.text = u"川の畔"_s;
+    form.frm31_ofuse.text = u"10000"_s;
+    save(form);
+    EXPECT_EQ(form.開始分.text, u"00"_s);
+    EXPECT_EQ(form.frm31_ofuse.text, u"10,000"_s);
+    const QString booking = u"tblhoy_kaiki_rs, tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, "
+                            "tblhoy_kaiki_mint, tblhoy_kaiki_s, tblhoy_kaiki_jymd"_s;
+    EXPECT_EQ(stored(booking), u"1,2026-01-05,2,1,0,0,NULL"_s);
+    EXPECT_EQ(stored(u"tblhoy_ofuse, tblhoy_kaiki_basho"_s), u"10000,川の畔"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM マスタ WHERE マ_区分 = 3 AND マ_略称 = '川の畔'"_s), u"1"_s);
+
+    form = detail();
+    EXPECT_EQ(form.予約.western.text, u"2026/01/05"_s);
+    EXPECT_TRUE(form.frm31_pm.chosen && !form.frm31_am.chosen);
+    EXPECT_EQ(form.開始時.text, u"1"_s);
+    form.予約.clear();
+    type(form.実施, u"令和"_s, 8, 1, 6);
+    form.施主.choose(u"ア"_s);
+    form.frm31_続柄.text = u"長男"_s;
+    form.frm31_ofuse.text.clear();
+    save(form);
+    EXPECT_EQ(stored(booking), u"1,2026-01-05,2,1,0,1,2026-01-06"_s);
+    EXPECT_EQ(stored(u"tblhoy_kaiki_seshug, tblhoy_zokugara, tblhoy_ofuse, tblhoy_tsuchi_s"_s), u"ア,長男,0,0"_s);
+
+    // A 施主 who has died since stays.
+    execute(u"UPDATE tbl_kazoku SET tblkzk_seishikbn = '1' WHERE tblkzk_nameg = 'ア'"_s);
+    form = detail();
+    EXPECT_EQ(form.施主.currentText(), u"ア"_s);
+    save(form);
+    EXPECT_EQ(stored(u"tblhoy_kaiki_seshug"_s), u"ア"_s);
+}
+
+TEST_F(Services, HoldingAloneLeavesTheReservationUnset) {
+    法要明Form form = detail();
+    type(form.実施, u"令和"_s, 8, 1, 6);
+    form.施主.choose(u"ア"_s);
+    form.frm31_続柄.text = u"長男"_s;
+    save(form);
+    EXPECT_EQ(stored(u"tblhoy_kaiki_s, tblhoy_kaiki_rs, tblhoy_kaiki_rymd"_s), u"1,0,NULL"_s);
+}
+
+TEST_F(Services, OnlyTheFirstFailureSpeaksAndAllAreRed) {
+    const QString hour = u"予定時間に正しい数字を入力して下さい"_s;
+    const QString minute = u"予定時間分に正しい数字を入力して下さい"_s;
+    const QString place = u"法要場所は必須です、法要場所を選択又は入力して下さい"_s;
+    const QString offering = u"御布施の金額に正しく入力して下さい \""_s;
+    using Fill = void (*)(法要明Form&);
+    const struct {
+        const char* what;
+        Fill fill;
+        QString message; // empty: passes
+        QStringList red;
+    } cases[] = {
+        {"nothing given", [](法要明Form&) {}, {}, {}},
+        {"24:60", [](法要明Form& f) { f.開始時.text = u"24"_s, f.開始分.text = u"60"_s; }, {}, {}},
+        {"-1:-1", [](法要明Form& f) { f.開始時.text = u"-1"_s, f.開始分.text = u"-1"_s; }, {}, {}},
+        {"full-width", [](法要明Form& f) { f.開始時.text = u"１０"_s, f.開始分.text = u"３０"_s; }, {}, {}},
+        {"25", [](法要明Form& f) { f.開始時.text = u"25"_s; }, hour, {u"時"_s}},
+        {"letters", [](法要明Form& f) { f.開始時.text = u"十"_s; }, hour, {u"時"_s}},
+        {"too long", [](法要明Form& f) { f.開始時.text = u"-40000"_s; }, hour, {u"時"_s}},
+        {"61", [](法要明Form& f) { f.開始分.text = u"61"_s; }, minute, {u"分"_s}},
+        {"two", [](法要明Form& f) { f.開始時.text = u"x"_s, f.開始分.text = u"y"_s; }, hour, {u"時"_s, u"分"_s}},
+        {"separators", [](法要明Form& f) { f.frm31_ofuse.text = u"1,234,567"_s; }, {}, {}},
+        {"offering in words", [](法要明Form& f) { f.frm31_ofuse.text = u"一万"_s; }, offering, {u"布施"_s}},
+        {"offering too large", [](法要明Form& f) { f.frm31_ofuse.text = u"99999999999"_s; }, offering, {u"布施"_s}},
+        {"booked without time and place",
+         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 1, 1); },
+         u"開始予定時間は必須です、時間を入力して下さい"_s,
+         {u"時"_s, u"場所"_s}},
+        {"booked at a wrong hour stays red",
+         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 1, 1), f.開始時.text = u"25"_s; },
+         hour,
+         {u"時"_s, u"場所"_s}},
+        {"booked without place",
+         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 1, 1), f.開始時.text = u"9"_s; },
+         place,
+         {u"場所"_s}},
+        {"booked on no day",
+         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 2, 30), f.frm31_ofuse.text = u"x"_s; },
+         u"法要予定日　年月日に正しく入力して下さい"_s,
+         {u"予約"_s, u"時"_s, u"場所"_s, u"布施"_s}},
+        {"held by nobody",
+         [](法要明Form& f) { type(f.実施, u"令和"_s, 8, 1, 6); },
+         u"施主は必須です、関係者から選択又は入力して下さい"_s,
+         {u"施主"_s, u"続柄"_s}},
+        {"held by a stranger",
+         [](法要明Form& f) { type(f.実施, u"令和"_s, 8, 1, 6), f.施主.choose(u"ア"_s); },
+         u"施主の続柄は必須です、続柄を選択又は入力して下さい"_s,
+         {u"続柄"_s}},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.what);
+        法要明Form form = detail();
+        // Marks of a former attempt go.
+        desk::paint(desk::Colour::red, form.frm31_法要場所, form.施主, form.frm31_続柄, form.開始時, form.開始分);
+        each.fill(form);
+        if (each.message.isEmpty())
+            desk.answer(askChange, detailTitle, false);
+        else
+            desk.expect(each.message, detailTitle);
+        saveDetail(form, context, desk);
+        desk.finish();
+        const std::pair<QString, desk::Control*> controls[] = {
+            {u"予約"_s, &form.予約.year},  {u"実施"_s, &form.実施.year},      {u"時"_s, &form.開始時},
+            {u"分"_s, &form.開始分},       {u"場所"_s, &form.frm31_法要場所}, {u"施主"_s, &form.施主},
+            {u"続柄"_s, &form.frm31_続柄}, {u"布施"_s, &form.frm31_ofuse}};
+        for (const auto& [name, control] : controls)
+            EXPECT_EQ(control->colour == desk::Colour::red, each.red.contains(name)) << name.toStdString();
+    }
+    EXPECT_EQ(stored(u"tblhoy_kaiki_rs, tblhoy_kaiki_s"_s), u"0,0"_s); // nothing of all this was stored
+}
+
+TEST_F(Services, DetailDeletesItsMemorialOnce) {
+    法要明Form form = detail();
+    desk.answer(askDelete, detailTitle, false);
+    deleteDetail(form, context, desk);
+    EXPECT_EQ(stored(u"count(*)"_s), u"1"_s);
+    desk.answer(askDelete, detailTitle, true);
+    desk.expect(u"削除処理を終了しました。"_s, detailTitle);
+    deleteDetail(form, context, desk);
+    EXPECT_EQ(stored(u"count(*)"_s), u"0"_s);
+    desk.answer(askDelete, detailTitle, true);
+    desk.expect(u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s, detailTitle);
+    deleteDetail(form, context, desk);
+}
+
+TEST_F(Services, ExtraListsTheDeceasedAndShowsTheOneChosen) {
+    法要外Form form;
+    openExtra(form, context, desk);
+    EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s, u"旧　人"_s}));
+    EXPECT_EQ(form.施主.items, QStringList({u"ア"_s, u"イ"_s, u"ウ"_s})); // by name
+    form.frm31_zoknameg.choose(u"山田　一"_s);
+    chooseDeceased(form, context, desk);
+    EXPECT_EQ(form.frm31_mei_gymd.text, u"令和6年1月5日"_s);
+    EXPECT_EQ(context.kak_kaimyoug, u"釈一"_s);
+    // An entry under another household name cannot be chosen, and the one before is no longer.
+    form.frm31_zoknameg.choose(u"旧　人"_s);
+    desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, extraTitle);
+    chooseDeceased(form, context, desk);
+    EXPECT_EQ(context.kak_zokunameg, QString());
+    EXPECT_EQ(form.frm31_kaimyoug.text, QString());
+    form.frm31_hohyo_mei.text = u"名"_s;
+    desk.expect(u"故人を選択して下さい"_s, extraTitle);
+    registerExtra(form, context, desk);
+
+    context.chooseDeceased(u"山田　一"_s);
+    法要外Form given;
+    openExtra(given, context, desk);
+    EXPECT_EQ(given.frm31_zoknameg.items, QStringList({u"山田　一"_s}));
+    EXPECT_EQ(given.frm31_zoknameg.currentText(), u"山田　一"_s);
+}
+
+TEST_F(Services, AnExtraMemorialBookedIsBornNotified) {
+    法要外Form form = extra();
+    form.frm31_ofuse.text = u"５,０００"_s;
+    registerIt(form);
+    EXPECT_EQ(
+        query(u"SELECT tblhoy_no, tblhoy_danknameg, tblhoy_danknamek, tblhoy_zokunameg, tblhoy_zokunamek, "
+              "tblhoy_kaimyog, tblhoy_meiymd, tblhoy_kaiki_s, tblhoy_kaiki_yymd, tblhoy_kaiki_rymd, "
+              "tblhoy_kaiki_rs, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, tblhoy_kaiki_mint, tblhoy_tsuchi_s, "
+              "tblhoy_tsuchi_ymd, tblhoy_kaiki_jymd, tblhoy_ofuse, tblhoy_kanaidx, tblhoy_add_ymd "
+              "FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '特別供養'"_s),
+        u"7,山田,ヤマダ,山田　一,ヤマダ ハジメ,釈一,2024-01-05,0,2027-02-14,2027-02-14,1,1,10,30,1,2027-02-14,NULL,"
+        "5000,ヤ,2026-11-22"_s);
+    EXPECT_EQ(form.frm31_ygymd.text, u"令和9年2月14日"_s);
+    // The same day again is refused, under another name, too.
+    form.frm31_hohyo_mei.text = u"別の供養"_s;
+    desk.expect(u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s, extraTitle);
+    registerExtra(form, context, desk);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo"_s), u"2"_s);
+}
+
+TEST_F(Services, AnExtraMemorialHeldIsScheduledOnThatDay) {
+    const QString fields = u"SELECT tblhoy_kaiki_yymd, tblhoy_kaiki_rs, tblhoy_kaiki_s, tblhoy_kaiki_jymd, "
+                           "tblhoy_tsuchi_s, tblhoy_kaiki_hour FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '%1'"_s;
+    法要外Form both = extra(u"両方"_s);
+    type(both.実施, u"令和"_s, 9, 2, 15);
+    both.施主.choose(u"イ"_s);
+    both.frm31_続柄.text = u"次男"_s;
+    registerIt(both);
+    EXPECT_EQ(query(fields.arg(u"両方"_s)), u"2027-02-15,1,1,2027-02-15,1,10"_s);
+    法要外Form held = extra(u"実施"_s);
+    held.予約.clear();
+    type(held.実施, u"令和"_s, 9, 2, 16);
+    held.施主.choose(u"イ"_s);
+    held.frm31_続柄.text = u"次男"_s;
+    registerIt(held);
+    EXPECT_EQ(query(fields.arg(u"実施"_s)), u"2027-02-16,0,1,2027-02-16,0,NULL"_s);
+    // The day that would be written is taken: 3回忌 is on the held day here.
+    法要外Form taken = extra();
+    type(taken.実施, u"令和"_s, 8, 1, 5);
+    taken.施主.choose(u"イ"_s);
+    taken.frm31_続柄.text = u"次男"_s;
+    desk.expect(u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s, extraTitle);
+    registerExtra(taken, context, desk);
+}
+
+TEST_F(Services, AnExtraMemorialNeedsNameAndDay) {
+    法要外Form form = extra({});
+    form.予約.clear();
+    desk.expect(u"法要名を入力して下さい"_s, extraTitle);
+    registerExtra(form, context, desk);
+    form.frm31_hohyo_mei.text = u"名"_s;
+    desk.expect(u"法要予定日又は法要実施日を入力して下さい"_s, extraTitle);
+    registerExtra(form, context, desk);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo"_s), u"1"_s);
+}
+
+TEST_F(Services, ExtraDeletesTheOneRegisteredElseTheDatesShown) {
+    法要外Form form = extra();
+    registerIt(form);
+    type(form.予約, u"令和"_s, 8, 1, 5); // the 3回忌 stays
+    for (const QString& left : {u"3回忌"_s, QString()}) {
+        desk.answer(askDelete, extraTitle, true);
+        desk.expect(u"削除処理を終了しました。"_s, extraTitle);
+        deleteExtra(form, context, desk);
+        EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei FROM tbl_hohyo"_s), left);
+    }
+    desk.answer(askDelete, extraTitle, true);
+    desk.expect(u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s, extraTitle);
+    deleteExtra(form, context, desk);
+}
+
+} // namespace
