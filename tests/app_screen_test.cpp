@@ -89,6 +89,8 @@ TEST_F(Program, EveryScreenKeepsThePromisesOfTheKit) {
         store::Database database;
         store::Table(database, store::idxdnk_no).insert(sampleHousehold(1));
     }
+    execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd) "
+            "VALUES (1, '山田', '山田　二', '1990-01-01')"_s);
     execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd) "
             "VALUES (1, '山田', '山田　一', '2026-01-01')"_s);
     execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_yymd) "

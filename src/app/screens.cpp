@@ -24,6 +24,7 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"お墓登"_s, graves::お墓登},
         {u"お墓新"_s, graves::お墓新},
         {u"お墓一"_s, graves::お墓一},
+        {u"お墓通"_s, graves::お墓通},
         {u"紐区画"_s, graves::紐区画},
         {u"紐墓標"_s, graves::紐墓標},
 

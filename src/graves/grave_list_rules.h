@@ -31,9 +31,9 @@ std::optional<PlaceKey> sectionChosen(const desk::Combo& block, const QString& t
 
 // A grave in a list of graves with its dates in era form.
 struct ListedGrave : store::tbl_ohaka {
-    QString startEra;
-    QString billingEra;
-    QString disposalEra; // of disposed graves
+    QString startEra = {};
+    QString billingEra = {};
+    QString disposalEra = {}; // of disposed graves
 };
 
 // The thirteen columns of a list of graves under the headers of お墓一, and what fills the era texts of a page.

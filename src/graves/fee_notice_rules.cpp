@@ -1,0 +1,143 @@
+#include "graves/fee_notice_rules.h"
+
+#include "calendar/date_range.h"
+#include "calendar/eras.h"
+#include "printing/address_label_rules.h"
+#include "store/table.h"
+#include "values/dates.h"
+
+using namespace Qt::StringLiterals;
+
+namespace graves {
+
+namespace {
+
+using printing::LabelMode;
+
+const QString title = u"お墓管理費通知"_s;
+
+auto gravesOf(const お墓通Form& form) {
+    return [from = form.from, to = form.to](const BillingKey& key, const auto& take) {
+        store::Database database;
+        store::Selection<store::tbl_ohaka> graves(
+            database,
+            "WHERE tbl_ohaka.tblhak_kanri_nxymd >= ? and tbl_ohaka.tblhak_kanri_nxymd <= ? "
+            "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC;",
+            std::max(from, key.billing), to);
+        bool found = false;
+        while (graves.next()) {
+            found = found || graves.row().tblhak_no >= key.grave;
+            if (found && !take({graves.row()}))
+                break;
+        }
+        return found;
+    };
+}
+
+// The columns of the list of graves under this screen's headers.
+std::vector<desk::ListColumn<ListedGrave>> columns() {
+    auto columns = graveColumns();
+    columns[0].header = u"管理番号"_s;
+    columns[3].header = u"檀家番号"_s;
+    columns[4].twips = 500;
+    return columns;
+}
+
+void goOn(お墓通Form& form, desk::Desk& desk) {
+    form.list.clearTables();
+    form.list.setPosition({form.list.position().billing, 0});
+    form.list.fill(gravesOf(form), form.frm21_tbl, desk);
+}
+
+} // namespace
+
+お墓通Form::お墓通Form()
+    : list({.title = title,
+            .nothing = u"管理費通知予定はありません。"_s,
+            .columns = columns(),
+            .key =
+                [](const ListedGrave& grave) {
+                    return BillingKey{grave.tblhak_kanri_nxymd, grave.tblhak_no};
+                },
+            .complete = fillEraTexts,
+            .outOfRange = u"有功範囲外を指定しています。選択し直して下さい"_s},
+           {}) {}
+
+void openFeeNotices(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.from = desk.today();
+    form.to = form.from.addYears(1);
+    form.frm21_from.text = values::dateText(form.from);
+    form.frm21_to.text = values::dateText(form.to);
+    form.list.setUp(form.frm21_tbl);
+}
+
+void leaveFeesFrom(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    calendar::checkRangeStart(database, form.frm21_from, title, desk);
+}
+
+void leaveFeesTo(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    // The start typed beside it counts, once it is a date.
+    const QDate from = calendar::readDate(database, form.frm21_from.text).value_or(form.from);
+    calendar::checkRangeEnd(database, form.frm21_to, from, title, desk);
+}
+
+void showFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    {
+        store::Database database;
+        const auto from = calendar::checkRangeStart(database, form.frm21_from, title, desk);
+        if (!from)
+            return;
+        const auto to = calendar::checkRangeEnd(database, form.frm21_to, *from, title, desk);
+        if (!to)
+            return;
+        form.from = *from;
+        form.to = *to;
+    }
+    form.list.setStart({form.from, 0});
+    form.list.fill(gravesOf(form), form.frm21_tbl, desk);
+}
+
+void nextFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.nextPage(gravesOf(form), form.frm21_tbl, desk);
+}
+
+void previousFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.previousPage(gravesOf(form), form.frm21_tbl, desk);
+}
+
+void clickFee(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    form.list.click(form.frm21_tbl, desk);
+}
+
+void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const ListedGrave* grave = form.list.selected();
+    if (!grave)
+        return;
+    context.hak_no = grave->tblhak_no;
+    context.publishHousehold(grave->tblhak_dnk_no);
+    context.dnk_namek.clear();
+    desk.open(u"お墓登"_s, desk::Opening::modal, [&form, &context, &desk] {
+        goOn(form, desk);
+        context.G初期値();
+    });
+}
+
+void openFeeHousehold(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const ListedGrave* grave = form.list.selected();
+    if (!grave)
+        return;
+    context.publishHousehold(grave->tblhak_dnk_no);
+    desk.open(u"檀家登"_s, desk::Opening::modal, [&form, &desk] { goOn(form, desk); });
+}
+
+void printFeeLabels(const お墓通Form& form, printing::LabelPrinter& printer, desk::Desk& desk) {
+    printing::宛名出力(form.from, form.to, LabelMode::fees, printer, desk);
+}
+
+void previewFeeLabels(const お墓通Form& form, printing::LabelPrinter& preview, desk::Desk& desk) {
+    printing::previewLabels(form.from, form.to, LabelMode::fees, preview, desk);
+}
+
+} // namespace graves
