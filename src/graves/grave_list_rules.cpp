@@ -17,15 +17,9 @@ QString feeText(const std::optional<std::int32_t>& fee) {
     return fee ? values::moneyText(*fee) : QString();
 }
 
-GraveList::Source graves() {
-    return [](const PlaceKey& from, const GraveList::Take& take) {
-        return walkSection(from, [&](const store::tbl_ohaka& grave) { return take(ListedGrave{grave, {}, {}, {}}); });
-    };
-}
-
 void openAndReturn(const QString& screen, お墓一Form& form, desk::Desk& desk) {
     desk.open(screen, desk::Opening::modal,
-              [&form, &desk] { form.list.showFirstPage(graves(), form.frm21_tbl, desk); });
+              [&form, &desk] { form.list.showFirstPage(listedGraves(), form.frm21_tbl, desk); });
 }
 
 } // namespace
@@ -57,6 +51,12 @@ bool walkSection(const PlaceKey& from, const std::function<bool(const store::tbl
             break;
     }
     return found;
+}
+
+GraveList::Source listedGraves() {
+    return [](const PlaceKey& from, const GraveList::Take& take) {
+        return walkSection(from, [&](const store::tbl_ohaka& grave) { return take(ListedGrave{grave, {}, {}, {}}); });
+    };
 }
 
 std::optional<PlaceKey> sectionChosen(const desk::Combo& block, const QString& title, desk::Desk& desk) {
@@ -123,15 +123,15 @@ void chooseSection(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) 
     if (!section)
         return;
     form.list.setStart(*section);
-    form.list.showFirstPage(graves(), form.frm21_tbl, desk);
+    form.list.showFirstPage(listedGraves(), form.frm21_tbl, desk);
 }
 
 void nextPage(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(graves(), form.frm21_tbl, desk);
+    form.list.nextPage(listedGraves(), form.frm21_tbl, desk);
 }
 
 void previousPage(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(graves(), form.frm21_tbl, desk);
+    form.list.previousPage(listedGraves(), form.frm21_tbl, desk);
 }
 
 void clickRow(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) {

@@ -42,6 +42,9 @@ void fillEraTexts(std::vector<ListedGrave>& page, desk::Desk& desk);
 
 using GraveList = desk::PagingList<ListedGrave, PlaceKey>;
 
+// The graves of the position's section, as walkSection gives them.
+GraveList::Source listedGraves();
+
 struct お墓一Form {
     desk::Combo frm21_block;
     desk::Grid frm21_tbl;

@@ -1,0 +1,144 @@
+// A page of the grave list beside the bare keyed selection of the same rows, and what place of the page and size of the
+// file cost. Makes its registers itself.
+//
+//     grave_list_bench [REGISTER]
+#include "compare.h"
+
+#include "graves/grave_list_rules.h"
+#include "store/database.h"
+
+#include <QCoreApplication>
+#include <QTemporaryDir>
+
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace {
+
+constexpr int sectionSize = 3000;
+constexpr int wholeFile = 32767;
+
+// Speaks to nobody: a page that has something to say is a failure.
+class SilentDesk : public desk::Desk {
+  public:
+    void notify(const QString& text, const QString&, desk::Icon) override {
+        throw std::runtime_error(text.toStdString());
+    }
+    bool ask(const QString&, const QString&) override { return false; }
+    QDate today() const override { return QDate(2026, 11, 22); }
+    void open(const QString&, desk::Opening, std::function<void()>) override {}
+    void close() override {}
+    std::unique_ptr<desk::Progress> progress(const QString&) override { return {}; }
+};
+
+QString lot(int number) {
+    return QStringLiteral("%1").arg(number, 4, 10, QChar(u'0'));
+}
+
+// Sections 0, 1, ... of 3,000 graves, written lot by lot across the sections as a cemetery grows.
+void makeRegister(const QString& path, int graves) {
+    store::createRegister(path);
+    store::Database database(path);
+    SQLite::Statement insert(
+        database.engine(),
+        "INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_dnk_no, tblhak_dnk_kbn, "
+        "tblhak_dnk_nameg, tblhak_dnk_namek, tblhak_bohyo_kbn, tblhak_bohyo_mei, tblhak_shiyo_stymd, "
+        "tblhak_shiyo_ryokin, tblhak_kanri_ryokin, tblhak_kanri_nxymd, tblhak_biko) VALUES "
+        "(?, ?, ?, ?, '檀家', '山田', 'ヤマダ', '家', '山田家之墓', '1998-04-01', 1200000, 12000, '2027-04-01', "
+        "'角地')");
+    const int sections = (graves + sectionSize - 1) / sectionSize;
+    store::Write write(database);
+    for (int i = 0; i < graves; ++i) {
+        insert.bind(1, i + 1);
+        insert.bind(2, "区" + std::to_string(i % sections));
+        insert.bind(3, lot(i / sections + 1).toStdString());
+        insert.bind(4, i % 3 ? i + 1 : 0);
+        insert.exec();
+        insert.reset();
+    }
+    write.commit();
+}
+
+void selectByHand(const std::string& path, const std::string& from) {
+    sqlite3* engine = nullptr;
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_open_v2(path.c_str(), &engine, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
+        sqlite3_prepare_v2(engine,
+                           "SELECT * FROM tbl_ohaka WHERE tblhak_banchi1 = ? AND tblhak_banchi2 >= ? "
+                           "ORDER BY tblhak_banchi2",
+                           -1, &statement, nullptr) != SQLITE_OK)
+        throw std::runtime_error("open");
+    sqlite3_bind_text(statement, 1, "区0", -1, SQLITE_STATIC);
+    sqlite3_bind_text(statement, 2, from.c_str(), -1, SQLITE_STATIC);
+    int rows = 0;
+    long long bytes = 0;
+    while (rows <= desk::pageRows && sqlite3_step(statement) == SQLITE_ROW) {
+        ++rows;
+        for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+            if (sqlite3_column_text(statement, column))
+                bytes += sqlite3_column_bytes(statement, column);
+        }
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(engine);
+    if (rows <= desk::pageRows || bytes == 0)
+        throw std::runtime_error("too few rows");
+}
+
+// One page of section 区0 from a lot on, without its dates in era form.
+void fillPage(const QString& from, desk::Desk& desk) {
+    static const desk::ListDescription<graves::ListedGrave, graves::PlaceKey> description{
+        .title = {}, .nothing = QStringLiteral("empty"), .columns = graves::graveColumns(), .key = graves::placeOf};
+    desk::Grid grid;
+    graves::GraveList list(description, {QStringLiteral("区0"), from});
+    list.fill(graves::listedGraves(), grid, desk);
+    if (list.rowCounter() != desk::pageRows + 1)
+        throw std::runtime_error("too few rows");
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication app(argc, argv);
+    try {
+        QTemporaryDir folder;
+        SilentDesk desk;
+        const QString file = folder.filePath(QStringLiteral("Hoshiren.mdb"));
+        const QString small = folder.filePath(QStringLiteral("small.mdb"));
+        makeRegister(file, wholeFile);
+        makeRegister(small, sectionSize);
+        store::Database::setRegisterPath(file);
+
+        const QString first = lot(1);
+        const QString last = lot(2900);
+        for (const QString& from : {first, last})
+            bench::compare(
+                from == first ? "grave list: first page of 3,000 in 32,767" : "grave list: page from lot 2,900", 2.0,
+                25, 40, [&] { fillPage(from, desk); }, [&] { selectByHand(file.toStdString(), from.toStdString()); });
+        bench::compare(
+            "grave list: a late page / the first one", 1.15, 25, 40, [&] { fillPage(last, desk); },
+            [&] { fillPage(first, desk); });
+        bench::compare(
+            "grave list: in a file of 32,767 / of 3,000", 1.15, 25, 40, [&] { fillPage(first, desk); },
+            [&] {
+                store::Database::setRegisterPath(small);
+                fillPage(first, desk);
+                store::Database::setRegisterPath(file);
+            });
+
+        std::vector<graves::ListedGrave> page(desk::pageRows);
+        for (auto& grave : page) {
+            grave.tblhak_shiyo_stymd = QDate(1998, 4, 1);
+            grave.tblhak_kanri_nxymd = QDate(2027, 4, 1);
+        }
+        bench::compare(
+            "grave list: the 60 era dates of a page / the page itself", 2.0, 25, 40,
+            [&] { graves::fillEraTexts(page, desk); }, [&] { fillPage(first, desk); });
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return 1;
+    }
+}
