@@ -10,7 +10,7 @@ fail() {
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlitecpp-dev libsqlite3-dev libgtest-dev)
 PROGRAM_PACKAGES=(qt6-translations-l10n fonts-noto-cjk)
 DISPLAY_PACKAGES=(xvfb)
-TEST_PACKAGES=(sqlite3 poppler-utils)
+TEST_PACKAGES=(sqlite3 poppler-utils desktop-file-utils appstream man-db)
 
 # Installs those of the named Debian packages that dpkg does not know as installed.
 install_missing() {

@@ -226,7 +226,8 @@ bool BulkReader::fill() {
         utf8_ = true;
         at_ = byteOrderMark.size();
     }
-    return at_ < block_.size();
+    // A block may hold nothing but the mark.
+    return at_ < block_.size() || (!block_.isEmpty() && fill());
 }
 
 // Decodes line_ into text_; what cannot be decoded becomes U+FFFD. A NUL is no text: files of other encodings have it.

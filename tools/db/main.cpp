@@ -125,6 +125,6 @@ int main(int argc, char** argv) {
         return 1;
     }
     if (status == usageStatus)
-        QTextStream(stderr) << usage;
+        QTextStream(stderr) << QStringView(usage);
     return status;
 }

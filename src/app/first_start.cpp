@@ -1,0 +1,36 @@
+#include "app/first_start.h"
+
+#include "store/database.h"
+#include "ui/message_box.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace app {
+
+bool offerRegister(const QString& folder) {
+    const QString title = u"Hoshiren"_s;
+    const QString path = QDir(folder).filePath(u"Hoshiren.mdb"_s);
+    const QString shownPath = QDir::toNativeSeparators(path);
+    if (QFileInfo::exists(path))
+        return true;
+    if (!ui::askQuestion(
+            nullptr,
+            u"登録簿がまだありません。\n\n%1\n\nここに空の登録簿を新しく作りますか？\n"
+            "控えから元に戻すときや、登録簿を別の場所に置いているときは「いいえ」を選んで下さい。"_s.arg(shownPath),
+            title))
+        return false;
+    try {
+        if (!QDir().mkpath(folder))
+            throw store::Error(0, u"フォルダ「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(
+                                      QDir::toNativeSeparators(folder)));
+        store::createRegister(path);
+    } catch (const std::exception& failure) {
+        ui::showMessage(nullptr, store::explain(failure), title, desk::Icon::exclamation);
+        return false;
+    }
+    return true;
+}
+
+} // namespace app
