@@ -127,7 +127,7 @@ bool writeNewHead(const 代替当Form& form, const desk::ScreenContext& context,
 }
 
 void publish(const 代替当Form& form, desk::ScreenContext& context) {
-    desk::HouseholdBlock household = context;
+    desk::HouseholdBlock household = static_cast<const desk::HouseholdBlock&>(context);
     household.dnk_nameg = form.frm01_dankag.text;
     household.dnk_namek = form.frm01_dankak.text;
     household.dnk_kbn = categoryText(form.frm01_dnkkbn1.chosen);

@@ -39,11 +39,12 @@ bool hasWholeLayout(Database& database, QStringList& faults) {
     fresh.exec(embedded_schema);
     const auto present = layoutOf(database.engine());
     bool whole = true;
-    for (const QString& name : layoutOf(fresh))
+    for (const QString& name : layoutOf(fresh)) {
         if (!present.contains(name)) {
             faults += u"%1 がありません。"_s.arg(name);
             whole = false;
         }
+    }
     return whole;
 }
 
