@@ -110,10 +110,13 @@ void GridView::show(const desk::Grid& grid) {
             twips.push_back(column.twips);
         setColumnTwips(twips);
     }
-    // A number must not lose its end; a shortened text shows as such and has its tooltip.
+    // A number must not lose its end, and a date or a name of up to ten characters is shown whole; a text that is longer
+    // shows as shortened and has its tooltip.
+    const int tenCharacters = fontMetrics().horizontalAdvance(u'国') * 10 + 8;
     for (int at = 0; at < model_->columnCount(); ++at) {
-        if (grid.columns[static_cast<std::size_t>(at)].align == desk::Align::right)
-            setColumnWidth(at, std::max(columnWidth(at), sizeHintForColumn(at) + 4));
+        const int needed = sizeHintForColumn(at) + 4;
+        const bool number = grid.columns[static_cast<std::size_t>(at)].align == desk::Align::right;
+        setColumnWidth(at, std::max(columnWidth(at), number ? needed : std::min(needed, tenCharacters)));
     }
     scrollToTop();
 }
