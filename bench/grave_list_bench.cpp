@@ -134,7 +134,7 @@ int main(int argc, char** argv) {
             grave.tblhak_kanri_nxymd = QDate(2027, 4, 1);
         }
         bench::compare(
-            "grave list: the 60 era dates of a page / the page itself", 2.0, 25, 40,
+            "grave list: the 60 era dates of a page / the page itself", 5.0, 25, 40,
             [&] { graves::fillEraTexts(page, desk); }, [&] { fillPage(first, desk); });
         return 0;
     } catch (const std::exception& failure) {

@@ -90,11 +90,7 @@ std::vector<desk::ListColumn<ListedGrave>> graveColumns() {
 
 void fillEraTexts(std::vector<ListedGrave>& page, desk::Desk& desk) {
     store::Database database;
-    const auto era = [&](QDate date) {
-        calendar::EraDate result;
-        西暦変換(database, date, result, desk);
-        return result.full;
-    };
+    const auto era = [&](QDate date) { return calendar::eraText(database, date, desk); };
     for (ListedGrave& grave : page) {
         grave.startEra = era(grave.tblhak_shiyo_stymd);
         grave.billingEra = era(grave.tblhak_kanri_nxymd);
