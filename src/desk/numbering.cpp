@@ -23,6 +23,7 @@ store::tbl_hatsuban counterOf(const QString& kind, std::int16_t number) {
 } // namespace
 
 const QString noNumberLeft = u"発番できる番号の上限に達しています"_s;
+const QString notCounted = u"発番の更新ができません。DBの整合性を確認して下さい"_s;
 
 bool Counter::find() {
     return rows_.seek(store::Seek::equal, firstKey, kind_);
@@ -67,12 +68,8 @@ std::optional<std::int16_t> ProposeNumber(store::Database& database, Desk& desk,
     return number;
 }
 
-bool CommitNumber(store::Database& database, Desk& desk, const QString& kind, std::int16_t number,
-                  const QString& title) {
-    if (Counter(database, kind).commit(number))
-        return true;
-    desk.notify(u"発番の更新ができません。DBの整合性を確認して下さい"_s, title);
-    return false;
+bool CommitNumber(store::Database& database, const QString& kind, std::int16_t number) {
+    return Counter(database, kind).commit(number);
 }
 
 } // namespace desk

@@ -11,6 +11,8 @@ namespace desk {
 
 // 発番できる番号の上限に達しています
 extern const QString noNumberLeft;
+// 発番の更新ができません。DBの整合性を確認して下さい
+extern const QString notCounted;
 
 // The counter of one kind on an open connection; a long run keeps one. Shows nothing.
 class Counter {
@@ -41,9 +43,8 @@ class Counter {
 std::optional<std::int16_t> ProposeNumber(store::Database& database, Desk& desk, const QString& kind,
                                           const QString& title);
 
-// Stores the number as the kind's last one issued. Shows a message under the title and stores nothing when the counter
-// row is gone; true when it was stored.
-bool CommitNumber(store::Database& database, Desk& desk, const QString& kind, std::int16_t number,
-                  const QString& title);
+// Stores the number as the kind's last one issued; false, with nothing stored, when the counter row is gone. It is part
+// of the write that stores the row, so the caller tells that (notCounted) after the commit, never inside.
+bool CommitNumber(store::Database& database, const QString& kind, std::int16_t number);
 
 } // namespace desk

@@ -262,8 +262,10 @@ void showEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& de
 }
 
 void takeGrave(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    store::Database database;
     const auto& list = form.frm11_haka_abohyo;
+    if (list.current < 0)
+        return;
+    store::Database database;
     const auto grave = store::find(database, store::idxhak_no, list.keys.at(static_cast<std::size_t>(list.current)));
     if (!grave || grave->tblhak_dnk_no != context.dnk_no1 || grave->tblhak_bohyo_mei != list.currentText()) {
         desk.notify(u"お墓の情報が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);

@@ -25,7 +25,7 @@ void addHousehold(ui::Layout& layout, HouseholdBoxes& form) {
         .shown(HOSHIREN_CONTROL(form, frm12_yubinno), 6)
         .row(u"住所1"_s)
         .shown(HOSHIREN_CONTROL(form, frm12_jyusho1), 26)
-        .row(u"住所2"_s)
+        .row()
         .shown(HOSHIREN_CONTROL(form, frm12_jyusho2), 26)
         .row(u"備考"_s)
         .shown(HOSHIREN_CONTROL(form, frm12_bikou), 26);
@@ -60,14 +60,14 @@ std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
     auto& form = screen->form();
     const ui::Operation next = screen->run(nextDeathPage);
     const ui::Operation previous = screen->run(previousDeathPage);
-    const ui::Operation open = screen->run(showDeceased);
+    const ui::Operation open = screen->run(showMemorialsOfDeceased);
     ui::Layout layout(*screen);
     addHousehold(layout, form);
     layout.frame().row().grid(
         HOSHIREN_CONTROL(form, frm21_tbl),
         {.clicked = screen->run(pickDeceased), .opened = open, .nextPage = next, .previousPage = previous}, 12);
-    layout.mainAction(u"個別照会"_s, u"個別法要"_s, screen->run(showMemorialsOfDeceased))
-        .action(u"故人照会"_s, u"故人照会"_s, open)
+    layout.mainAction(u"個別照会"_s, u"個別法要"_s, open)
+        .action(u"故人照会"_s, u"故人照会"_s, screen->run(showDeceased))
         .gap()
         .action(u"前ページ"_s, u"前ページ"_s, previous)
         .action(u"後ページ"_s, u"後ページ"_s, next)

@@ -20,11 +20,11 @@ std::unique_ptr<ui::Screen> お墓一(ui::Workplace& workplace) {
     layout.frame().row().grid(
         HOSHIREN_CONTROL(form, frm21_tbl),
         {.clicked = screen->run(clickRow), .opened = open, .nextPage = next, .previousPage = previous});
-    layout.action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
-        .gap()
-        .mainAction(u"お墓"_s, u"お墓情報"_s, open)
+    layout.mainAction(u"お墓"_s, u"お墓情報"_s, open)
         .action(u"檀家"_s, u"檀家情報"_s, screen->run(openHousehold))
+        .gap()
+        .action(u"前ページ"_s, u"前ページ"_s, previous)
+        .action(u"後ページ"_s, u"後ページ"_s, next)
         .closing();
     screen->onOpen(screen->run(openGraveList));
     return screen;

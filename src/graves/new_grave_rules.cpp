@@ -89,6 +89,7 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
         return;
 
     bool taken = false;
+    bool counted = false;
     {
         store::Database database;
         store::Write write(database);
@@ -101,7 +102,7 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
             row.tblhak_bohyo_kbn = kindChosen(form);
             row.tblhak_add_ymd = desk.today();
             store::Table(database, store::idxhak_no).insert(row);
-            desk::CommitNumber(database, desk, numberKind, number, numberingTitle);
+            counted = desk::CommitNumber(database, numberKind, number);
             write.commit();
         }
     }
@@ -111,6 +112,8 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
     }
     form.inHand = number;
     desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
+    if (!counted)
+        desk.notify(desk::notCounted, numberingTitle);
 }
 
 void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {

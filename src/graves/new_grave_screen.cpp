@@ -12,7 +12,7 @@ std::unique_ptr<ui::Screen> お墓新(ui::Workplace& workplace) {
                                                                u"お墓 新規登録"_s, ui::Keeps{.grave = true});
     auto& form = screen->form();
     ui::Layout layout(*screen);
-    layout.frame().row(u"檀家名"_s).text(HOSHIREN_CONTROL(form, frm13_dnknameg), 10);
+    layout.frame().row(u"檀家名"_s).shown(HOSHIREN_CONTROL(form, frm13_dnknameg), 10);
     addGraveFields(layout, *screen, form,
                    {{HOSHIREN_CONTROL(form, frm13_haka2), u"家"_s},
                     {HOSHIREN_CONTROL(form, frm13_haka1), u"故人名"_s},

@@ -29,10 +29,10 @@ template <class Form> void addPage(ui::Layout& layout, PickerScreen<Form>& scree
     layout.frame().row().grid(
         HOSHIREN_CONTROL(form, frm21_tbl),
         {.clicked = screen.run(clickRow), .opened = take, .nextPage = next, .previousPage = previous});
-    layout.action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
+    layout.mainAction(u"紐付け"_s, u"紐付け"_s, take)
         .gap()
-        .mainAction(u"紐付け"_s, u"紐付け"_s, take)
+        .action(u"前ページ"_s, u"前ページ"_s, previous)
+        .action(u"後ページ"_s, u"後ページ"_s, next)
         .closing();
     screen.onOpen(screen.run(openPicker));
 }

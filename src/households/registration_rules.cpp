@@ -23,8 +23,12 @@ struct Numbers {
 };
 
 std::optional<Numbers> numbersOf(const 檀家登Form& form) {
-    const auto no1 = values::readInt16(form.frm01_no.text);
-    const auto no2 = values::readInt16(form.frm01_eno.text);
+    const auto number = [](const QString& text) {
+        // A number that names a household is never rounded.
+        return text.contains(u'.') || text.contains(u'．') ? std::nullopt : values::readInt16(text);
+    };
+    const auto no1 = number(form.frm01_no.text);
+    const auto no2 = number(form.frm01_eno.text);
     if (!no1 || !no2)
         return {};
     return Numbers{*no1, *no2};
@@ -48,6 +52,9 @@ void listGraves(store::Database& database, 檀家登Form& form, std::int16_t hou
     for (desk::List* list :
          {&form.frm01_haka_no, &form.frm01_haka_banchi, &form.frm01_haka_banchi2, &form.frm01_haka_bohyo})
         list->clear();
+    // Graves without a household bear the number 0, too.
+    if (household == 0)
+        return;
     store::Selection<store::tbl_ohaka> graves(
         database, "WHERE tbl_ohaka.tblhak_dnk_no = ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC", household);
     while (graves.next()) {
@@ -209,6 +216,7 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
 
     // Row, district and counter belong together: a number stored but not counted would be proposed for ever.
     bool taken = false;
+    bool counted = false;
     {
         store::Write write(database);
         store::Table households(database, store::idxdnk_no);
@@ -223,7 +231,7 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
             row.tbldnk_addymd = desk.today();
             households.insert(row);
             masters::MST設定(database, masters::Category::地区, form.frm01_地区.text);
-            desk::CommitNumber(database, desk, kind, *number, title);
+            counted = desk::CommitNumber(database, kind, *number);
             write.commit();
         }
     }
@@ -231,6 +239,8 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
         desk.notify(u"指定された檀家番号は既に登録されています"_s, title);
         return;
     }
+    if (!counted)
+        desk.notify(desk::notCounted, title);
     form.shownNo1 = context.dnk_no1;
     form.shownNo2 = context.dnk_no2;
     listGraves(database, form, context.dnk_no1);
@@ -238,9 +248,10 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
 }
 
 void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk, context.dnk_no1, context.dnk_no2) || !checked(form, desk) ||
+    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2) || !checked(form, desk) ||
         !desk.ask(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, title))
         return;
+    publishNumbers(context, {form.shownNo1, form.shownNo2});
     store::Database database;
     bool found = false;
     {
@@ -262,9 +273,10 @@ void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::De
 }
 
 void DeleteHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk, context.dnk_no1, context.dnk_no2) ||
+    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2) ||
         !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title))
         return;
+    publishNumbers(context, {form.shownNo1, form.shownNo2});
     bool found = false;
     {
         store::Database database;

@@ -4,6 +4,8 @@
 #include "store/table.h"
 #include "values/numbers.h"
 
+#include <limits>
+
 using namespace Qt::StringLiterals;
 
 namespace masters {
@@ -39,6 +41,7 @@ void fillGrid(store::Database& database, マスター登Form& form) {
                              {u"名称"_s, 3000}};
     form.マスタ一.blankRows = 12;
     form.マスタ一.rows.clear();
+    form.マスタ一.highlighted = 0;
     walk(database, chosen(form), [&](const store::マスタ& row) {
         form.マスタ一.rows.push_back(
             {QString::number(row.マ_区分), QString::number(row.マ_NO), row.マ_略称, row.マ_名称});
@@ -66,7 +69,8 @@ void MST設定(store::Database& database, Category category, const QString& text
         known = row.マ_名称 == text || row.マ_略称 == text;
         return !known;
     });
-    if (known)
+    // Behind the last number there is none: the word is stored in its record and stays out of the list.
+    if (known || last == std::numeric_limits<std::int16_t>::max())
         return;
     store::Table entries(database, store::key_マスタ);
     entries.insert({number(category), static_cast<std::int16_t>(last + 1), text, text});
@@ -80,25 +84,28 @@ void openMasters(マスター登Form& form, desk::ScreenContext& context, desk::
 void chooseCategory(マスター登Form& form, desk::ScreenContext&, desk::Desk&) {
     for (desk::Text* box : {&form.登録NO, &form.登録名称, &form.登録略称})
         box->text.clear();
+    form.マスタ一.rows.clear();
     store::Database database;
     fillGrid(database, form);
 }
 
 void pickEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    const QString no = form.マスタ一.cell(form.マスタ一.clickedRow, 1);
+    const int clicked = form.マスタ一.clickedRow;
+    const QString no = form.マスタ一.cell(clicked, 1);
     if (no.isEmpty()) {
         desk.notify(u"指示位置が有効範囲外です。"_s, title);
         return;
     }
     store::Database database;
-    store::Table entries(database, store::key_マスタ);
-    if (!entries.seek(store::Seek::equal, number(chosen(form)), no.toInt())) {
+    const auto entry = store::find(database, store::key_マスタ, form.マスタ一.cell(clicked, 0).toInt(), no.toInt());
+    if (!entry) {
         desk.notify(u"指定された名称は登録されていません。"_s, title);
         return;
     }
-    form.登録NO.text = QString::number(entries.row().マ_NO);
-    form.登録名称.text = entries.row().マ_名称;
-    form.登録略称.text = entries.row().マ_略称;
+    form.マスタ一.highlighted = clicked;
+    form.登録NO.text = QString::number(entry->マ_NO);
+    form.登録名称.text = entry->マ_名称;
+    form.登録略称.text = entry->マ_略称;
 }
 
 void saveEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -110,12 +117,10 @@ void saveEntry(マスター登Form& form, desk::ScreenContext& context, desk::De
     if (attempt.reported(desk, title) || !desk.ask(u"入力内容で更新します。"_s, title))
         return;
     store::Database database;
-    store::Table entries(database, store::key_マスタ);
     const store::マスタ row{number(chosen(form)), *no, form.登録名称.text, form.登録略称.text};
-    if (entries.seek(store::Seek::equal, row.マ_区分, row.マ_NO))
-        entries.edit(row);
-    else
-        entries.insert(row);
+    if (!store::change(
+            database, store::key_マスタ, [&row](store::マスタ& stored) { stored = row; }, row.マ_区分, row.マ_NO))
+        store::Table(database, store::key_マスタ).insert(row);
     desk.notify(u"名称は更新(登録)されました。"_s, title);
     fillGrid(database, form);
 }
@@ -125,12 +130,10 @@ void deleteEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& de
         return;
     const auto no = values::readInt16(form.登録NO.text);
     store::Database database;
-    store::Table entries(database, store::key_マスタ);
-    if (!no || !entries.seek(store::Seek::equal, number(chosen(form)), *no)) {
+    if (!no || !store::remove(database, store::key_マスタ, number(chosen(form)), *no)) {
         desk.notify(u"指定された名称は登録されていません。"_s, title);
         return;
     }
-    entries.remove();
     desk.notify(u"表示内容は削除されました。"_s, title);
     fillGrid(database, form);
 }

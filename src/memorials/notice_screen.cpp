@@ -21,6 +21,7 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
         .onLeave(screen->run(leaveNoticesTo));
     layout.last()->setAccessibleName(u"検索終了日"_s);
     layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickNotice),
+                                                                  .opened = screen->run(openNoticeDeceased),
                                                                   .nextPage = screen->run(nextNotices),
                                                                   .previousPage = screen->run(previousNotices)});
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showNotices))

@@ -19,6 +19,7 @@ std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
         .onLeave(screen->run(leaveReservationsTo));
     layout.last()->setAccessibleName(u"検索終了日"_s);
     layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickReservation),
+                                                                  .opened = screen->run(openReservationDeceased),
                                                                   .nextPage = screen->run(nextReservations),
                                                                   .previousPage = screen->run(previousReservations)});
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showReservations))

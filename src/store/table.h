@@ -114,6 +114,9 @@ template <class Row, class... Keys> class Table {
         found_ = seekForward(given...);
         if (found_ && how == Seek::equal)
             found_ = bears(std::index_sequence_for<Given...>(), given...);
+        // Positioned nowhere, it holds no lock.
+        if (!found_)
+            release();
         return found_;
     }
 

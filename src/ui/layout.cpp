@@ -20,6 +20,8 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace ui {
@@ -42,7 +44,8 @@ QWidget* frameWidget(const QString& name, const QString& title) {
     return frame;
 }
 
-// A list box that takes Enter as a click on its current line. A line that only has the keyboard is not chosen.
+// A list box whose lines are chosen by a click, by Enter and by moving the choice with the keys alike, so that the line
+// shown as chosen is always the one whose record the boxes hold. A line that only has the keyboard is not chosen.
 class ListBox : public QListWidget {
   public:
     using QListWidget::QListWidget;
@@ -57,10 +60,14 @@ class ListBox : public QListWidget {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-        if (enter && chosen && currentRow() >= 0)
+        if (enter && chosen && currentRow() >= 0) {
             choose();
-        else
-            QListWidget::keyPressEvent(event);
+            return;
+        }
+        const int before = chosenRow();
+        QListWidget::keyPressEvent(event);
+        if (chosen && chosenRow() >= 0 && chosenRow() != before)
+            chosen();
     }
 };
 
@@ -146,6 +153,7 @@ Layout& Layout::row(const QString& text, const QString& labelName) {
         frame();
     const int at = rows_->rowCount();
     label_ = new QLabel(text);
+    spoken_ = text;
     label_->setObjectName(labelName);
     label_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     rows_->addWidget(label_, at, 0, Qt::AlignTop);
@@ -172,17 +180,16 @@ void Layout::place(QWidget* widget, int stretch) {
 }
 
 void Layout::label(QWidget* widget) {
-    if (!label_ || label_->text().isEmpty())
-        return;
     if (widget->accessibleName().isEmpty())
-        widget->setAccessibleName(label_->text());
-    if (!label_->buddy())
+        widget->setAccessibleName(std::exchange(spoken_, {}));
+    if (label_ && !label_->text().isEmpty() && !label_->buddy())
         label_->setBuddy(widget);
 }
 
 Layout& Layout::note(const QString& text, const QString& name) {
     auto* note = new QLabel(text);
     note->setObjectName(name);
+    spoken_ = text;
     place(note);
     return *this;
 }

@@ -110,6 +110,7 @@ class Layout {
     QGridLayout* rows_ = nullptr;
     QHBoxLayout* items_ = nullptr;
     QLabel* label_ = nullptr;
+    QString spoken_; // accessible name of the next control: the text before it
     QWidget* bar_;
     FlowLayout* buttons_;
     QWidget* last_ = nullptr;

@@ -288,7 +288,9 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
         if (key != Qt::Key_Return && key != Qt::Key_Enter)
             break;
         if (auto* button = qobject_cast<QAbstractButton*>(watched)) {
-            button->click();
+            // A key held down presses once: it must not run through the questions that follow.
+            if (!static_cast<QKeyEvent*>(event)->isAutoRepeat())
+                button->click();
             return true;
         }
         if (qobject_cast<QAbstractItemView*>(watched) || composing(watched))

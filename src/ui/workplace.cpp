@@ -59,7 +59,11 @@ void Workplace::closed(Screen* screen) {
     const QString name = screen->objectName();
     open_.remove(name);
     screen->deleteLater();
-    for (const Waiting& waiting : waiting_.take(name)) {
+    const auto waitingOpeners = waiting_.take(name);
+    // What an opener says next stands over the opener, not behind the screen that has gone.
+    if (!waitingOpeners.empty())
+        screen->hide();
+    for (const Waiting& waiting : waitingOpeners) {
         if (waiting.opener && waiting.closed)
             waiting.opener->operate(waiting.closed);
     }
