@@ -24,9 +24,9 @@ bool refusedIf(bool wrong, const QString& message, const QString& title, desk::D
 namespace {
 
 constexpr int fieldCount = 17;
-// Records that share one commit. A commit of its own for each takes four times as long as everything else; nothing is
-// counted as stored before its commit.
-constexpr int recordsPerCommit = 32;
+// Records that share one commit. Commits of their own would take longer than all the rest; nothing is counted as stored
+// before its commit.
+constexpr int recordsPerCommit = 16;
 
 class Run {
   public:
