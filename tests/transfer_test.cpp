@@ -329,6 +329,10 @@ TEST_F(Transfer, TheLastNumbers) {
     importHouseholds(automatic);
     EXPECT_EQ(query(u"SELECT tbldnk_no1 FROM tbl_danka"_s), u"32767"_s);
     EXPECT_EQ(errorFile(16).filter(u"発番できる番号の上限に達しています"_s).size(), 1);
+    // No table is emptied for records that no number is left for.
+    desk.expect(u"発番できる番号の上限に達しています"_s, householdTitle);
+    EXPECT_FALSE(importHouseholds(automatic));
+    EXPECT_EQ(query(u"SELECT tbldnk_no1 FROM tbl_danka"_s), u"32767"_s);
     put(u"in.csv"_s, lines({with(goodGrave, {}), with(goodGrave, {{2, u"2"_s}})}));
     desk.expect(u"お墓登録 2 件中 1 がエラーで登録されませんでした"_s, graveTitle);
     importGraves(transfer::GraveImportMode::update);
@@ -447,7 +451,6 @@ TEST_F(Transfer, NothingIsTouchedBeforeYes) {
     EXPECT_FALSE(transfer::ImportHouseholds(input, path(u"./in.csv"_s), automatic, desk));
     // A register that cannot be used leaves the error file.
     QFile::rename(path(u"Hoshiren.mdb"_s), path(u"away"_s));
-    desk.answer(householdQuestion, householdTitle, true);
     EXPECT_THROW(importHouseholds(automatic), store::Error);
     EXPECT_EQ(get(u"err.csv"_s), "old");
     QFile::rename(path(u"away"_s), path(u"Hoshiren.mdb"_s));

@@ -86,6 +86,12 @@ QString report(const ImportJob& job, const ImportCounts& counts) {
     return job.subject + u"%1 件を登録しました"_s.arg(counts.read);
 }
 
+// A table must not be emptied for records that no number can be issued to.
+bool numberLeft(const QString& kind) {
+    store::Database database;
+    return desk::Counter(database, kind).propose().has_value();
+}
+
 } // namespace
 
 std::optional<std::int16_t> ImportCounter::next() {
@@ -114,6 +120,10 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
     openInput(input);
     ErrorFile errors(job.errors);
     errors.check();
+    if (!job.emptyingTable.empty() && !numberLeft(job.kind)) {
+        desk.notify(desk::noNumberLeft, job.title);
+        return {};
+    }
     if (!job.question.isEmpty() && !desk.ask(job.question, job.title))
         return {};
     if (!job.emptyingTable.empty() && !desk::copyBefore(desk, job.title))

@@ -62,15 +62,17 @@ struct ImportJob {
     std::function<std::unique_ptr<ImportTarget>(store::Database&)> open;
     QString question = {};          // asked before the table is emptied; empty: it is not
     std::string emptyingTable = {}; // SQL
+    QString kind = {};              // of the numbers issued after emptying
 };
 
 // Runs the import and reports it under the title. Records are read, checked and stored one after the other; a rejected
 // one goes to the error file at once. What the progress counts as stored is stored: neither a cancel nor the end of the
 // process takes it back, and what is stored is always the beginning of the accepted records.
 // Before a table is emptied the register is copied (desk::copyBefore).
-// Nothing on No, and, with a message, when input, error file and register are not different files. Throws store::Error
-// when a file cannot be used or the register fails: where that happens before the first record, the files and the table
-// are as they were; later, the message says how many records were stored.
+// Nothing on No, and, with a message, when no number is left to issue after emptying or when input, error file and
+// register are not different files. Throws store::Error when a file cannot be used or the register fails: where that
+// happens before the first record, the files and the table are as they were; later, the message says how many records
+// were stored.
 std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk);
 
 } // namespace transfer

@@ -73,6 +73,7 @@ std::optional<ImportCounts> ImportGraves(const QString& input, const QString& er
     if (mode == GraveImportMode::afterEmptying) {
         job.question = u"入力お墓番号は無視し、登録前に一旦全件削除します"_s;
         job.emptyingTable = "DELETE FROM tbl_ohaka";
+        job.kind = u"お墓"_s;
     }
     return importRecords(job, desk);
 }

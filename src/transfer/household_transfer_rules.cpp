@@ -67,6 +67,7 @@ std::optional<ImportCounts> ImportHouseholds(const QString& input, const QString
     if (!options.numbered) {
         job.question = u"入力檀家番号は無視し、登録前に一旦全件削除します"_s;
         job.emptyingTable = "DELETE FROM tbl_danka";
+        job.kind = u"檀家"_s;
     }
     return importRecords(job, desk);
 }
