@@ -1,9 +1,9 @@
 #include "sample/sample_register.h"
 #include "store/consistency.h"
+#include "support/database_tool.h"
 #include "support/register_fixture.h"
 
 #include <QFile>
-#include <QProcess>
 
 using namespace Qt::StringLiterals;
 
@@ -17,14 +17,8 @@ class Consistency : public RegisterFixture {
         store::findFaults(database, found);
         return found;
     }
-    // Runs the database tool; its exit status and all that it printed.
     std::pair<int, QString> tool(const QStringList& arguments) const {
-        QProcess process;
-        process.setWorkingDirectory(directory.path());
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(QStringLiteral(HOSHIREN_DB), arguments);
-        EXPECT_TRUE(process.waitForFinished());
-        return {process.exitCode(), QString::fromUtf8(process.readAll())};
+        return runDatabaseTool(directory.path(), arguments);
     }
     // Rows that agree with one another, for the cases to break.
     void fill() {

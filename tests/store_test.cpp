@@ -174,7 +174,7 @@ TEST_F(Store, SaysWhatIsWrongWithTheFile) {
 
     const std::pair<QByteArray, QString> cases[] = {
         {QByteArray(), u"空です"_s},
-        {QByteArray("\0\1\0\0Standard Jet DB\0", 20) + QByteArray(4096, 'x'), u"Jet"_s},
+        {QByteArray("\0\1\0\0Standard Jet DB\0", 20) + QByteArray(4096, 'x'), u"hoshiren-db convert"_s},
         {QByteArray(4096, 'x'), u"形式が違います"_s},
         {bytes.left(bytes.size() / 2), u"壊れています"_s},
     };

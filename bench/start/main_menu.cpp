@@ -1,5 +1,7 @@
-// The program's start up to the painted main menu, then its end.
+// The program's start up to the painted main menu, then its end. --without-copy: without the day's copy of the
+// register.
 #include "app/application.h"
+#include "app/daily_copy.h"
 #include "app/screens.h"
 #include "quit_when_painted.h"
 #include "store/database.h"
@@ -11,5 +13,8 @@ int main(int argc, char** argv) {
     ui::Workplace workplace(app::screens());
     workplace.open(QStringLiteral("メニュー"));
     new QuitWhenPainted(*workplace.find(QStringLiteral("メニュー")));
+    std::optional<app::DailyCopy> copy;
+    if (!QApplication::arguments().contains(QStringLiteral("--without-copy")))
+        copy.emplace(workplace);
     return QApplication::exec();
 }

@@ -117,7 +117,7 @@ void settle(const QString& path) {
         database.engine().exec("BEGIN EXCLUSIVE");
         database.engine().exec("ROLLBACK");
     } catch (const SQLite::Exception& failure) {
-        if (failure.getErrorCode() == SQLITE_BUSY)
+        if ((failure.getErrorCode() & 0xff) == SQLITE_BUSY)
             throw Error(SQLITE_BUSY, explain(failure));
     } catch (const Error& failure) {
         if ((failure.code() & 0xff) == SQLITE_BUSY)

@@ -27,6 +27,9 @@ QString withEngineWords(const QString& sentence, int code, const QString& words)
 QString sentenceFor(int code) {
     if (code == SQLITE_IOERR_WRITE || code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_TRUNCATE)
         return u"登録簿ファイルに書き込めませんでした。今の処理は行われていません。ディスクの空き容量とファイルの大きさの制限を確認して、やり直して下さい。"_s;
+    // The index of a write-ahead log finds no room.
+    if (code == SQLITE_IOERR_SHMSIZE)
+        code = SQLITE_FULL;
     switch (code & 0xff) {
     case SQLITE_CANTOPEN:
         return u"登録簿ファイルを開けません。ファイルがあるか、読み書きできるかを確認して下さい。"_s;
@@ -70,8 +73,8 @@ void refuseForeignFile(const QString& path) {
     if (file.open(QIODevice::ReadOnly) && file.read(19).mid(4) == "Standard Jet DB")
         throw Error(
             SQLITE_NOTADB,
-            u"登録簿ファイル「%1」は以前の形式（Jet データベース）です。このプログラムでは開けません。このファイルを別の名前で保管し、新しい形式の登録簿に移してから起動して下さい。"_s
-                .arg(QDir::toNativeSeparators(path)));
+            u"登録簿ファイル「%1」は以前の形式（Jet データベース）です。このプログラムでは開けません。端末で「hoshiren-db convert %2」を実行して新しい形式の登録簿を作り、表示された手順で置き換えてから起動して下さい。"_s
+                .arg(QDir::toNativeSeparators(path), info.fileName()));
 }
 
 int pragma(SQLite::Database& engine, const char* name) {

@@ -15,16 +15,18 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int usageStatus = 2;
-constexpr auto usage = u"使い方:\n"
-                       u"  hoshiren-db create ファイル    新しい登録簿を作ります\n"
-                       u"  hoshiren-db check ファイル     登録簿に損傷や矛盾がないかを調べます\n"
-                       u"  hoshiren-db info ファイル      登録簿の内容の概要を示します\n"
-                       u"今の場所にある登録簿 Hoshiren.mdb について:\n"
-                       u"  hoshiren-db backup             控えを作ります\n"
-                       u"  hoshiren-db list               控えの一覧を示します\n"
-                       u"  hoshiren-db restore ファイル   登録簿を控えに戻します。今の登録簿も残します\n"
-                       u"  hoshiren-db names              檀家名の写しが檀家と異なる行を示します\n"
-                       u"  hoshiren-db names --write      控えを作り、檀家名の写しを檀家に合わせます\n";
+constexpr auto usage =
+    u"使い方:\n"
+    u"  hoshiren-db create ファイル    新しい登録簿を作ります\n"
+    u"  hoshiren-db check ファイル     登録簿に損傷や矛盾がないかを調べます\n"
+    u"  hoshiren-db info ファイル      登録簿の内容の概要を示します\n"
+    u"  hoshiren-db convert ファイル   以前の形式（Jet データベース）から新しい登録簿を隣に作ります\n"
+    u"今の場所にある登録簿 Hoshiren.mdb について:\n"
+    u"  hoshiren-db backup             控えを作ります\n"
+    u"  hoshiren-db list               控えの一覧を示します\n"
+    u"  hoshiren-db restore ファイル   登録簿を控えに戻します。今の登録簿も残します\n"
+    u"  hoshiren-db names              檀家名の写しが檀家と異なる行を示します\n"
+    u"  hoshiren-db names --write      控えを作り、檀家名の写しを檀家に合わせます\n";
 
 int create(const QString& path) {
     store::createRegister(path);
@@ -93,6 +95,16 @@ int info(const QString& path) {
     return 0;
 }
 
+#ifndef HOSHIREN_READS_JET
+} // namespace
+
+int convertRegister(const QString&) {
+    throw store::Error(0, u"このプログラムは以前の形式（Jet データベース）を読めるように作られていません。"_s);
+}
+
+namespace {
+#endif
+
 struct Command {
     QString name;
     int arguments;
@@ -103,6 +115,7 @@ const Command commands[] = {
     {u"create"_s, 1, create},
     {u"check"_s, 1, check},
     {u"info"_s, 1, info},
+    {u"convert"_s, 1, convertRegister},
     {u"backup"_s, 0, [](const QString&) { return backUp(); }},
     {u"list"_s, 0, [](const QString&) { return listBackups(); }},
     {u"restore"_s, 1, restoreRegister},
