@@ -61,11 +61,21 @@ Reference referenceAt(QStringView text) {
 }
 
 void readReferencesBack(QString& field) {
-    for (qsizetype at = field.indexOf("&#"_L1); at >= 0; at = field.indexOf("&#"_L1, at)) {
-        const Reference reference = referenceAt(QStringView(field).sliced(at));
-        if (reference.length > 0)
-            field.replace(at, reference.length, QString::fromUcs4(&reference.character, 1));
-        at += reference.length > 0 && QChar::requiresSurrogates(reference.character) ? 2 : 1;
+    const QStringView written = field;
+    QString read;
+    qsizetype taken = 0;
+    for (qsizetype at = 0; (at = written.indexOf("&#"_L1, at)) >= 0;) {
+        const Reference reference = referenceAt(written.sliced(at));
+        if (reference.length > 0) {
+            read += written.sliced(taken, at - taken);
+            read += QStringView(QChar::fromUcs4(reference.character));
+            taken = at + reference.length;
+        }
+        at += std::max<qsizetype>(reference.length, 1);
+    }
+    if (taken > 0) {
+        read += written.sliced(taken);
+        field = read;
     }
 }
 
