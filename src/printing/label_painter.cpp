@@ -243,10 +243,9 @@ class PreviewWindow : public PaintedPrinter {
 
 } // namespace
 
-std::unique_ptr<LabelPrinter> defaultPrinter() {
+std::unique_ptr<LabelPrinter> defaultPrinter(QDate today) {
     if (QPrinterInfo::defaultPrinter().isNull())
-        return pdfFile(QFileInfo(store::Database::registerPath()).path(),
-                       u"宛名_"_s + QDateTime::currentDateTime().toString(u"yyyyMMdd_HHmmss"_s));
+        return pdfFile(QFileInfo(store::Database::registerPath()).path(), u"宛名_"_s + today.toString(u"yyyyMMdd"_s));
     return std::make_unique<PrinterJob>();
 }
 
