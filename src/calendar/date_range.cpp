@@ -1,6 +1,8 @@
 #include "calendar/date_range.h"
 
 #include "calendar/eras.h"
+#include "store/database.h"
+#include "values/dates.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,14 +22,19 @@ std::optional<QDate> check(std::optional<QDate> date, desk::Text& box, const QSt
 
 } // namespace
 
-std::optional<QDate> checkRangeStart(store::Database& database, desk::Text& box, const QString& title,
-                                     desk::Desk& desk) {
-    return check(readDate(database, box.text), box, u"検索開始日ｴﾗｰです開始日を再度入力して下さい"_s, title, desk);
+std::optional<QDate> rangeDate(const desk::Text& box) {
+    if (const auto western = values::readDate(box.text))
+        return western;
+    store::Database database;
+    return readDate(database, box.text);
 }
 
-std::optional<QDate> checkRangeEnd(store::Database& database, desk::Text& box, QDate start, const QString& title,
-                                   desk::Desk& desk) {
-    auto date = readDate(database, box.text);
+std::optional<QDate> checkRangeStart(desk::Text& box, const QString& title, desk::Desk& desk) {
+    return check(rangeDate(box), box, u"検索開始日ｴﾗｰです開始日を再度入力して下さい"_s, title, desk);
+}
+
+std::optional<QDate> checkRangeEnd(desk::Text& box, QDate start, const QString& title, desk::Desk& desk) {
+    auto date = rangeDate(box);
     if (date && *date < start)
         date.reset();
     return check(date, box, u"検索終了日ｴﾗｰです終了を再度入力して下さい"_s, title, desk);

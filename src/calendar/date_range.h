@@ -2,7 +2,6 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
-#include "store/database.h"
 
 #include <QDate>
 #include <QString>
@@ -13,11 +12,12 @@
 // and is told under the title; nothing is given then.
 namespace calendar {
 
-std::optional<QDate> checkRangeStart(store::Database& database, desk::Text& box, const QString& title,
-                                     desk::Desk& desk);
+// The date typed into a range box; nothing when it is none. Opens the register where the era table is needed.
+std::optional<QDate> rangeDate(const desk::Text& box);
+
+std::optional<QDate> checkRangeStart(desk::Text& box, const QString& title, desk::Desk& desk);
 
 // The end must not be before the start.
-std::optional<QDate> checkRangeEnd(store::Database& database, desk::Text& box, QDate start, const QString& title,
-                                   desk::Desk& desk);
+std::optional<QDate> checkRangeEnd(desk::Text& box, QDate start, const QString& title, desk::Desk& desk);
 
 } // namespace calendar

@@ -27,6 +27,13 @@ std::optional<int> firstYearOf(store::Database& database, const QString& era) {
     return eras.row().tblnen_snen;
 }
 
+EraDate inEra(const store::tbl_nengo& era, QDate date) {
+    if (era.tblnen_nengo.isEmpty())
+        return {};
+    const QString year = QString::number(date.year() - era.tblnen_snen + 1);
+    return {u"%1%2年%3月%4日"_s.arg(era.tblnen_nengo, year).arg(date.month()).arg(date.day()), era.tblnen_nengo, year};
+}
+
 } // namespace
 
 std::optional<EraOfYear> eraOfYear(store::Database& database, int year) {
@@ -42,14 +49,7 @@ std::optional<EraOfYear> eraOfYear(store::Database& database, int year) {
 
 std::optional<EraDate> eraDate(store::Database& database, QDate date) {
     const auto found = date.isValid() ? eraOfYear(database, date.year()) : std::nullopt;
-    if (!found)
-        return {};
-    const auto& era = found->era;
-    if (era.tblnen_nengo.isEmpty())
-        return EraDate();
-    const QString year = QString::number(date.year() - era.tblnen_snen + 1);
-    return EraDate{u"%1%2年%3月%4日"_s.arg(era.tblnen_nengo, year).arg(date.month()).arg(date.day()), era.tblnen_nengo,
-                   year};
+    return found ? std::optional(inEra(found->era, date)) : std::nullopt;
 }
 
 void 西暦変換(store::Database& database, QDate date, EraDate& result, desk::Desk& desk) {
@@ -67,6 +67,16 @@ QString eraText(store::Database& database, QDate date, desk::Desk& desk) {
     EraDate era;
     西暦変換(database, date, era, desk);
     return era.full;
+}
+
+QString EraTexts::of(QDate date) {
+    if (!date.isValid())
+        return {};
+    auto known = eras_.find(date.year());
+    if (known == eras_.end())
+        known = eras_.emplace(date.year(), eraOfYear(database_, date.year())).first;
+    // Without an era it is told of every date.
+    return known->second ? inEra(known->second->era, date).full : eraText(database_, date, desk_);
 }
 
 QString 元号変換(store::Database& database, const QString& era, const QString& year, std::int16_t& error,

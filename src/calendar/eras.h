@@ -10,6 +10,7 @@
 #include <QStringView>
 
 #include <cstdint>
+#include <map>
 #include <optional>
 
 // The era table and what it converts. Conversions go by year alone: a change-over year belongs wholly to the newer era.
@@ -40,6 +41,18 @@ void 西暦変換(store::Database& database, QDate date, EraDate& result, desk::
 
 // The full era text of 西暦変換; empty where there is none.
 QString eraText(store::Database& database, QDate date, desk::Desk& desk);
+
+// The same for the dates of one page of a list, which lie in few years: looks up the era of each year once.
+class EraTexts {
+  public:
+    EraTexts(store::Database& database, desk::Desk& desk) : database_(database), desk_(desk) {}
+    QString of(QDate date);
+
+  private:
+    store::Database& database_;
+    desk::Desk& desk_;
+    std::map<int, std::optional<EraOfYear>> eras_;
+};
 
 // Era name and era year to the Western year as text. The last year of the era is not consulted; 0 and negative years
 // count on. With an unknown name (or a year that is no 16-bit number) it shows a message, sets the error flag to 1 and

@@ -72,29 +72,24 @@ void openFeeNotices(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk)
 }
 
 void leaveFeesFrom(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
-    calendar::checkRangeStart(database, form.frm21_from, title, desk);
+    calendar::checkRangeStart(form.frm21_from, title, desk);
 }
 
 void leaveFeesTo(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
     // The start typed beside it counts, once it is a date.
-    const QDate from = calendar::readDate(database, form.frm21_from.text).value_or(form.from);
-    calendar::checkRangeEnd(database, form.frm21_to, from, title, desk);
+    const QDate from = calendar::rangeDate(form.frm21_from).value_or(form.from);
+    calendar::checkRangeEnd(form.frm21_to, from, title, desk);
 }
 
 void showFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    {
-        store::Database database;
-        const auto from = calendar::checkRangeStart(database, form.frm21_from, title, desk);
-        if (!from)
-            return;
-        const auto to = calendar::checkRangeEnd(database, form.frm21_to, *from, title, desk);
-        if (!to)
-            return;
-        form.from = *from;
-        form.to = *to;
-    }
+    const auto from = calendar::checkRangeStart(form.frm21_from, title, desk);
+    if (!from)
+        return;
+    const auto to = calendar::checkRangeEnd(form.frm21_to, *from, title, desk);
+    if (!to)
+        return;
+    form.from = *from;
+    form.to = *to;
     form.list.setStart({form.from, 0});
     form.list.fill(gravesOf(form), form.frm21_tbl, desk);
 }

@@ -90,12 +90,12 @@ std::vector<desk::ListColumn<ListedGrave>> graveColumns() {
 
 void fillEraTexts(std::vector<ListedGrave>& page, desk::Desk& desk) {
     store::Database database;
-    const auto era = [&](QDate date) { return calendar::eraText(database, date, desk); };
+    calendar::EraTexts eras(database, desk);
     for (ListedGrave& grave : page) {
-        grave.startEra = era(grave.tblhak_shiyo_stymd);
-        grave.billingEra = era(grave.tblhak_kanri_nxymd);
+        grave.startEra = eras.of(grave.tblhak_shiyo_stymd);
+        grave.billingEra = eras.of(grave.tblhak_kanri_nxymd);
         if (grave.tblhak_haiki_kbn == 1)
-            grave.disposalEra = era(grave.tblhak_haiki_ymd);
+            grave.disposalEra = eras.of(grave.tblhak_haiki_ymd);
     }
 }
 

@@ -1,6 +1,5 @@
 #include "memorials/deceased_list_rules.h"
 
-#include "calendar/eras.h"
 #include "memorials/listed_memorial.h"
 #include "memorials/service_form.h"
 #include "store/table.h"
@@ -46,8 +45,9 @@ void fill(store::Database& database, 法要個Form& form, const desk::ScreenCont
     form.frm21_tbl.rows.clear();
     form.frm21_tbl.highlighted = 0;
     form.scheduled.clear();
+    calendar::EraTexts eras(database, desk);
     for (ListedMemorial& row : memorials) {
-        fillEraTexts(database, row, desk);
+        fillEraTexts(eras, row);
         QStringList& cells = form.frm21_tbl.rows.emplace_back();
         for (const MemorialColumn& column : columns())
             cells << column.cell(row);

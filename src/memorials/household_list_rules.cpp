@@ -55,8 +55,9 @@ std::vector<MemorialColumn> columns() {
 
 void complete(std::vector<ListedMemorial>& page, desk::Desk& desk) {
     store::Database database;
+    calendar::EraTexts eras(database, desk);
     for (ListedMemorial& row : page)
-        fillEraTexts(database, row, desk);
+        fillEraTexts(eras, row);
 }
 
 // The record that the detail and the death register are opened with.

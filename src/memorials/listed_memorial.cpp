@@ -1,6 +1,5 @@
 #include "memorials/listed_memorial.h"
 
-#include "calendar/eras.h"
 #include "store/table.h"
 
 using namespace Qt::StringLiterals;
@@ -14,14 +13,14 @@ QString startTimeText(const store::tbl_hohyo& row) {
         .arg(minute == 0 ? u"00"_s : QString::number(minute));
 }
 
-void fillEraTexts(store::Database& database, ListedMemorial& row, desk::Desk& desk) {
-    row.scheduledEra = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
+void fillEraTexts(calendar::EraTexts& eras, ListedMemorial& row) {
+    row.scheduledEra = eras.of(row.tblhoy_kaiki_yymd);
     if (row.tblhoy_kaiki_rs == 1)
-        row.reservedEra = calendar::eraText(database, row.tblhoy_kaiki_rymd, desk);
+        row.reservedEra = eras.of(row.tblhoy_kaiki_rymd);
     if (row.tblhoy_kaiki_s == 1)
-        row.heldEra = calendar::eraText(database, row.tblhoy_kaiki_jymd, desk);
+        row.heldEra = eras.of(row.tblhoy_kaiki_jymd);
     if (row.tblhoy_tsuchi_s == 1)
-        row.noticeEra = calendar::eraText(database, row.tblhoy_tsuchi_ymd, desk);
+        row.noticeEra = eras.of(row.tblhoy_tsuchi_ymd);
 }
 
 void fillEraTextsAndHouseholds(std::vector<ListedMemorial>& page, const QString& title, desk::Desk& desk) {
@@ -33,8 +32,9 @@ void fillEraTextsAndHouseholds(std::vector<ListedMemorial>& page, const QString&
                 row.household = households.row();
         }
     }
+    calendar::EraTexts eras(database, desk);
     for (ListedMemorial& row : page) {
-        fillEraTexts(database, row, desk);
+        fillEraTexts(eras, row);
         if (!row.household)
             desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calendar/eras.h"
 #include "desk/desk.h"
 #include "desk/form.h"
 #include "desk/paging_list.h"
@@ -22,7 +23,7 @@ struct ListedMemorial : store::tbl_hohyo {
 // "AM 10：30", a full minute as "00".
 QString startTimeText(const store::tbl_hohyo& row);
 
-void fillEraTexts(store::Database& database, ListedMemorial& row, desk::Desk& desk);
+void fillEraTexts(calendar::EraTexts& eras, ListedMemorial& row);
 
 // Completes a page with its era texts and the household of every row; tells, under the title, of each household that
 // cannot be found.

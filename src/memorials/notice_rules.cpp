@@ -56,17 +56,17 @@ std::vector<MemorialColumn> columns() {
     };
 }
 
-bool checkTo(store::Database& database, 法要通Form& form, desk::Desk& desk) {
-    const auto to = calendar::checkRangeEnd(database, form.frm02_to, form.from, title, desk);
+bool checkTo(法要通Form& form, desk::Desk& desk) {
+    const auto to = calendar::checkRangeEnd(form.frm02_to, form.from, title, desk);
     form.to = to.value_or(form.to);
     return to.has_value();
 }
 
 // A new start is tested against the end at once.
-bool checkFrom(store::Database& database, 法要通Form& form, desk::Desk& desk) {
-    const auto from = calendar::checkRangeStart(database, form.frm02_from, title, desk);
+bool checkFrom(法要通Form& form, desk::Desk& desk) {
+    const auto from = calendar::checkRangeStart(form.frm02_from, title, desk);
     form.from = from.value_or(form.from);
-    return from && checkTo(database, form, desk);
+    return from && checkTo(form, desk);
 }
 
 } // namespace
@@ -93,21 +93,16 @@ void openNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
 }
 
 void leaveNoticesFrom(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
-    checkFrom(database, form, desk);
+    checkFrom(form, desk);
 }
 
 void leaveNoticesTo(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
-    checkTo(database, form, desk);
+    checkTo(form, desk);
 }
 
 void showNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    {
-        store::Database database;
-        if (!checkFrom(database, form, desk))
-            return;
-    }
+    if (!checkFrom(form, desk))
+        return;
     form.list.setStart({form.from, {}});
     form.list.fill(memorialsOf(form), form.frm21_tbl, desk);
 }

@@ -64,14 +64,14 @@ std::vector<MemorialColumn> columns() {
     };
 }
 
-bool checkFrom(store::Database& database, 法要一Form& form, desk::Desk& desk) {
-    const auto from = calendar::checkRangeStart(database, form.frm02_from, title, desk);
+bool checkFrom(法要一Form& form, desk::Desk& desk) {
+    const auto from = calendar::checkRangeStart(form.frm02_from, title, desk);
     form.from = from.value_or(form.from);
     return from.has_value();
 }
 
-bool checkTo(store::Database& database, 法要一Form& form, desk::Desk& desk) {
-    const auto to = calendar::checkRangeEnd(database, form.frm02_to, form.from, title, desk);
+bool checkTo(法要一Form& form, desk::Desk& desk) {
+    const auto to = calendar::checkRangeEnd(form.frm02_to, form.from, title, desk);
     form.to = to.value_or(form.to);
     return to.has_value();
 }
@@ -101,21 +101,16 @@ void openReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& des
 }
 
 void leaveReservationsFrom(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
-    checkFrom(database, form, desk);
+    checkFrom(form, desk);
 }
 
 void leaveReservationsTo(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
-    checkTo(database, form, desk);
+    checkTo(form, desk);
 }
 
 void showReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    {
-        store::Database database;
-        if (!checkFrom(database, form, desk) || !checkTo(database, form, desk))
-            return;
-    }
+    if (!checkFrom(form, desk) || !checkTo(form, desk))
+        return;
     form.list.setStart({form.from, u""_s, 0});
     form.list.fill(reservations(form), form.frm21_tbl, desk);
 }
