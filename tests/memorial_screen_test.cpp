@@ -89,7 +89,7 @@ TEST_F(MemorialScreens, TheYearlyJob) {
 }
 
 TEST_F(MemorialScreens, ARangeIsCheckedWhenItsBoxIsLeft) {
-    open(u"法要通"_s).activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&open(u"法要通"_s)));
     auto& from = control(u"法要通"_s, u"frm02_from"_s);
     from.setFocus();
     type(u"法要通"_s, u"frm02_from"_s, u"令和8年13月1日"_s);
