@@ -22,8 +22,9 @@ void prepare(QApplication& application) {
         QApplication::installTranslator(texts);
     QFont font = QApplication::font();
     // A font without kana would be helped out by whichever font comes next, often with Chinese letter forms.
-    // Asking the font itself costs a start less than asking the font database.
-    if (!QRawFont::fromFont(font).supportsCharacter(u'あ'))
+    // A general alias is given its Japanese face at once; a font that the desktop chose is asked, which costs a start
+    // less than asking the font database.
+    if (font.family().startsWith(u"sans"_s, Qt::CaseInsensitive) || !QRawFont::fromFont(font).supportsCharacter(u'あ'))
         font.setFamilies({japaneseFont, font.family()});
     font.setPointSizeF(std::max(font.pointSizeF(), smallestPointSize));
     QApplication::setFont(font);
