@@ -129,7 +129,10 @@ Screen::Screen(Workplace& workplace, const QString& name, const QString& caption
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
 }
 
-Screen::~Screen() = default;
+// Qt hides the window only when no more than the widget is left of the screen: then the focus leaves no screen.
+Screen::~Screen() {
+    disconnect(qApp, nullptr, this, nullptr);
+}
 
 desk::Desk& Screen::desk() {
     return *desk_;
