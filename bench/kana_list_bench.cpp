@@ -1,5 +1,5 @@
-// The household list by kana row on a full register, beside a plain loop that reads the same eleven selections; and what
-// a change of tab costs with many and with few households.
+// The household list by kana row on a full register, beside a plain loop that reads the same eleven selections; and
+// what a change of tab costs with many and with few households.
 //
 //     kana_list_bench REGISTER
 #include "compare.h"

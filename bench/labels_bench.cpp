@@ -34,8 +34,8 @@ const char* const due = "FROM tbl_hohyo JOIN tbl_danka ON tbldnk_no1 = tblhoy_no
 // The day on which so many labels are reached.
 QDate lastDay(int most) {
     store::Database database;
-    SQLite::Statement days(database.engine(), std::string("SELECT max(day) FROM (SELECT tblhoy_kaiki_yymd AS day ") +
-                                                  due + ")");
+    SQLite::Statement days(database.engine(),
+                           std::string("SELECT max(day) FROM (SELECT tblhoy_kaiki_yymd AS day ") + due + ")");
     days.bind(1, most);
     days.executeStep();
     return QDate::fromString(QString::fromUtf8(days.getColumn(0).getText()), Qt::ISODate);
@@ -80,8 +80,8 @@ int main(int argc, char** argv) {
         if (printing::宛名出力({2026, 11, 22}, last, printing::LabelMode::memorials, *printer, desk) !=
             printing::LabelOutcome::handedOver)
             throw std::runtime_error("nothing was printed");
-        std::printf("labels of memorials due to %s: %.2f s, %lld bytes of PDF\n", qPrintable(last.toString(Qt::ISODate)),
-                    static_cast<double>(clock.elapsed()) / 1000.0,
+        std::printf("labels of memorials due to %s: %.2f s, %lld bytes of PDF\n",
+                    qPrintable(last.toString(Qt::ISODate)), static_cast<double>(clock.elapsed()) / 1000.0,
                     static_cast<long long>(QFileInfo(folder.filePath(QStringLiteral("labels.pdf"))).size()));
         return 0;
     } catch (const std::exception& failure) {

@@ -8,7 +8,7 @@
 namespace store {
 struct tbl_danka;
 struct tbl_kakocho;
-}
+} // namespace store
 
 namespace desk {
 

@@ -44,7 +44,7 @@ std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
     addHousehold(layout, form);
     layout.frame().row().grid(
         HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen->run(pickMember), .opened = open, .nextPage = next, .previousPage = previous}, 12);
+        {.clicked = screen->run(pickMember), .opened = open, .nextPage = next, .previousPage = previous}, 14);
     layout.mainAction(u"個別照会"_s, u"個別照会"_s, open)
         .gap()
         .action(u"前ページ"_s, u"前ページ"_s, previous)
@@ -65,7 +65,7 @@ std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
     addHousehold(layout, form);
     layout.frame().row().grid(
         HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen->run(pickDeceased), .opened = open, .nextPage = next, .previousPage = previous}, 12);
+        {.clicked = screen->run(pickDeceased), .opened = open, .nextPage = next, .previousPage = previous}, 14);
     layout.mainAction(u"個別照会"_s, u"個別法要"_s, open)
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(showDeceased))
         .gap()

@@ -16,6 +16,8 @@ using printing::LabelMode;
 
 const QString title = u"法要通知"_s;
 const QString noMemorial = u"法要予定はありません"_s;
+const QString labelsAreOut =
+    u"\n\n宛名は印刷済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び印刷されます。"_s;
 
 bool isOpenForNotice(ListedRow row) {
     return row.tblhoy_kaiki_s == 0 && row.tblhoy_kaiki_rs == 0 && row.tblhoy_tsuchi_s == 0;
@@ -67,6 +69,18 @@ bool checkFrom(法要通Form& form, desk::Desk& desk) {
     const auto from = calendar::checkRangeStart(form.frm02_from, title, desk);
     form.from = from.value_or(form.from);
     return from && checkTo(form, desk);
+}
+
+void markNotified(store::Database& database, const 法要通Form& form, QDate day) {
+    store::Write write(database);
+    SQLite::Statement mark(database.engine(), "UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 1, tblhoy_tsuchi_ymd = ? "
+                                              "WHERE tblhoy_kaiki_yymd BETWEEN ? AND ? "
+                                              "AND tblhoy_kaiki_s = 0 AND tblhoy_kaiki_rs = 0 AND tblhoy_tsuchi_s = 0");
+    store::bindValue(mark, 1, day);
+    store::bindValue(mark, 2, form.from);
+    store::bindValue(mark, 3, form.to);
+    mark.exec();
+    write.commit();
 }
 
 } // namespace
@@ -140,20 +154,18 @@ void notifyRange(法要通Form& form, printing::LabelPrinter& printer, desk::Des
     const auto outcome = printing::宛名出力(form.from, form.to, LabelMode::memorials, printer, desk);
     if (outcome == printing::LabelOutcome::failed)
         return;
-    store::Database database;
-    if (!store::Table(database, store::idxhoy_yymd).seek(store::Seek::atOrAfter, form.from)) {
-        desk.notify(noMemorial, title);
-        return;
+    try {
+        store::Database database;
+        if (!store::Table(database, store::idxhoy_yymd).seek(store::Seek::atOrAfter, form.from)) {
+            desk.notify(noMemorial, title);
+            return;
+        }
+        markNotified(database, form, desk.today());
+    } catch (const std::exception& failure) {
+        if (outcome != printing::LabelOutcome::handedOver)
+            throw;
+        throw store::Error(0, store::explain(failure) + labelsAreOut);
     }
-    store::Write write(database);
-    SQLite::Statement mark(database.engine(), "UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 1, tblhoy_tsuchi_ymd = ? "
-                                              "WHERE tblhoy_kaiki_yymd BETWEEN ? AND ? "
-                                              "AND tblhoy_kaiki_s = 0 AND tblhoy_kaiki_rs = 0 AND tblhoy_tsuchi_s = 0");
-    store::bindValue(mark, 1, desk.today());
-    store::bindValue(mark, 2, form.from);
-    store::bindValue(mark, 3, form.to);
-    mark.exec();
-    write.commit();
 }
 
 void previewNotices(const 法要通Form& form, printing::LabelPrinter& preview, desk::Desk& desk) {

@@ -37,7 +37,7 @@ void clickNotice(法要通Form& form, desk::ScreenContext& context, desk::Desk& 
 void openNoticeDeceased(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);  // 故人照会
 void openNoticeHousehold(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 檀家照会
 // 通知処理: prints the labels of the range and then marks its memorials notified today, all or none. Marks nothing when
-// the printer refuses.
+// the printer refuses; store::Error tells when the labels are out and the marks could not be written.
 void notifyRange(法要通Form& form, printing::LabelPrinter& printer, desk::Desk& desk);
 // 印刷プレビュー: shows the same labels, marks nothing.
 void previewNotices(const 法要通Form& form, printing::LabelPrinter& preview, desk::Desk& desk);

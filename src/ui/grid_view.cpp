@@ -110,8 +110,8 @@ void GridView::show(const desk::Grid& grid) {
             twips.push_back(column.twips);
         setColumnTwips(twips);
     }
-    // A number must not lose its end, and a date or a name of up to ten characters is shown whole; a text that is longer
-    // shows as shortened and has its tooltip.
+    // A number must not lose its end, and a date or a name of up to ten characters is shown whole; a text that is
+    // longer shows as shortened and has its tooltip.
     const int tenCharacters = fontMetrics().horizontalAdvance(u'国') * 10 + 8;
     for (int at = 0; at < model_->columnCount(); ++at) {
         const int needed = sizeHintForColumn(at) + 4;

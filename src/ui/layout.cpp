@@ -109,8 +109,7 @@ Layout::~Layout() {
             inner->invalidate();
         const QSize content = body->sizeHint() + QSize(4, 4);
         int width = std::max(content.width(), bar->layout()->sizeHint().width() + 16);
-        const int barHeight = bar->heightForWidth(std::min(width, largest.width()));
-        const int height = content.height() + std::max(barHeight, bar->sizeHint().height());
+        const int height = content.height() + bar->heightForWidth(std::min(width, largest.width()));
         if (height > largest.height())
             width += scrollBar;
         screen->resize(QSize(width, height).boundedTo(largest));

@@ -79,7 +79,7 @@ class Layout {
     // The last lists scroll together and show the same line as chosen; only the first of them is in the tab order.
     Layout& parallel(int lists);
     Layout& dates(const DateNames& names, desk::DateGroup& value);
-    Layout& grid(const QString& name, desk::Grid& value, GridEvents events, int visibleRows = 14);
+    Layout& grid(const QString& name, desk::Grid& value, GridEvents events, int visibleRows = 17);
     Layout& button(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
     // Any other widget as an item of the row, or as a band of its own that takes the room of the window; the caller
     // binds it.

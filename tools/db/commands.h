@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-// The commands of hoshiren-db; all but the last work on the register in the current folder. Each gives the program's exit status and
-// prints what it did; what fails is thrown.
+// The commands of hoshiren-db; all but the last work on the register in the current folder. Each gives the program's
+// exit status and prints what it did; what fails is thrown.
 
 // One line in the terminal's encoding.
 void say(FILE* where, const QString& text);
