@@ -1,7 +1,7 @@
 // hoshiren-tour: drives the program's own screens and leaves pictures of them.
 //
-//     hoshiren-tour FOLDER             the road of one death, from an empty register to the printed label
-//     hoshiren-tour --readme FOLDER    the README's pictures, from a made-up register
+//     hoshiren-tour FOLDER              the road of one death, from an empty register to the printed label
+//     hoshiren-tour --documents FOLDER  the documents' other pictures, from a made-up register
 //
 // Needs no display. Exit status 1, with the reason, as soon as a step does not go as it should.
 #include "app/application.h"
@@ -43,17 +43,17 @@ int main(int argc, char* argv[]) {
     app::prepare(application);
 
     QStringList arguments = QApplication::arguments().sliced(1);
-    const bool readme = arguments.removeAll(u"--readme"_s) > 0;
+    const bool documents = arguments.removeAll(u"--documents"_s) > 0;
     QTextStream errors(stderr);
     if (arguments.size() != 1) {
-        errors << "hoshiren-tour [--readme] FOLDER\n";
+        errors << "hoshiren-tour [--documents] FOLDER\n";
         return 2;
     }
     const QDir folder(arguments.constFirst());
     try {
         if (!folder.mkpath(u"."_s))
             throw std::runtime_error("the folder cannot be made: " + folder.path().toStdString());
-        readme ? tour::readmePictures(folder) : tour::roadOfOneDeath(folder);
+        documents ? tour::documentPictures(folder) : tour::roadOfOneDeath(folder);
         return 0;
     } catch (const std::exception& failure) {
         const auto* store = dynamic_cast<const store::Error*>(&failure);

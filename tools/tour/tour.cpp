@@ -34,7 +34,7 @@ class Tour : public drive::ScreenDriver {
     }
 
     void go();
-    void readme();
+    void documents();
 
   private:
     // A part of the road: what was announced must have been shown, and nothing else.
@@ -201,7 +201,7 @@ void Tour::notice() {
     done(u"the labels of the notices are in "_s + folder_.filePath(labels.constFirst()));
 }
 
-void Tour::readme() {
+void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
     workplace->context.publishHousehold(3);
@@ -217,7 +217,13 @@ void Tour::readme() {
     require(sheet, u"there is no preview of the labels"_s);
     save(*sheet, u"labels"_s);
     sheet->close();
-    done(u"the README's pictures"_s);
+    for (const QString& name : {u"代替当"_s, u"お墓登"_s, u"お墓通"_s}) {
+        open(name);
+        if (name == u"お墓通"_s)
+            press(name, u"表示"_s);
+        save(screen(name), name);
+    }
+    done(u"the documents' other pictures"_s);
 }
 
 } // namespace
@@ -229,14 +235,14 @@ void roadOfOneDeath(const QDir& folder) {
     Tour(folder).go();
 }
 
-void readmePictures(const QDir& folder) {
+void documentPictures(const QDir& folder) {
     // A folder of one name: the menu shows it, and the picture should be the same each time.
     QDir scratch(QDir::temp().filePath(u"hoshiren-sample"_s));
     require(!scratch.exists() && scratch.mkpath(u"."_s), u"this folder is in the way: "_s + scratch.path());
     const auto removed = qScopeGuard([&scratch] { scratch.removeRecursively(); });
     store::Database::setRegisterPath(scratch.filePath(u"Hoshiren.mdb"_s));
     sample::makeRegister(store::Database::registerPath(), 300, today);
-    Tour(folder).readme();
+    Tour(folder).documents();
 }
 
 } // namespace tour

@@ -9,7 +9,7 @@ namespace tour {
 // does not go as it should.
 void roadOfOneDeath(const QDir& folder);
 
-// Leaves pictures of the main menu, the household screen, a list and a label sheet in the folder.
-void readmePictures(const QDir& folder);
+// Leaves the pictures of the documents that the road does not pass in the folder: the screens of a made-up register.
+void documentPictures(const QDir& folder);
 
 } // namespace tour
