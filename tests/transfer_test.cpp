@@ -7,10 +7,6 @@
 #include <QBuffer>
 #include <QFile>
 
-#include <csignal>
-#include <sys/wait.h>
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -504,87 +500,6 @@ TEST_F(Transfer, AFailureOfTheRegisterEndsTheRun) {
     EXPECT_EQ(query(u"SELECT count(*) FROM tbl_danka"_s), u"32"_s);
     EXPECT_EQ(counter(u"檀家"_s), u"32"_s);
     EXPECT_EQ(query(u"PRAGMA journal_mode"_s), u"delete"_s);
-}
-
-// Tells how many records the progress shows as stored, through a pipe.
-class PipeDesk : public TestDesk {
-  public:
-    PipeDesk(QDate today, int pipe) : TestDesk(today), pipe_(pipe) {}
-    void notify(const QString&, const QString&, desk::Icon) override {}
-    bool ask(const QString&, const QString&) override { return true; }
-    std::unique_ptr<desk::Progress> progress(const QString&) override { return std::make_unique<Pipe>(pipe_); }
-
-  private:
-    struct Pipe : desk::Progress {
-        explicit Pipe(int pipe) : pipe_(pipe) {}
-        bool advance(int, const QString& text) override {
-            const int stored = text.section(u' ', 1, 1).toInt();
-            return ::write(pipe_, &stored, sizeof stored) == sizeof stored;
-        }
-        int pipe_;
-    };
-    int pipe_;
-};
-
-TEST_F(Transfer, AKilledImportLeavesTheBeginningOfTheFile) {
-    QByteArray bytes;
-    QStringList accepted;
-    for (int i = 1; i <= 400; ++i) {
-        const bool wrong = i % 7 == 0;
-        transfer::appendRecord(
-            bytes, with(goodHousehold, {{1, QString::number(5000 - i)}, {3, wrong ? QString() : u"家%1"_s.arg(i)}}));
-        if (!wrong)
-            accepted << u"家%1"_s.arg(i);
-    }
-    put(u"in.csv"_s, bytes);
-    ASSERT_TRUE(QFile::copy(path(u"Hoshiren.mdb"_s), path(u"fresh"_s)));
-    int killed = 0;
-    int inside = 0; // killed with some records stored and some not
-    bool completed = false;
-    // Killed some time, a little longer each round, after the progress has been heard of so and so often.
-    for (int round = 0; !completed; ++round) {
-        const int heard = round / 2;
-        const bool numbered = round % 4 > 1;
-        QFile::remove(path(u"Hoshiren.mdb"_s));
-        ASSERT_TRUE(QFile::copy(path(u"fresh"_s), path(u"Hoshiren.mdb"_s)));
-        int pipe[2];
-        ASSERT_EQ(::pipe(pipe), 0);
-        const pid_t child = fork();
-        if (child == 0) {
-            ::close(pipe[0]);
-            PipeDesk shown(today, pipe[1]);
-            transfer::ImportHouseholds(path(u"in.csv"_s), path(u"err.csv"_s), numbered ? refusing : automatic, shown);
-            ::_exit(0);
-        }
-        ::close(pipe[1]);
-        int counted = 0;
-        const auto hear = [&] { return ::read(pipe[0], &counted, sizeof counted) == sizeof counted; };
-        for (int i = 0; i < heard && hear(); ++i)
-            ;
-        ::usleep(static_cast<useconds_t>(round % 5 * 60));
-        ::kill(child, SIGKILL);
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        completed = WIFEXITED(status);
-        killed += !completed;
-        while (hear())
-            ;
-        ::close(pipe[0]);
-
-        store::bringBackToOneFile(path(u"Hoshiren.mdb"_s));
-        EXPECT_FALSE(QFile::exists(path(u"Hoshiren.mdb-wal"_s)));
-        ASSERT_EQ(query(u"PRAGMA integrity_check"_s), u"ok"_s);
-        EXPECT_EQ(query(u"PRAGMA journal_mode"_s), u"delete"_s);
-        const QString names = query(u"SELECT tbldnk_nameg FROM tbl_danka ORDER BY rowid"_s);
-        const qsizetype stored = names.isEmpty() ? 0 : names.count(u'|') + 1;
-        EXPECT_EQ(names, accepted.first(stored).join(u'|'));
-        EXPECT_GE(stored, counted);
-        inside += stored > 0 && stored < accepted.size();
-        EXPECT_EQ(query(u"SELECT coalesce(max(tbldnk_no1), 0) FROM tbl_danka"_s), counter(u"檀家"_s));
-        ASSERT_LT(round, 1000);
-    }
-    EXPECT_GT(killed, 20);
-    EXPECT_GT(inside, 10);
 }
 
 } // namespace
