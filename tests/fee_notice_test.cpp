@@ -42,8 +42,7 @@ class FeeNotices : public RegisterFixture {
 TEST_F(FeeNotices, ListTheRangeInBillingOrder) {
     add(u"(3, 1, '2008-02-12'), (1, 0, '2009-02-12'), (2, 1, '2009-02-13'), (4, 1, NULL), (5, 1, '2008-02-11')"_s);
     EXPECT_EQ(form.frm21_from.text + form.frm21_to.text, u"2008/02/122009/02/12"_s);
-    const auto& columns = form.frm21_tbl.columns;
-    EXPECT_EQ(columns[0].header + columns[3].header, u"管理番号檀家番号"_s);
+    EXPECT_EQ(form.frm21_tbl.columns[0].header + form.frm21_tbl.columns[3].header, u"管理番号檀家番号"_s);
     showFees(form, context, desk);
     EXPECT_EQ(numbers(), u"3 1"_s);
     EXPECT_EQ(form.frm21_tbl.rows[0].join(u'|'), u"3|東||1|||家|||平成20年2月12日|12,000||"_s);
