@@ -12,13 +12,15 @@ const QString detailTitle = u"法要明細"_s;
 const QString extraTitle = u"法要・回忌外登録"_s;
 const QString askChange = u"入力された内容で法要を変更します。内容を確認して下さい。"_s;
 const QString askRegister = u"入力された内容で法要を登録します。内容を確認して下さい。"_s;
+const QString missing = u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s;
 const QString askDelete = u"指定された法要を削除します。内容を確認して下さい。"_s;
 
-void type(desk::DateGroup& group, const QString& era, int year, int month, int day) {
-    group.era.text = era;
-    group.year.text = QString::number(year);
-    group.month.text = QString::number(month);
-    group.day.text = QString::number(day);
+// A date of the present era, "year/month/day".
+void type(desk::DateGroup& group, const QString& date) {
+    group.era.text = date.isEmpty() ? QString() : u"令和"_s;
+    group.year.text = date.section(u'/', 0, 0);
+    group.month.text = date.section(u'/', 1, 1);
+    group.day.text = date.section(u'/', 2, 2);
 }
 
 class Services : public RegisterFixture {
@@ -32,17 +34,9 @@ class Services : public RegisterFixture {
             "'長男', '備え')"_s);
         execute(
             u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '旧姓', '旧　人')"_s);
-        const struct {
-            QString name;
-            QString born;
-            QString dead;
-        } family[] = {{u"イ"_s, u"'1990-01-01'"_s, u"0"_s},
-                      {u"ア"_s, u"'1995-01-01'"_s, u"0"_s},
-                      {u"死"_s, u"'1950-01-01'"_s, u"1"_s},
-                      {u"ウ"_s, u"NULL"_s, u"0"_s}};
-        for (const auto& [name, born, dead] : family)
-            execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd, "
-                    "tblkzk_seishikbn) VALUES (7, '山田', '%1', %2, '%3')"_s.arg(name, born, dead));
+        execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd, "
+                "tblkzk_seishikbn) VALUES (7, '山田', 'イ', '1990-01-01', '0'), (7, '山田', 'ア', '1995-01-01', '0'), "
+                "(7, '山田', '死', '1950-01-01', '1'), (7, '山田', 'ウ', NULL, '0')"_s);
         execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei, "
                 "tblhoy_kaiki_yymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, tblhoy_kaiki_mint, tblhoy_ofuse) VALUES "
                 "(7, '山田', '山田　一', '3回忌', '2026-01-05', '1', 0, 0, 0)"_s);
@@ -76,15 +70,23 @@ class Services : public RegisterFixture {
         form.frm31_zoknameg.choose(u"山田　一"_s);
         chooseDeceased(form, context, desk);
         form.frm31_hohyo_mei.text = name;
-        type(form.予約, u"令和"_s, 9, 2, 14);
+        type(form.予約, u"9/2/14"_s);
         form.開始時.text = u"10"_s;
         form.開始分.text = u"30"_s;
         form.frm31_法要場所.text = u"本堂"_s;
         return form;
     }
-    void registerIt(法要外Form& form) {
-        desk.answer(askRegister, extraTitle, true);
-        desk.expect(u"指定された法要は登録されました。"_s, extraTitle);
+    static void hold(ServiceForm& form, const QString& date) {
+        type(form.実施, date);
+        form.施主.choose(u"ア"_s);
+        form.frm31_続柄.text = u"長男"_s;
+    }
+    void registerIt(法要外Form& form, bool taken = false) {
+        if (!taken)
+            desk.answer(askRegister, extraTitle, true);
+        desk.expect(taken ? u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s
+                          : u"指定された法要は登録されました。"_s,
+                    extraTitle);
         registerExtra(form, context, desk);
     }
 
@@ -93,19 +95,14 @@ class Services : public RegisterFixture {
 
 TEST_F(Services, DetailShowsDeceasedAndMemorial) {
     const 法要明Form form = detail();
-    EXPECT_EQ(form.frm31_no.text, u"7"_s);
     EXPECT_EQ(form.frm31_zoknamek.text, u"ヤマダ ハジメ"_s); // reloaded from the death register
-    EXPECT_EQ(form.frm31_mei_gymd.text, u"令和6年1月5日"_s);
-    EXPECT_EQ(form.frm31_kyounen.text, u"88"_s);
-    EXPECT_EQ(form.frm31_moshu.text, u"山田　二"_s);
+    EXPECT_EQ(form.frm31_mei_gymd.text + form.frm31_kyounen.text + form.frm31_moshu.text, u"令和6年1月5日88山田　二"_s);
     EXPECT_EQ(form.frm31_ygymd.text, u"令和8年1月5日"_s);
     EXPECT_EQ(form.施主.items, QStringList({u"ウ"_s, u"イ"_s, u"ア"_s})); // by birth date; the dead one is left out
     EXPECT_EQ(form.開始時.items.size(), 24);
-    EXPECT_EQ(form.開始分.items, QStringList({u"00"_s, u"15"_s, u"30"_s, u"45"_s}));
     EXPECT_EQ(form.frm31_法要場所.items.front(), u"本堂"_s);
     EXPECT_EQ(form.予約.western.text + form.開始時.text + form.開始分.text, QString());
     EXPECT_TRUE(form.frm31_am.chosen);
-    EXPECT_EQ(form.frm31_ofuse.text, u"0"_s);
 }
 
 TEST_F(Services, DetailTellsWhatIsMissing) {
@@ -114,12 +111,8 @@ TEST_F(Services, DetailTellsWhatIsMissing) {
     desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, detailTitle);
     desk.expect(u"照会者の法要は登録されていません"_s, detailTitle);
     openDetail(form, context, desk);
-    EXPECT_EQ(form.frm31_hohyo_mei.text, QString());
     bookOnScheduledDay(form, context, desk);
     EXPECT_EQ(form.予約.western.text, QString());
-    desk.answer(askChange, detailTitle, true);
-    desk.expect(u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s, detailTitle);
-    saveDetail(form, context, desk);
 }
 
 TEST_F(Services, BookingAndHoldingAreKeptAndNoFlagIsLowered) {
@@ -135,12 +128,10 @@ TEST_F(Services, BookingAndHoldingAreKeptAndNoFlagIsLowered) {
     form.frm31_法要場所.text = u"川の畔"_s;
     form.frm31_ofuse.text = u"10000"_s;
     save(form);
-    EXPECT_EQ(form.開始分.text, u"00"_s);
     EXPECT_EQ(form.frm31_ofuse.text, u"10,000"_s);
     const QString booking = u"tblhoy_kaiki_rs, tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, "
-                            "tblhoy_kaiki_mint, tblhoy_kaiki_s, tblhoy_kaiki_jymd"_s;
-    EXPECT_EQ(stored(booking), u"1,2026-01-05,2,1,0,0,NULL"_s);
-    EXPECT_EQ(stored(u"tblhoy_ofuse, tblhoy_kaiki_basho"_s), u"10000,川の畔"_s);
+                            "tblhoy_kaiki_mint, tblhoy_kaiki_s, tblhoy_kaiki_jymd, tblhoy_ofuse, tblhoy_kaiki_basho"_s;
+    EXPECT_EQ(stored(booking), u"1,2026-01-05,2,1,0,0,NULL,10000,川の畔"_s);
     EXPECT_EQ(query(u"SELECT count(*) FROM マスタ WHERE マ_区分 = 3 AND マ_略称 = '川の畔'"_s), u"1"_s);
 
     form = detail();
@@ -148,98 +139,67 @@ TEST_F(Services, BookingAndHoldingAreKeptAndNoFlagIsLowered) {
     EXPECT_TRUE(form.frm31_pm.chosen && !form.frm31_am.chosen);
     EXPECT_EQ(form.開始時.text, u"1"_s);
     form.予約.clear();
-    type(form.実施, u"令和"_s, 8, 1, 6);
-    form.施主.choose(u"ア"_s);
-    form.frm31_続柄.text = u"長男"_s;
+    hold(form, u"8/1/6"_s);
     form.frm31_ofuse.text.clear();
     save(form);
-    EXPECT_EQ(stored(booking), u"1,2026-01-05,2,1,0,1,2026-01-06"_s);
-    EXPECT_EQ(stored(u"tblhoy_kaiki_seshug, tblhoy_zokugara, tblhoy_ofuse, tblhoy_tsuchi_s"_s), u"ア,長男,0,0"_s);
+    EXPECT_EQ(stored(booking), u"1,2026-01-05,2,1,0,1,2026-01-06,0,川の畔"_s);
+    EXPECT_EQ(stored(u"tblhoy_kaiki_seshug, tblhoy_zokugara, tblhoy_tsuchi_s"_s), u"ア,長男,0"_s);
 
     // A 施主 who has died since stays.
     execute(u"UPDATE tbl_kazoku SET tblkzk_seishikbn = '1' WHERE tblkzk_nameg = 'ア'"_s);
     form = detail();
-    EXPECT_EQ(form.施主.currentText(), u"ア"_s);
     save(form);
     EXPECT_EQ(stored(u"tblhoy_kaiki_seshug"_s), u"ア"_s);
 }
 
-TEST_F(Services, HoldingAloneLeavesTheReservationUnset) {
-    法要明Form form = detail();
-    type(form.実施, u"令和"_s, 8, 1, 6);
-    form.施主.choose(u"ア"_s);
-    form.frm31_続柄.text = u"長男"_s;
-    save(form);
-    EXPECT_EQ(stored(u"tblhoy_kaiki_s, tblhoy_kaiki_rs, tblhoy_kaiki_rymd"_s), u"1,0,NULL"_s);
-}
-
 TEST_F(Services, OnlyTheFirstFailureSpeaksAndAllAreRed) {
     const QString hour = u"予定時間に正しい数字を入力して下さい"_s;
-    const QString minute = u"予定時間分に正しい数字を入力して下さい"_s;
-    const QString place = u"法要場所は必須です、法要場所を選択又は入力して下さい"_s;
-    const QString offering = u"御布施の金額に正しく入力して下さい \""_s;
-    using Fill = void (*)(法要明Form&);
     const struct {
-        const char* what;
-        Fill fill;
+        QString typed;   // booked|hour|minute|held|施主|offering
         QString message; // empty: passes
-        QStringList red;
+        QString red;
     } cases[] = {
-        {"nothing given", [](法要明Form&) {}, {}, {}},
-        {"24:60", [](法要明Form& f) { f.開始時.text = u"24"_s, f.開始分.text = u"60"_s; }, {}, {}},
-        {"-1:-1", [](法要明Form& f) { f.開始時.text = u"-1"_s, f.開始分.text = u"-1"_s; }, {}, {}},
-        {"full-width", [](法要明Form& f) { f.開始時.text = u"１０"_s, f.開始分.text = u"３０"_s; }, {}, {}},
-        {"25", [](法要明Form& f) { f.開始時.text = u"25"_s; }, hour, {u"時"_s}},
-        {"letters", [](法要明Form& f) { f.開始時.text = u"十"_s; }, hour, {u"時"_s}},
-        {"too long", [](法要明Form& f) { f.開始時.text = u"-40000"_s; }, hour, {u"時"_s}},
-        {"61", [](法要明Form& f) { f.開始分.text = u"61"_s; }, minute, {u"分"_s}},
-        {"two", [](法要明Form& f) { f.開始時.text = u"x"_s, f.開始分.text = u"y"_s; }, hour, {u"時"_s, u"分"_s}},
-        {"separators", [](法要明Form& f) { f.frm31_ofuse.text = u"1,234,567"_s; }, {}, {}},
-        {"offering in words", [](法要明Form& f) { f.frm31_ofuse.text = u"一万"_s; }, offering, {u"布施"_s}},
-        {"offering too large", [](法要明Form& f) { f.frm31_ofuse.text = u"99999999999"_s; }, offering, {u"布施"_s}},
-        {"booked without time and place",
-         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 1, 1); },
-         u"開始予定時間は必須です、時間を入力して下さい"_s,
-         {u"時"_s, u"場所"_s}},
-        {"booked at a wrong hour stays red",
-         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 1, 1), f.開始時.text = u"25"_s; },
-         hour,
-         {u"時"_s, u"場所"_s}},
-        {"booked without place",
-         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 1, 1), f.開始時.text = u"9"_s; },
-         place,
-         {u"場所"_s}},
-        {"booked on no day",
-         [](法要明Form& f) { type(f.予約, u"令和"_s, 9, 2, 30), f.frm31_ofuse.text = u"x"_s; },
-         u"法要予定日　年月日に正しく入力して下さい"_s,
-         {u"予約"_s, u"時"_s, u"場所"_s, u"布施"_s}},
-        {"held by nobody",
-         [](法要明Form& f) { type(f.実施, u"令和"_s, 8, 1, 6); },
-         u"施主は必須です、関係者から選択又は入力して下さい"_s,
-         {u"施主"_s, u"続柄"_s}},
-        {"held by a stranger",
-         [](法要明Form& f) { type(f.実施, u"令和"_s, 8, 1, 6), f.施主.choose(u"ア"_s); },
-         u"施主の続柄は必須です、続柄を選択又は入力して下さい"_s,
-         {u"続柄"_s}},
+        {u"|||||"_s, {}, {}},
+        {u"|24|60|||"_s, {}, {}},
+        {u"|-1|-1|||"_s, {}, {}},
+        {u"|25||||"_s, hour, u"時"_s},
+        {u"||61|||"_s, u"予定時間分に正しい数字を入力して下さい"_s, u"分"_s},
+        {u"|x|y|||"_s, hour, u"時分"_s},
+        {u"|||||一万"_s, u"御布施の金額に正しく入力して下さい \""_s, u"布"_s},
+        {u"9/1/1|||||"_s, u"開始予定時間は必須です、時間を入力して下さい"_s, u"時場"_s},
+        {u"9/1/1|25||||"_s, hour, u"時場"_s},
+        {u"9/1/1|9||||"_s, u"法要場所は必須です、法要場所を選択又は入力して下さい"_s, u"場"_s},
+        {u"9/2/30|||||x"_s, u"法要予定日　年月日に正しく入力して下さい"_s, u"予時場布"_s},
+        {u"|||8/1/6||"_s, u"施主は必須です、関係者から選択又は入力して下さい"_s, u"施続"_s},
+        {u"|||8/1/6|ア|"_s, u"施主の続柄は必須です、続柄を選択又は入力して下さい"_s, u"続"_s},
     };
     for (const auto& each : cases) {
-        SCOPED_TRACE(each.what);
+        SCOPED_TRACE(each.typed.toStdString());
         法要明Form form = detail();
         // Marks of a former attempt go.
         desk::paint(desk::Colour::red, form.frm31_法要場所, form.施主, form.frm31_続柄, form.開始時, form.開始分);
-        each.fill(form);
+        const QStringList typed = each.typed.split(u'|');
+        type(form.予約, typed[0]);
+        form.開始時.text = typed[1];
+        form.開始分.text = typed[2];
+        type(form.実施, typed[3]);
+        form.施主.choose(typed[4]);
+        form.frm31_ofuse.text = typed[5];
         if (each.message.isEmpty())
             desk.answer(askChange, detailTitle, false);
         else
             desk.expect(each.message, detailTitle);
         saveDetail(form, context, desk);
         desk.finish();
-        const std::pair<QString, desk::Control*> controls[] = {
-            {u"予約"_s, &form.予約.year},  {u"実施"_s, &form.実施.year},      {u"時"_s, &form.開始時},
-            {u"分"_s, &form.開始分},       {u"場所"_s, &form.frm31_法要場所}, {u"施主"_s, &form.施主},
-            {u"続柄"_s, &form.frm31_続柄}, {u"布施"_s, &form.frm31_ofuse}};
-        for (const auto& [name, control] : controls)
-            EXPECT_EQ(control->colour == desk::Colour::red, each.red.contains(name)) << name.toStdString();
+        const desk::Control* const controls[] = {&form.予約.year,  &form.実施.year,      &form.開始時,
+                                                 &form.開始分,     &form.frm31_法要場所, &form.施主,
+                                                 &form.frm31_続柄, &form.frm31_ofuse};
+        QString red;
+        for (std::size_t i = 0; i < std::size(controls); ++i) {
+            if (controls[i]->colour == desk::Colour::red)
+                red += u"予実時分場施続布"[i];
+        }
+        EXPECT_EQ(red, each.red);
     }
     EXPECT_EQ(stored(u"tblhoy_kaiki_rs, tblhoy_kaiki_s"_s), u"0,0"_s); // nothing of all this was stored
 }
@@ -249,13 +209,15 @@ TEST_F(Services, DetailDeletesItsMemorialOnce) {
     desk.answer(askDelete, detailTitle, false);
     deleteDetail(form, context, desk);
     EXPECT_EQ(stored(u"count(*)"_s), u"1"_s);
-    desk.answer(askDelete, detailTitle, true);
-    desk.expect(u"削除処理を終了しました。"_s, detailTitle);
-    deleteDetail(form, context, desk);
-    EXPECT_EQ(stored(u"count(*)"_s), u"0"_s);
-    desk.answer(askDelete, detailTitle, true);
-    desk.expect(u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s, detailTitle);
-    deleteDetail(form, context, desk);
+    for (const QString& told : {u"削除処理を終了しました。"_s, missing}) {
+        desk.answer(askDelete, detailTitle, true);
+        desk.expect(told, detailTitle);
+        deleteDetail(form, context, desk);
+        EXPECT_EQ(stored(u"count(*)"_s), u"0"_s);
+    }
+    desk.answer(askChange, detailTitle, true);
+    desk.expect(missing, detailTitle);
+    saveDetail(form, context, desk);
 }
 
 TEST_F(Services, ExtraListsTheDeceasedAndShowsTheOneChosen) {
@@ -265,13 +227,11 @@ TEST_F(Services, ExtraListsTheDeceasedAndShowsTheOneChosen) {
     EXPECT_EQ(form.施主.items, QStringList({u"ア"_s, u"イ"_s, u"ウ"_s})); // by name
     form.frm31_zoknameg.choose(u"山田　一"_s);
     chooseDeceased(form, context, desk);
-    EXPECT_EQ(form.frm31_mei_gymd.text, u"令和6年1月5日"_s);
-    EXPECT_EQ(context.kak_kaimyoug, u"釈一"_s);
+    EXPECT_EQ(form.frm31_mei_gymd.text + context.kak_kaimyoug, u"令和6年1月5日釈一"_s);
     // An entry under another household name cannot be chosen, and the one before is no longer.
     form.frm31_zoknameg.choose(u"旧　人"_s);
     desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, extraTitle);
     chooseDeceased(form, context, desk);
-    EXPECT_EQ(context.kak_zokunameg, QString());
     EXPECT_EQ(form.frm31_kaimyoug.text, QString());
     form.frm31_hohyo_mei.text = u"名"_s;
     desk.expect(u"故人を選択して下さい"_s, extraTitle);
@@ -284,7 +244,7 @@ TEST_F(Services, ExtraListsTheDeceasedAndShowsTheOneChosen) {
     EXPECT_EQ(given.frm31_zoknameg.currentText(), u"山田　一"_s);
 }
 
-TEST_F(Services, AnExtraMemorialBookedIsBornNotified) {
+TEST_F(Services, AnExtraMemorialBookedIsBornNotifiedAndCanBeDeleted) {
     法要外Form form = extra();
     form.frm31_ofuse.text = u"５,０００"_s;
     registerIt(form);
@@ -297,36 +257,34 @@ TEST_F(Services, AnExtraMemorialBookedIsBornNotified) {
         u"7,山田,ヤマダ,山田　一,ヤマダ ハジメ,釈一,2024-01-05,0,2027-02-14,2027-02-14,1,1,10,30,1,2027-02-14,NULL,"
         "5000,ヤ,2026-11-22"_s);
     EXPECT_EQ(form.frm31_ygymd.text, u"令和9年2月14日"_s);
-    // The same day again is refused, under another name, too.
-    form.frm31_hohyo_mei.text = u"別の供養"_s;
-    desk.expect(u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s, extraTitle);
-    registerExtra(form, context, desk);
-    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo"_s), u"2"_s);
+    form.frm31_hohyo_mei.text = u"別の供養"_s; // the same day again, under another name
+    registerIt(form, true);
+    type(form.予約, u"8/1/5"_s); // the day of the 3回忌
+    registerIt(form, true);
+    // The one registered goes first, then that of the dates shown.
+    for (const QString& left : {u"3回忌"_s, QString()}) {
+        desk.answer(askDelete, extraTitle, true);
+        desk.expect(u"削除処理を終了しました。"_s, extraTitle);
+        deleteExtra(form, context, desk);
+        EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei FROM tbl_hohyo"_s), left);
+    }
 }
 
 TEST_F(Services, AnExtraMemorialHeldIsScheduledOnThatDay) {
-    const QString fields = u"SELECT tblhoy_kaiki_yymd, tblhoy_kaiki_rs, tblhoy_kaiki_s, tblhoy_kaiki_jymd, "
-                           "tblhoy_tsuchi_s, tblhoy_kaiki_hour FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '%1'"_s;
     法要外Form both = extra(u"両方"_s);
-    type(both.実施, u"令和"_s, 9, 2, 15);
-    both.施主.choose(u"イ"_s);
-    both.frm31_続柄.text = u"次男"_s;
+    hold(both, u"9/2/15"_s);
     registerIt(both);
-    EXPECT_EQ(query(fields.arg(u"両方"_s)), u"2027-02-15,1,1,2027-02-15,1,10"_s);
     法要外Form held = extra(u"実施"_s);
     held.予約.clear();
-    type(held.実施, u"令和"_s, 9, 2, 16);
-    held.施主.choose(u"イ"_s);
-    held.frm31_続柄.text = u"次男"_s;
+    hold(held, u"9/2/16"_s);
     registerIt(held);
-    EXPECT_EQ(query(fields.arg(u"実施"_s)), u"2027-02-16,0,1,2027-02-16,0,NULL"_s);
-    // The day that would be written is taken: 3回忌 is on the held day here.
     法要外Form taken = extra();
-    type(taken.実施, u"令和"_s, 8, 1, 5);
-    taken.施主.choose(u"イ"_s);
-    taken.frm31_続柄.text = u"次男"_s;
-    desk.expect(u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s, extraTitle);
-    registerExtra(taken, context, desk);
+    hold(taken, u"8/1/5"_s); // the day of the 3回忌
+    registerIt(taken, true);
+    EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei, tblhoy_kaiki_yymd, tblhoy_kaiki_rs, tblhoy_kaiki_s, "
+                    "tblhoy_kaiki_jymd, tblhoy_tsuchi_s, tblhoy_kaiki_hour FROM tbl_hohyo ORDER BY 2"_s),
+              u"3回忌,2026-01-05,0,0,NULL,0,0|両方,2027-02-15,1,1,2027-02-15,1,10|"
+              "実施,2027-02-16,0,1,2027-02-16,0,NULL"_s);
 }
 
 TEST_F(Services, AnExtraMemorialNeedsNameAndDay) {
@@ -337,22 +295,6 @@ TEST_F(Services, AnExtraMemorialNeedsNameAndDay) {
     form.frm31_hohyo_mei.text = u"名"_s;
     desk.expect(u"法要予定日又は法要実施日を入力して下さい"_s, extraTitle);
     registerExtra(form, context, desk);
-    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo"_s), u"1"_s);
-}
-
-TEST_F(Services, ExtraDeletesTheOneRegisteredElseTheDatesShown) {
-    法要外Form form = extra();
-    registerIt(form);
-    type(form.予約, u"令和"_s, 8, 1, 5); // the 3回忌 stays
-    for (const QString& left : {u"3回忌"_s, QString()}) {
-        desk.answer(askDelete, extraTitle, true);
-        desk.expect(u"削除処理を終了しました。"_s, extraTitle);
-        deleteExtra(form, context, desk);
-        EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei FROM tbl_hohyo"_s), left);
-    }
-    desk.answer(askDelete, extraTitle, true);
-    desk.expect(u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s, extraTitle);
-    deleteExtra(form, context, desk);
 }
 
 } // namespace
