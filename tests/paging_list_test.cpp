@@ -174,4 +174,18 @@ TEST(PagingList, SelectionOutlivesPagingTheColourDoesNot) {
     EXPECT_EQ(bench.list.selected(), nullptr);
 }
 
+TEST(PagingList, ANewStartLeavesThePageTablesUnlessCleared) {
+    Bench bench(upTo(100));
+    bench.open();
+    bench.next();
+    bench.list.setStart(50);
+    bench.list.fill(bench.source(), bench.grid, bench.desk);
+    EXPECT_EQ(bench.page(), "50-79");
+    bench.previous(); // 79 took the third slot: the page start before it is the second page's
+    EXPECT_EQ(bench.page(), "30-59");
+    bench.open();
+    bench.previous();
+    EXPECT_EQ(bench.page(), "50-79");
+}
+
 } // namespace
