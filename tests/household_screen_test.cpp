@@ -9,17 +9,30 @@ namespace {
 
 const QString list = u"檀家一覧"_s;
 const QString household = u"檀家登"_s;
+const QString title = u"檀家 登録"_s;
 
 class HouseholdScreens : public ScreenFixture {
   protected:
     HouseholdScreens() {
         store::Database database;
         store::Table households(database, store::idxdnk_no);
-        for (const std::int16_t number : {std::int16_t{3}, std::int16_t{8}}) {
-            auto row = sampleHousehold(number);
-            row.tbldnk_tel = u"03-%1"_s.arg(number);
-            households.insert(row);
-        }
+        households.insert(sampleHousehold(3));
+        households.insert(sampleHousehold(8));
+        execute(uR"(
+            UPDATE tbl_danka SET tbldnk_tel = '03-' || tbldnk_no1;
+            INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_zokugara, tblkzk_seishikbn,
+              tblkzk_sei_ymd, tblkzk_yubin, tblkzk_jusho1) VALUES
+              (3, '山田', '太郎', '本人', '0', '1950-01-01', '', ''),
+              (3, '山田', '次郎', '長男', '0', '1980-01-01', '200-0002', '川端2');
+            INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd) VALUES
+              (3, '山田', 'ハナ', '2000-01-01'))"_s);
+        workplace->context.publishHousehold(3);
+        workplace->context.dnk_nameg = u"山田"_s;
+    }
+    void change() {
+        answer(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, title, true);
+        expect(u"入力された内容で檀家さんは更新されました。"_s, title);
+        press(household, u"更新"_s);
     }
 };
 
@@ -36,40 +49,41 @@ TEST_F(HouseholdScreens, AChosenLineOpensItsHouseholdAndOldChoicesStay) {
     auto& grid = control<QTableView>(list, u"DBGrid8"_s);
     expect(u"選択位置が有効でありません。"_s, list);
     QTest::mouseClick(grid.viewport(), Qt::LeftButton, {}, QPoint(20, grid.viewport()->height() - 3));
-    allShown();
     press(list, u"照会"_s);
-    EXPECT_EQ(text(household, u"frm01_no"_s), u"8"_s);
-    EXPECT_EQ(text(household, u"frm01_tel"_s), u"03-8"_s);
+    EXPECT_EQ(text(household, u"frm01_no"_s) + text(household, u"frm01_tel"_s), u"803-8"_s);
 }
 
+// Another screen has gone on to another household meanwhile.
 TEST_F(HouseholdScreens, AScreenLeftOpenWorksOnItsOwnHousehold) {
-    workplace->context.publishHousehold(3);
-    open(household);
-    // Another screen has gone on to another household meanwhile.
-    workplace->context.publishHousehold(8);
-    workplace->context.chooseDeceased(u"一郎"_s);
+    for (const QString& name : {household, u"家族一"_s, u"過去一"_s})
+        open(name);
+    auto& context = workplace->context;
+    context.publishHousehold(8);
+    context.chooseDeceased(u"一郎"_s);
     type(household, u"frm01_tel"_s, u"090-3"_s);
-    answer(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
-    expect(u"入力された内容で檀家さんは更新されました。"_s, u"檀家 登録"_s);
-    press(household, u"更新"_s);
+    change();
     EXPECT_EQ(query(u"SELECT tbldnk_tel FROM tbl_danka ORDER BY tbldnk_no1"_s), u"090-3|03-8"_s);
-    EXPECT_EQ(workplace->context.dnk_no1, 3);
-    EXPECT_EQ(workplace->context.kak_zokunameg, QString());
+    EXPECT_EQ(QString::number(context.dnk_no1) + context.kak_zokunameg, u"3"_s);
+
+    context.publishHousehold(8);
+    press(u"家族一"_s, u"前ページ"_s);
+    EXPECT_EQ(cell(u"家族一"_s, u"frm21_tbl"_s, 1, 1), u"太郎"_s);
+    context.publishHousehold(8);
+    clickCell(u"過去一"_s, u"frm21_tbl"_s, 1, 0);
+    EXPECT_EQ(QString::number(context.dnk_no1) + context.kak_zokunameg, u"3ハナ"_s);
 }
 
 TEST_F(HouseholdScreens, TypedDistrictsStayAsTypedAndMarksLeadTheKeyboard) {
     execute(u"INSERT INTO マスタ VALUES (2, 1, '東の地区', '東の地区')"_s);
-    workplace->context.publishHousehold(3);
     open(household);
     auto& district = control(household, u"frm01_地区"_s);
     district.setFocus();
-    type(household, u"frm01_地区"_s, QString());
     QInputMethodEvent typed;
     typed.setCommitString(u"東"_s);
     QApplication::sendEvent(&district, &typed);
     type(household, u"frm01_dankak"_s, QString());
     type(household, u"frm01_tel"_s, QString());
-    expect(u"ﾃﾞｰﾀにｴﾗｰがあり登録出来ません。入力した内容をﾁｪｯｸしてください"_s, u"檀家 登録"_s);
+    expect(u"ﾃﾞｰﾀにｴﾗｰがあり登録出来ません。入力した内容をﾁｪｯｸしてください"_s, title);
     press(household, u"更新"_s);
     EXPECT_EQ(screen(household).focusWidget()->objectName(), u"frm01_dankak"_s);
     EXPECT_EQ(screen(household).tabOrder().front()->objectName(), u"frm01_dankak"_s);
@@ -77,11 +91,19 @@ TEST_F(HouseholdScreens, TypedDistrictsStayAsTypedAndMarksLeadTheKeyboard) {
     EXPECT_EQ(colour(household, u"frm01_toshug"_s), QColor(0, 0, 0));
     type(household, u"frm01_dankak"_s, u"ヤマダ"_s);
     type(household, u"frm01_tel"_s, u"03"_s);
-    answer(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
-    expect(u"入力された内容で檀家さんは更新されました。"_s, u"檀家 登録"_s);
-    press(household, u"更新"_s);
+    change();
     EXPECT_EQ(query(u"SELECT tbldnk_chiku FROM tbl_danka WHERE tbldnk_no1 = 3"_s), u"東"_s);
     EXPECT_EQ(query(u"SELECT マ_略称 FROM マスタ WHERE マ_区分 = 2"_s), u"東の地区|東"_s);
+}
+
+TEST_F(HouseholdScreens, ANewHeadIsChosenWithHisRelationship) {
+    open(u"代替当"_s);
+    EXPECT_EQ(text(u"代替当"_s, u"frm01_jyusho1"_s), u"寺前1丁目2-3"_s);
+    clickLine(u"代替当"_s, u"frm01_toshug"_s, u"次郎"_s);
+    EXPECT_EQ(control<QListWidget>(u"代替当"_s, u"frm01_tsh_zkgr"_s).currentRow(), 1);
+    EXPECT_EQ(text(u"代替当"_s, u"frm01_jyusho1"_s), u"川端2"_s);
+    press(u"代替当"_s, u"家族一覧"_s);
+    EXPECT_EQ(text(u"家族一"_s, u"frm12_jyusho1"_s), u"川端2"_s);
 }
 
 } // namespace
