@@ -173,6 +173,25 @@ TEST_F(Backups, RestorePutsTheCopyBackAndKeepsWhatWasThere) {
     EXPECT_EQ(household(), u"山田"_s);
 }
 
+TEST_F(Backups, RestoreIsSafeFromTheJournalOfARegisterThatIsGone) {
+    const QString made = copy();
+    execute(u"UPDATE tbl_danka SET tbldnk_nameg = '新'"_s);
+    const QString journal = registered() + u"-journal"_s;
+    {
+        store::Database database;
+        database.engine().exec("PRAGMA cache_size = 1");
+        store::Write unfinished(database);
+        database.engine().exec("UPDATE tbl_danka SET tbldnk_nameg = '途中';"
+                               "UPDATE マスタ SET マ_名称 = マ_名称 || hex(zeroblob(20000))");
+        ASSERT_TRUE(QFile::copy(journal, path(u"journal"_s)));
+    }
+    QFile::remove(registered());
+    QFile::rename(path(u"journal"_s), journal);
+    EXPECT_EQ(store::restore(made, registered(), {today, QTime(10, 0)}), QString());
+    EXPECT_EQ(household(), u"山田"_s);
+    EXPECT_EQ(query(u"PRAGMA integrity_check"_s), u"ok"_s);
+}
+
 TEST_F(Backups, NamesAreBroughtIntoStepWithTheirHouseholds) {
     execute(uR"(
         UPDATE tbl_danka SET tbldnk_namek = 'ヤマダ';

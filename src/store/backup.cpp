@@ -289,27 +289,29 @@ QString restore(const QString& file, const QString& registerPath, const QDateTim
     Copy copy(file, draft);
     while (copy.advance()) {
     }
-    QString kept;
+    const bool replaces = QFileInfo::exists(registerPath);
+    const QString kept = newBackupPath(registerPath, BackupKind::replaced, now);
     try {
-        if (QFileInfo::exists(registerPath)) {
+        if (replaces) {
             settle(registerPath);
-            kept = newBackupPath(registerPath, BackupKind::replaced, now);
-            const QStringList sideFiles{u"-journal"_s, u"-wal"_s, u"-shm"_s};
-            for (const QString& ending : QStringList{QString()} + sideFiles)
-                if (QFileInfo::exists(registerPath + ending))
-                    keepFile(registerPath + ending, kept + ending);
-            // A journal left beside the name would be played into the restored file.
-            for (const QString& ending : sideFiles)
-                if (QFileInfo::exists(registerPath + ending) && !QFile::remove(registerPath + ending))
-                    throw Error(0, u"「%1」を取り除けません。書き込みの許可を確認して下さい。"_s.arg(
-                                       QDir::toNativeSeparators(registerPath + ending)));
+            keepFile(registerPath, kept);
+        }
+        // A journal left beside the name would be played into the restored file, also where the register is gone.
+        for (const QString& ending : {u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
+            const QString left = registerPath + ending;
+            if (!QFileInfo::exists(left))
+                continue;
+            keepFile(left, kept + ending);
+            if (!QFile::remove(left))
+                throw Error(0, u"「%1」を取り除けません。書き込みの許可を確認して下さい。"_s.arg(
+                                   QDir::toNativeSeparators(left)));
         }
         moveInto(draft, registerPath);
     } catch (...) {
         QFile::remove(draft);
         throw;
     }
-    return kept;
+    return replaces ? kept : QString();
 }
 
 } // namespace store
