@@ -282,7 +282,13 @@ TEST_F(Notices, MarkAllOrNone) {
     addDaily(3, u"2026-12-01"_s, false);
     execute(u"CREATE TRIGGER full BEFORE UPDATE ON tbl_hohyo WHEN NEW.tblhoy_zokunameg = '003' "
             "BEGIN SELECT RAISE(FAIL, 'disk full'); END"_s);
-    EXPECT_ANY_THROW(notifyRange(form, printer, desk));
+    try {
+        notifyRange(form, printer, desk);
+        ADD_FAILURE() << "no failure";
+    } catch (const store::Error& failure) {
+        EXPECT_TRUE(failure.message().contains(u"disk full"_s));
+        EXPECT_TRUE(failure.message().contains(u"宛名は印刷済みですが"_s)) << failure.message().toStdString();
+    }
     EXPECT_EQ(marked(), QString());
 }
 

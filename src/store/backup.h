@@ -81,8 +81,9 @@ std::optional<QString> makeBackup(
     const std::function<bool(int)>& step = [](int) { return true; });
 
 // Puts a copy in the register's place, verified like any copy. What was there, whatever it is, goes into the backup
-// folder first, journals included; its path is given, empty where no register was there. Interrupted at any point, the register is the old one
-// or the new one. Throws Error when the file is no register, or when another program is writing to the present one.
+// folder first, journals included; its path is given, empty where no register was there. Interrupted at any point, the
+// register is the old one or the new one. Throws Error when the file is no register, or when another program is writing
+// to the present one.
 QString restore(const QString& file, const QString& registerPath, const QDateTime& now);
 
 } // namespace store

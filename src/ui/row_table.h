@@ -39,7 +39,7 @@ class RowTable : public QTableView {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    int preferredRows_ = 14;
+    int preferredRows_ = 17;
 };
 
 } // namespace ui
