@@ -30,7 +30,7 @@ class Backups : public RegisterFixture {
         return file.fileName();
     }
     QString put(QDate day, const QString& kind) const {
-        const QString name = u"Hoshiren-%1-120000-%2.mdb"_s.arg(day.toString(u"yyyy-MM-dd"), kind);
+        QString name = u"Hoshiren-%1-120000-%2.mdb"_s.arg(day.toString(u"yyyy-MM-dd"), kind);
         put(u"backup/"_s + name);
         return name;
     }
@@ -82,7 +82,7 @@ TEST_F(Backups, AFailedCopyLeavesNothing) {
     const int page = query(u"SELECT rootpage FROM sqlite_master WHERE name = 'tbl_danka'"_s).toInt();
     QFile file(registered());
     ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    file.seek((page - 1) * 4096);
+    file.seek(qint64{page - 1} * 4096);
     file.write(QByteArray(4096, '\x7f'));
     file.close();
     EXPECT_THROW(copy(), SQLite::Exception);

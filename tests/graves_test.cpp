@@ -454,6 +454,11 @@ TEST_F(NewGrave, ChecksThePlaceByMode) {
         press(graves::updateGrave);
         desk.finish();
     }
+    // A number was proposed since the grave was looked up.
+    registerWith(false);
+    form.frm13_haka_no.text = u"1"_s;
+    desk.expect(changed, newTitle);
+    press(graves::updateGrave);
 }
 
 TEST_F(NewGrave, LooksUpChangesAndDeletes) {

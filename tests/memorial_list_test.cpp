@@ -287,7 +287,7 @@ TEST_F(Notices, MarkAllOrNone) {
         ADD_FAILURE() << "no failure";
     } catch (const store::Error& failure) {
         EXPECT_TRUE(failure.message().contains(u"disk full"_s));
-        EXPECT_TRUE(failure.message().contains(u"宛名は印刷済みですが"_s)) << failure.message().toStdString();
+        EXPECT_TRUE(failure.message().contains(u"宛名は出力済みですが"_s)) << failure.message().toStdString();
     }
     EXPECT_EQ(marked(), QString());
 }

@@ -87,7 +87,7 @@ bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
 
 void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.household = context.dnk_no1;
-    desk::HouseholdBlock shown = context;
+    auto shown = static_cast<const desk::HouseholdBlock&>(context);
     if (shown.dnk_namek.isEmpty()) {
         store::Database database;
         if (const auto row = store::find(database, store::idxdnk_no, form.household, 0))

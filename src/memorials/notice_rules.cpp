@@ -17,7 +17,7 @@ using printing::LabelMode;
 const QString title = u"法要通知"_s;
 const QString noMemorial = u"法要予定はありません"_s;
 const QString labelsAreOut =
-    u"\n\n宛名は印刷済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び印刷されます。"_s;
+    u"\n\n宛名は出力済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び出力されます。"_s;
 
 bool isOpenForNotice(ListedRow row) {
     return row.tblhoy_kaiki_s == 0 && row.tblhoy_kaiki_rs == 0 && row.tblhoy_tsuchi_s == 0;

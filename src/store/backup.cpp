@@ -290,22 +290,23 @@ QString restore(const QString& file, const QString& registerPath, const QDateTim
     while (copy.advance()) {
     }
     const bool replaces = QFileInfo::exists(registerPath);
-    const QString kept = newBackupPath(registerPath, BackupKind::replaced, now);
+    QString kept;
     try {
-        if (replaces) {
+        if (replaces)
             settle(registerPath);
-            keepFile(registerPath, kept);
-        }
+        QStringList there;
+        for (const QString& ending : {QString(), u"-journal"_s, u"-wal"_s, u"-shm"_s})
+            if (QFileInfo::exists(registerPath + ending))
+                there << ending;
+        if (!there.isEmpty())
+            kept = newBackupPath(registerPath, BackupKind::replaced, now);
+        for (const QString& ending : there)
+            keepFile(registerPath + ending, kept + ending);
         // A journal left beside the name would be played into the restored file, also where the register is gone.
-        for (const QString& ending : {u"-journal"_s, u"-wal"_s, u"-shm"_s}) {
-            const QString left = registerPath + ending;
-            if (!QFileInfo::exists(left))
-                continue;
-            keepFile(left, kept + ending);
-            if (!QFile::remove(left))
+        for (const QString& ending : there)
+            if (!ending.isEmpty() && !QFile::remove(registerPath + ending))
                 throw Error(0, u"「%1」を取り除けません。書き込みの許可を確認して下さい。"_s.arg(
-                                   QDir::toNativeSeparators(left)));
-        }
+                                   QDir::toNativeSeparators(registerPath + ending)));
         moveInto(draft, registerPath);
     } catch (...) {
         QFile::remove(draft);

@@ -32,7 +32,7 @@ void bindValue(SQLite::Statement& statement, int at, QDate value) {
         statement.bind(at);
         return;
     }
-    std::array<char, 40> text;
+    std::array<char, 40> text{};
     std::snprintf(text.data(), text.size(), "%04d-%02d-%02d", value.year(), value.month(), value.day());
     statement.bind(at, text.data());
 }

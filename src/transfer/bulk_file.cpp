@@ -13,7 +13,7 @@ namespace transfer {
 namespace {
 
 constexpr QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
-constexpr qsizetype bufferSize = 256 * 1024;
+constexpr qsizetype bufferSize = qsizetype{256} * 1024;
 
 // The path with its folder's links and other spellings resolved; for a file that exists, its own links too.
 QString resolved(const QString& path) {

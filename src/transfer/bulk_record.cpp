@@ -15,8 +15,8 @@ namespace transfer {
 
 namespace {
 
-constexpr qint64 blockSize = 256 * 1024;
-constexpr qsizetype longestLine = 1024 * 1024; // bytes kept of a record; what is longer is no register's file
+constexpr qint64 blockSize = qint64{256} * 1024;
+constexpr qsizetype longestLine = 1 << 20; // bytes kept of a record; what is longer is no register's file
 constexpr auto byteOrderMark = "\xEF\xBB\xBF"_L1;
 constexpr QChar undecodable = QChar::ReplacementCharacter;
 constexpr QChar missingGlyph = u'〓'; // what a Japanese printer sets for a character he does not have

@@ -236,7 +236,7 @@ Layout& Layout::shown(const QString& name, desk::Text& value, int width) {
     return *this;
 }
 
-Layout& Layout::combo(const QString& name, desk::Combo& value, int width, Operation picked) {
+Layout& Layout::combo(const QString& name, desk::Combo& value, int width, const Operation& picked) {
     auto* box = new QComboBox;
     box->setObjectName(name);
     box->setEditable(true);
@@ -273,7 +273,7 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, Operat
     return *this;
 }
 
-Layout& Layout::choice(const QString& name, desk::Combo& value, int width, Operation picked) {
+Layout& Layout::choice(const QString& name, desk::Combo& value, int width, const Operation& picked) {
     combo(name, value, width);
     auto* box = static_cast<QComboBox*>(last_);
     box->setEditable(false);
@@ -282,7 +282,7 @@ Layout& Layout::choice(const QString& name, desk::Combo& value, int width, Opera
 }
 
 Layout& Layout::options(const QString& frameName, const QString& title, std::initializer_list<OptionItem> items,
-                        Operation chosen) {
+                        const Operation& chosen) {
     QWidget* box = frameWidget(frameName, title);
     auto* line = new QHBoxLayout(box);
     line->setContentsMargins(title.isEmpty() ? QMargins(0, 0, 0, 0) : QMargins(8, 4, 8, 4));
@@ -321,7 +321,7 @@ Layout& Layout::check(const QString& name, desk::Check& value, const QString& ca
     return *this;
 }
 
-Layout& Layout::list(const QString& name, desk::List& value, int width, int lines, Operation chosen,
+Layout& Layout::list(const QString& name, desk::List& value, int width, int lines, const Operation& chosen,
                      const QString& heading) {
     auto* box = new ListBox;
     box->setObjectName(name);
@@ -411,7 +411,7 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value) {
     return *this;
 }
 
-Layout& Layout::grid(const QString& name, desk::Grid& value, GridEvents events, int visibleRows) {
+Layout& Layout::grid(const QString& name, desk::Grid& value, const GridEvents& events, int visibleRows) {
     auto* view = new GridView;
     view->setObjectName(name);
     place(view, 1);

@@ -66,20 +66,20 @@ class Layout {
     Layout& number(const QString& name, desk::Text& value, int width); // right-aligned
     Layout& shown(const QString& name, desk::Text& value, int width);  // only shows: read-only, not in the tab order
     // picked runs when an entry is chosen, and on Enter with what was typed.
-    Layout& combo(const QString& name, desk::Combo& value, int width, Operation picked = {});
+    Layout& combo(const QString& name, desk::Combo& value, int width, const Operation& picked = {});
     // A drop-down list without free text.
-    Layout& choice(const QString& name, desk::Combo& value, int width, Operation picked);
+    Layout& choice(const QString& name, desk::Combo& value, int width, const Operation& picked);
     // Option buttons in a frame of their own; may all be off.
     Layout& options(const QString& frameName, const QString& title, std::initializer_list<OptionItem> items,
-                    Operation chosen = {});
+                    const Operation& chosen = {});
     Layout& check(const QString& name, desk::Check& value, const QString& caption);
     // chosen runs on a click and on Enter.
-    Layout& list(const QString& name, desk::List& value, int width, int lines, Operation chosen = {},
+    Layout& list(const QString& name, desk::List& value, int width, int lines, const Operation& chosen = {},
                  const QString& heading = {});
     // The last lists scroll together and show the same line as chosen; only the first of them is in the tab order.
     Layout& parallel(int lists);
     Layout& dates(const DateNames& names, desk::DateGroup& value);
-    Layout& grid(const QString& name, desk::Grid& value, GridEvents events, int visibleRows = 17);
+    Layout& grid(const QString& name, desk::Grid& value, const GridEvents& events, int visibleRows = 17);
     Layout& button(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
     // Any other widget as an item of the row, or as a band of its own that takes the room of the window; the caller
     // binds it.

@@ -86,7 +86,7 @@ Name familyName(Chance& chance) {
 
 Name givenName(Chance& chance, bool woman, std::set<QString>& taken) {
     for (;;) {
-        const Name name = woman ? chance.of(women) : chance.of(men);
+        Name name = woman ? chance.of(women) : chance.of(men);
         if (taken.insert(name.kanji).second)
             return name;
     }
