@@ -1,7 +1,9 @@
 #include "printing/label_painter.h"
 
+#include <QDialog>
 #include <QPrintPreviewWidget>
 #include <QProcess>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 

@@ -1,6 +1,8 @@
 #include "printing/label_sheet.h"
 #include "support/label_printer.h"
 
+#include <gtest/gtest.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {

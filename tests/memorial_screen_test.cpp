@@ -1,5 +1,6 @@
 #include "support/screen_fixture.h"
 
+#include <QDialog>
 #include <QDir>
 #include <QPrintPreviewWidget>
 #include <QtTest>

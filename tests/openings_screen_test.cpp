@@ -1,6 +1,7 @@
 #include "app/screens.h"
 #include "support/screen_fixture.h"
 
+#include <QApplication>
 #include <QTabWidget>
 
 using namespace Qt::StringLiterals;

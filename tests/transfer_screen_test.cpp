@@ -1,9 +1,11 @@
 #include "support/screen_fixture.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QProgressDialog>
+#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 

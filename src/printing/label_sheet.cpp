@@ -1,5 +1,6 @@
 #include "printing/label_sheet.h"
 
+#include <QList>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>

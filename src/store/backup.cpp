@@ -231,8 +231,8 @@ QString newBackupPath(const QString& registerPath, BackupKind kind, const QDateT
         throw Error(0, u"控えの場所「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(
                            QDir::toNativeSeparators(folder.path())));
     for (QDateTime time = now;; time = time.addSecs(1)) {
-        const QString path = folder.filePath(u"%1-%2-%3.mdb"_s.arg(QFileInfo(registerPath).completeBaseName(),
-                                                                   time.toString(timeFormat), wordFor(kind)));
+        QString path = folder.filePath(u"%1-%2-%3.mdb"_s.arg(QFileInfo(registerPath).completeBaseName(),
+                                                             time.toString(timeFormat), wordFor(kind)));
         if (!QFileInfo::exists(path))
             return path;
     }

@@ -40,7 +40,7 @@ int exportRecords(const ExportJob& job, qint64 expected, desk::Desk& desk,
             if (file.write(record->fields))
                 referred << record->name;
             if (++count % recordsPerStep == 0 &&
-                !progress->advance(static_cast<int>(count * 100 / std::max(expected, qint64{count})),
+                !progress->advance(static_cast<int>(qint64{count} * 100 / std::max(expected, qint64{count})),
                                    u"出力 %1 件"_s.arg(count))) {
                 desk.notify(u"中止しました。ファイルは出力されていません"_s, job.title, desk::Icon::none);
                 return 0;

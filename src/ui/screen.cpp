@@ -22,6 +22,10 @@ namespace ui {
 
 namespace {
 
+template <class Block> void copyBlock(const desk::ScreenContext& from, desk::ScreenContext& to) {
+    static_cast<Block&>(to) = static_cast<const Block&>(from);
+}
+
 QColor colourOf(desk::Colour colour) {
     switch (colour) {
     case desk::Colour::darkRed:
@@ -235,13 +239,13 @@ void Screen::putBackKept() {
     if (keeps_.household)
         context.publishHousehold(static_cast<const desk::HouseholdBlock&>(kept_));
     if (keeps_.deceased)
-        static_cast<desk::DeceasedBlock&>(context) = kept_;
+        copyBlock<desk::DeceasedBlock>(kept_, context);
     if (keeps_.memorial)
-        static_cast<desk::MemorialBlock&>(context) = kept_;
+        copyBlock<desk::MemorialBlock>(kept_, context);
     if (keeps_.member)
-        static_cast<desk::MemberBlock&>(context) = kept_;
+        copyBlock<desk::MemberBlock>(kept_, context);
     if (keeps_.grave)
-        static_cast<desk::GraveBlock&>(context) = kept_;
+        copyBlock<desk::GraveBlock>(kept_, context);
 }
 
 void Screen::takeKept() {

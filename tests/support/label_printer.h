@@ -2,6 +2,8 @@
 
 #include "printing/label_printer.h"
 
+#include <QStringList>
+
 #include <cmath>
 
 // A font of full-width characters 4 mm and ASCII 2 mm wide, that lacks "鷗" and everything beyond the basic plane.
