@@ -76,15 +76,13 @@ TEST_F(Convert, TakesEveryRowAsItIs) {
     EXPECT_TRUE(lines.contains(u"hoshiren-db restore old-new.mdb"_s)) << lines.toStdString();
     store::Database converted(path(u"old-new.mdb"_s));
     converted.engine().exec("ATTACH '" + sample.toStdString() + "' AS old");
-    for (const std::string table :
-         {"tbl_danka", "tbl_kazoku", "tbl_kakocho", "tbl_ohaka", "tbl_hohyo", "tbl_nengo", "tbl_hatsuban", "マスタ"})
-        for (const auto& [one, other] : {std::pair("main.", "old."), {"old.", "main."}})
-            EXPECT_EQ(converted.engine()
-                          .execAndGet("SELECT count(*) FROM (SELECT * FROM " + (one + table) +
-                                      " EXCEPT SELECT * FROM " + other + table + ")")
-                          .getInt(),
-                      0)
-                << one << table;
+    const QString rowsOfOneOnly = u"SELECT count(*) FROM (SELECT * FROM %2.%1 EXCEPT SELECT * FROM %3.%1)"_s;
+    for (const char16_t* table : {u"tbl_danka", u"tbl_kazoku", u"tbl_kakocho", u"tbl_ohaka", u"tbl_hohyo", u"tbl_nengo",
+                                  u"tbl_hatsuban", u"マスタ"})
+        for (const auto& [one, other] : {std::pair(u"main", u"old"), {u"old", u"main"}}) {
+            const std::string difference = rowsOfOneOnly.arg(table, one, other).toStdString();
+            EXPECT_EQ(converted.engine().execAndGet(difference).getInt(), 0) << difference;
+        }
     // Nothing is written over.
     EXPECT_EQ(tool({u"convert"_s, u"old.mdb"_s}).first, 1);
 }

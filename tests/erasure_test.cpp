@@ -34,7 +34,7 @@ class Erasure : public RegisterFixture {
   protected:
     // Household 7 with a branch, and the same rows for households 5 and 9 around it.
     Erasure() {
-        for (const char16_t* number : {u"5", u"7", u"9"})
+        for (const char16_t* number : {u"5", u"7", u"9"}) {
             execute(uR"(
                 INSERT INTO tbl_danka (tbldnk_no1, tbldnk_no2, tbldnk_nameg) VALUES (%1, 0, '山田'), (%1, 1, '山田');
                 INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg) VALUES
@@ -48,6 +48,7 @@ class Erasure : public RegisterFixture {
                    '2027-04-01', 0, NULL, '角', 'ヤ', NULL);
                 INSERT INTO tbl_ohaka (tblhak_no, tblhak_dnk_no, tblhak_bohyo_mei) VALUES (%11, %1, '山田家');)"_s
                         .replace(u"%1"_s, QString::fromUtf16(number)));
+        }
         context.dnk_no1 = 7;
         context.dnk_nameg = u"山田"_s;
     }

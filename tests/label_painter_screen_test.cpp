@@ -69,7 +69,8 @@ TEST_F(LabelPainter, PutsThirteenLabelsToATenthOfAMillimetre) {
     ASSERT_EQ(words.size(), 13U * 4);
     for (std::size_t label = 0; label < addresses.size(); ++label) {
         const auto& [first, second, third, fourth] = addresses[label];
-        double line = 21.6 + 43.2 * static_cast<double>(label % 12 / 2);
+        const std::size_t row = label % 12 / 2;
+        double line = 21.6 + 43.2 * static_cast<double>(row);
         for (const QString& text : {first, second, third, fourth}) {
             line += 5.0;
             const auto found = std::ranges::find(words, text, &Word::text);
