@@ -23,6 +23,11 @@ template <class T> void put(QByteArray& page, qsizetype at, T value) {
     page.replace(at, sizeof(T), little(value));
 }
 
+void setBit(QByteArray& bits, std::size_t bit) {
+    const auto at = static_cast<qsizetype>(bit / 8);
+    bits[at] = static_cast<char>(bits[at] | 1 << (bit % 8));
+}
+
 QByteArray wide(const QString& text) {
     QByteArray bytes;
     for (const QChar unit : text)
@@ -127,7 +132,7 @@ QByteArray JetFile::rowBytes(const std::vector<Column>& columns, const Row& row)
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const Cell& cell = row[i];
         if (cell.index() != 0)
-            notNull[static_cast<qsizetype>(i / 8)] |= static_cast<char>(1 << (i % 8));
+            setBit(notNull, i);
         QByteArray bytes(fixed(columns[i].type) ? sizeOf(columns[i].type) : 0, 0);
         if (const auto* number = std::get_if<qint64>(&cell))
             bytes = little(*number).left(bytes.size());
@@ -178,7 +183,7 @@ void JetFile::addTable(quint32 definition, const std::vector<Column>& columns, c
     // Which pages are the table's: one bit a page.
     QByteArray used(1 + 4 + 64, 0);
     for (const quint32 page : data)
-        used[static_cast<qsizetype>(5 + page / 8)] |= static_cast<char>(1 << (page % 8));
+        setBit(used, 8 * 5 + page);
     const quint32 map = addPage(dataPage(0, {used, used}, 2));
 
     QByteArray page(pageSize, 0);
