@@ -315,7 +315,7 @@ TEST_P(Faults, KilledAtRandomPoints) {
 TEST_P(Faults, WriteOrSyncThatFails) {
     prepare(70, 70);
     int tried = 0;
-    for (const bool andAllLater : {false, true})
+    for (const bool andAllLater : {false, true}) {
         for (int nth = 1;; nth += stride) {
             startAnew();
             faults::failAt(nth, andAllLater);
@@ -327,6 +327,7 @@ TEST_P(Faults, WriteOrSyncThatFails) {
                 break;
             ++tried;
         }
+    }
     EXPECT_GT(tried, 2);
     report("failing writes", tried, tried);
 }
@@ -341,7 +342,7 @@ TEST_P(Faults, FullDisk) {
     for (auto outcome = Outcome::notDone; outcome == Outcome::notDone; ++tried) {
         startAnew();
         outcome = inAnotherProcess([&] {
-            const std::string options = "size=" + std::to_string(size + 8 * stride * tried) + "k";
+            const std::string options = "size=" + std::to_string(size + qint64{8} * stride * tried) + "k";
             const QByteArray place = QFile::encodeName(folder);
             if (unshare(CLONE_NEWNS) || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) ||
                 mount("tmpfs", place.constData(), "tmpfs", 0, options.c_str()))
@@ -365,7 +366,7 @@ TEST_P(Faults, FileSizeLimit) {
     const qint64 size = QFile(directory.filePath(u"base.mdb"_s)).size();
     int tried = 0;
     int met = 0;
-    for (qint64 limit = 4096; limit < 2 * size && !HasFailure(); limit += 8192 * stride, ++tried) {
+    for (qint64 limit = 4096; limit < 2 * size && !HasFailure(); limit += qint64{8192} * stride, ++tried) {
         startAnew();
         const auto outcome = inAnotherProcess([&] {
             const rlimit bound{static_cast<rlim_t>(limit), RLIM_INFINITY};
