@@ -129,7 +129,7 @@ template <class Row, class... Keys> class Table {
         if (removed_) {
             removed_ = false;
             const auto keys = keysOf(row_);
-            found_ = std::apply([this](const auto&... key) { return seekForward(key...); }, keys);
+            found_ = std::apply([this](const auto&... key) { return this->seekForward(key...); }, keys);
             return;
         }
         found_ = step();
@@ -232,7 +232,7 @@ template <class Row, class... Keys> class Table {
         const Row row = readRow<Row>(last);
         const qint64 rowid = last.getColumn(rowidColumn()).getInt64();
         // The walk starts at that row: seek to its keys and pass over equal keys written before it.
-        bool found = std::apply([this](const auto&... key) { return seekForward(key...); }, keysOf(row));
+        bool found = std::apply([this](const auto&... key) { return this->seekForward(key...); }, keysOf(row));
         while (found && rowid_ != rowid)
             found = step();
         return found;
