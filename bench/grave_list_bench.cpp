@@ -3,6 +3,7 @@
 //
 //     grave_list_bench [REGISTER]
 #include "compare.h"
+#include "silent_desk.h"
 
 #include "graves/grave_list_rules.h"
 #include "store/database.h"
@@ -19,19 +20,6 @@ namespace {
 
 constexpr int sectionSize = 3000;
 constexpr int wholeFile = 32767;
-
-// Speaks to nobody: a page that has something to say is a failure.
-class SilentDesk : public desk::Desk {
-  public:
-    void notify(const QString& text, const QString&, desk::Icon) override {
-        throw std::runtime_error(text.toStdString());
-    }
-    bool ask(const QString&, const QString&) override { return false; }
-    QDate today() const override { return QDate(2026, 11, 22); }
-    void open(const QString&, desk::Opening, std::function<void()>) override {}
-    void close() override {}
-    std::unique_ptr<desk::Progress> progress(const QString&) override { return {}; }
-};
 
 QString lot(int number) {
     return QStringLiteral("%1").arg(number, 4, 10, QChar(u'0'));
@@ -104,7 +92,7 @@ int main(int argc, char** argv) {
     const QCoreApplication app(argc, argv);
     try {
         QTemporaryDir folder;
-        SilentDesk desk;
+        bench::SilentDesk desk;
         const QString file = folder.filePath(QStringLiteral("Hoshiren.mdb"));
         const QString small = folder.filePath(QStringLiteral("small.mdb"));
         makeRegister(file, wholeFile);

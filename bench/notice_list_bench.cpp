@@ -2,6 +2,7 @@
 //
 //     notice_list_bench REGISTER
 #include "compare.h"
+#include "silent_desk.h"
 
 #include "memorials/notice_rules.h"
 #include "store/database.h"
@@ -14,19 +15,6 @@
 #include <stdexcept>
 
 namespace {
-
-// Speaks to nobody: a page that has something to say is a failure.
-class SilentDesk : public desk::Desk {
-  public:
-    void notify(const QString& text, const QString&, desk::Icon) override {
-        throw std::runtime_error(text.toStdString());
-    }
-    bool ask(const QString&, const QString&) override { return false; }
-    QDate today() const override { return QDate(2026, 11, 22); }
-    void open(const QString&, desk::Opening, std::function<void()>) override {}
-    void close() override {}
-    std::unique_ptr<desk::Progress> progress(const QString&) override { return {}; }
-};
 
 long long readAll(sqlite3_stmt* statement) {
     long long bytes = 0;
@@ -83,7 +71,7 @@ int main(int argc, char** argv) {
     }
     try {
         store::Database::setRegisterPath(QString::fromLocal8Bit(argv[1]));
-        SilentDesk desk;
+        bench::SilentDesk desk;
         desk::ScreenContext context;
         memorials::法要通Form form;
         memorials::openNotices(form, context, desk);
