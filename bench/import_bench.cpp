@@ -26,7 +26,8 @@ void require(bool good, const char* what) {
 class QuietDesk : public desk::Desk {
   public:
     void notify(const QString&, const QString&, desk::Icon) override {}
-    bool ask(const QString&, const QString&) override { return true; }
+    bool ask(const QString&, const QString&, desk::Preset) override { return true; }
+    void inform(const QString&) override {}
     QDate today() const override { return {2026, 11, 22}; }
     void open(const QString&, desk::Opening, std::function<void()>) override {}
     void close() override {}

@@ -12,7 +12,8 @@ class SilentDesk : public desk::Desk {
     void notify(const QString& text, const QString&, desk::Icon) override {
         throw std::runtime_error(text.toStdString());
     }
-    bool ask(const QString&, const QString&) override { return false; }
+    bool ask(const QString&, const QString&, desk::Preset) override { return false; }
+    void inform(const QString&) override {}
     QDate today() const override { return QDate(2026, 11, 22); }
     void open(const QString&, desk::Opening, std::function<void()>) override {}
     void close() override {}

@@ -73,7 +73,8 @@ QString withLookAlikes(QString text) {
 class NoDesk : public desk::Desk {
   public:
     void notify(const QString&, const QString&, desk::Icon) override { ++messages; }
-    bool ask(const QString&, const QString&) override { return false; }
+    bool ask(const QString&, const QString&, desk::Preset) override { return false; }
+    void inform(const QString&) override {}
     QDate today() const override { return {2026, 11, 22}; }
     void open(const QString&, desk::Opening, std::function<void()>) override {}
     void close() override {}

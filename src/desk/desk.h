@@ -10,6 +10,8 @@ namespace desk {
 
 enum class Icon { none, exclamation };
 enum class Opening { modeless, modal };
+// The answer of a question that Enter gives: いいえ where はい would destroy something.
+enum class Preset { yes, no };
 
 // The progress of a long run. Nothing is shown for the first half second.
 class Progress {
@@ -27,7 +29,9 @@ class Desk {
     // A message with an OK button. The form is shown first.
     virtual void notify(const QString& text, const QString& title, Icon icon = Icon::exclamation) = 0;
     // A question with Yes and No and no icon; true on Yes.
-    virtual bool ask(const QString& text, const QString& title) = 0;
+    virtual bool ask(const QString& text, const QString& title, Preset preset = Preset::yes) = 0;
+    // Tells in the screen's bar what needs no answer; it stays until the screen's next operation.
+    virtual void inform(const QString& text) = 0;
 
     virtual QDate today() const = 0;
 

@@ -17,7 +17,7 @@ struct Control {
     Colour colour = Colour::black;
     bool first = false;    // asked to come first in the tab order; taken back when it has been moved
     bool keyboard = false; // asked to take the keyboard when the operation ends
-    bool enabled = true;
+    bool whole = false;    // its text is then chosen whole, so that typing replaces it
 
     void moveToFront() { first = keyboard = true; }
 };
@@ -70,7 +70,6 @@ struct Grid : Control {
     int blankRows = 30;            // rows shown at least, empty ones included
     int highlighted = 0;           // row on the highlight colour (128, 255, 128), 0 none
     int clickedRow = 0;            // of the user's last click; a click below the last row counts as the row after it
-    int clickedColumn = 0;
 
     // The text of a cell, empty where nothing was written.
     QString cell(int row, int column) const;

@@ -29,9 +29,18 @@ struct HouseholdBlock {
     QString dnk_chiku;
     QString dnk_bikou;
 
-    // Takes names, category, address and contacts from a household's row; numbers and dnk_haka_basho stay.
-    void takeNames(const store::tbl_danka& row);
+    // The boxes of a screen, unsaved edits included, for the screen that it opens. Otherwise that one reads the
+    // household by its numbers.
+    bool dnk_handedOver = false;
+
+    static HouseholdBlock of(const store::tbl_danka& row);
+    // Writes all but the numbers into a row.
+    void writeInto(store::tbl_danka& row) const;
 };
+
+// "檀家" or "一般"; "境内" or "境外".
+QString categoryText(bool parishioner);
+QString placeText(bool withinGrounds);
 
 struct DeceasedBlock {
     QString kak_zokunameg;
@@ -44,8 +53,10 @@ struct DeceasedBlock {
     QString kak_kankeisha;
     QString kak_zokugara;
 
-    // Takes everything from an entry of the death register.
-    void takeEntry(const store::tbl_kakocho& row);
+    // The boxes of a screen, for the screen that it opens. Otherwise that one reads the entry by its key.
+    bool kak_handedOver = false;
+
+    static DeceasedBlock of(const store::tbl_kakocho& row);
 };
 
 struct MemorialBlock {
@@ -78,14 +89,22 @@ struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock
     // hak_himo_no and the check state keep their values.
     void G初期値();
 
-    // Sets the household number. When it is another household's, deceased, member and memorial are emptied first, so
-    // that no person of one household is looked for in another; the grave is left alone.
+    // Sets the household number. When it is another household's, the rest of the block is emptied, and deceased,
+    // member, memorial and grave with it, so that nothing of one household is looked for in another.
     void publishHousehold(std::int16_t no1);
     // The same with the whole block.
     void publishHousehold(const HouseholdBlock& household);
 
-    // Chooses a deceased by secular name; another one than the present empties the rest of the block.
-    void chooseDeceased(const QString& zokunameg);
+    // Names a deceased by the key of his entry: the household's name as the entry bears it, the secular name. Another
+    // one than the present empties the rest of the block.
+    void nameDeceased(const QString& householdName, const QString& zokunameg);
+    // Publishes an entry whole, the household's names as the entry bears them included.
+    void publishDeceased(const store::tbl_kakocho& entry);
+    // No deceased, and no memorial of one, is chosen.
+    void clearDeceased();
+
+    // What was handed over from boxes holds for one opening only.
+    void endHandOver() { dnk_handedOver = kak_handedOver = false; }
 };
 
 } // namespace desk

@@ -16,7 +16,8 @@ std::optional<store::tbl_hohyo> nextMemorial(store::Table<store::tbl_hohyo, std:
     memorials.seek(store::Seek::atOrAfter, number, name, QDate(values::firstYear, 1, 1));
     for (; !memorials.eof(); memorials.moveNext()) {
         const store::tbl_hohyo& row = memorials.row();
-        if (row.tblhoy_no != number || row.tblhoy_danknameg != line.household || row.tblhoy_zokunameg != name)
+        if (row.tblhoy_no != number || row.tblhoy_danknameg != line.death.tblkak_dnknameg ||
+            row.tblhoy_zokunameg != name)
             return {};
         if (row.tblhoy_kaiki_yymd > line.today && row.tblhoy_kaiki_s != 1)
             return row;
@@ -73,13 +74,12 @@ desk::ListDescription<DeathLine, Position> description() {
 }
 
 auto deaths(const 過去一Form& form, const desk::ScreenContext& context) {
-    return [number = context.dnk_no1, household = context.dnk_nameg, today = form.today](const Position& position,
-                                                                                         const auto& take) {
+    return [number = context.dnk_no1, today = form.today](const Position& position, const auto& take) {
         return readFrom(position, number,
                         {"tbl_kakocho.tblkak_no", "tbl_kakocho.tblkak_mei_ymd", "tbl_kakocho.tblkak_zokunameg"},
                         &store::tbl_kakocho::tblkak_mei_ymd, &store::tbl_kakocho::tblkak_zokunameg,
                         [&](const store::tbl_kakocho& row) {
-                            return take({row, household, today, {}, {}});
+                            return take({row, today, {}, {}});
                         });
     };
 }
@@ -92,7 +92,7 @@ void openDeceased(const QString& screen, 過去一Form& form, desk::ScreenContex
     const DeathLine* line = form.list.selected();
     if (!line)
         return;
-    context.chooseDeceased(line->death.tblkak_zokunameg);
+    context.publishDeceased(line->death);
     desk.open(screen, desk::Opening::modal, [&form, &context, &desk] { showFirst(form, context, desk); });
 }
 
@@ -120,7 +120,7 @@ void nextDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk
 
 void pickDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (const DeathLine* line = form.list.click(form.frm21_tbl, desk))
-        context.chooseDeceased(line->death.tblkak_zokunameg);
+        context.publishDeceased(line->death);
 }
 
 void showMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {

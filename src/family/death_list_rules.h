@@ -7,7 +7,6 @@ namespace family {
 
 struct DeathLine {
     store::tbl_kakocho death;
-    QString household; // the name that the memorials of this list bear
     QDate today;
     QString memorial;     // the next one's name; empty when none lies ahead
     QString memorialDate; // in era form

@@ -52,8 +52,11 @@ void fillFamilyLists(store::Database& database, 過去登Form& form, const desk:
 
 void fillRegisterList(store::Database& database, 過去登Form& form, const desk::ScreenContext& context) {
     form.frm11_kakocho.clear();
-    for (const auto& entry : store::deathRegisterOf(database, context.dnk_no1))
+    form.entryHouseholds.clear();
+    for (const auto& entry : store::deathRegisterOf(database, context.dnk_no1)) {
         form.frm11_kakocho.items << entry.tblkak_zokunameg;
+        form.entryHouseholds << entry.tblkak_dnknameg;
+    }
 }
 
 void fillGraveList(store::Database& database, 過去登Form& form, const desk::ScreenContext& context) {
@@ -66,25 +69,14 @@ void fillGraveList(store::Database& database, 過去登Form& form, const desk::S
     }
 }
 
-// Publishes the deceased as a row holds him.
-void publish(const store::tbl_kakocho& row, desk::ScreenContext& context) {
-    context.kak_zokunameg = row.tblkak_zokunameg;
-    context.kak_zokunamek = row.tblkak_zokunamek;
-    context.kak_kaimyoug = row.tblkak_kaimyoug;
-    context.kak_kaimyouk = row.tblkak_kaimyouk;
-    context.kak_mei_ymd = row.tblkak_mei_ymd.isValid() ? row.tblkak_mei_ymd : values::zeroDate();
-    context.kak_kyounen = row.tblkak_kyounen.value_or(0);
-    context.kak_kankeisha = row.tblkak_kankeisha;
-    context.kak_zokugara = row.tblkak_zokugara;
-    context.kak_bikou = row.tblkak_bikou;
-}
-
-void show(store::Database& database, 過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    const auto row =
-        store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, context.kak_zokunameg);
+// Shows the entry under these keys and publishes its deceased; false, with the message and nothing changed, when there
+// is none.
+bool show(store::Database& database, 過去登Form& form, const QString& householdName, const QString& name,
+          desk::ScreenContext& context, desk::Desk& desk) {
+    const auto row = store::find(database, store::idxkak_kakochou, context.dnk_no1, householdName, name);
     if (!row) {
         desk.notify(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);
-        return;
+        return false;
     }
     form.frm11_no.text = QString::number(row->tblkak_no);
     form.frm11_dankag.text = row->tblkak_dnknameg;
@@ -115,9 +107,9 @@ void show(store::Database& database, 過去登Form& form, desk::ScreenContext& c
     }
     form.frm11_haka_banchi.text = row->tblkak_haka_blk1;
     form.frm11_haka_blk2.text = row->tblkak_haka_bch;
-    context.dnk_nameg = row->tblkak_dnknameg;
-    context.dnk_namek = row->tblkak_dnknamek;
-    publish(*row, context);
+    form.held.show(*row);
+    context.publishDeceased(*row);
+    return true;
 }
 
 struct LifeDates {
@@ -125,7 +117,15 @@ struct LifeDates {
     QDate death;
 };
 
-// The dates when the boxes can be stored. Computes the age at death from the years of two good dates.
+// The age at death is computed from the years of two good dates; one that is stored with the same dates stays.
+void followAge(過去登Form& form, const LifeDates& dates) {
+    const bool edited = form.held.isNew() || dates.birth != form.held->tblkak_sei_ymd ||
+                        dates.death != form.held->tblkak_mei_ymd || !form.held->tblkak_kyounen;
+    if (edited)
+        form.frm11_kyounen.text = QString::number(dates.death.year() - dates.birth.year());
+}
+
+// The dates when the boxes can be stored.
 std::optional<LifeDates> check(store::Database& database, 過去登Form& form, desk::ScreenContext& context,
                                desk::Desk& desk) {
     if (context.dnk_no1 == 0) {
@@ -138,8 +138,14 @@ std::optional<LifeDates> check(store::Database& database, 過去登Form& form, d
     LifeDates dates;
     dates.birth = calendar::checkRequiredDate(database, form.生年, calendar::生年月日, context, desk);
     dates.death = calendar::checkRequiredDate(database, form.命日, calendar::命日, context, desk);
-    if (dates.birth.isValid() && dates.death.isValid())
-        form.frm11_kyounen.text = QString::number(dates.death.year() - dates.birth.year());
+    if (dates.birth.isValid() && dates.death.isValid()) {
+        followAge(form, dates);
+        if (dates.death < dates.birth) {
+            form.命日.western.colour = desk::Colour::red;
+            if (desk::recordFailure(context, u"命日が生年月日より前です"_s))
+                form.命日.era.keyboard = true;
+        }
+    }
     attempt.required(form.frm11_kaimyoug, u"戒名を入力して下さい"_s);
     attempt.required(form.frm11_kaimyouk, u"戒名カナを入力して下さい"_s);
     attempt.required(form.frm11_kankeisha, u"関係者を選択して下さい"_s);
@@ -185,22 +191,22 @@ void write(store::tbl_kakocho& row, const 過去登Form& form, const LifeDates& 
     row.tblkak_kanaidx = store::kanaIndex(form.frm11_dankak.text);
 }
 
-// Marks the context's deceased in the family; a message and false when he is no member of it.
-bool setFamilyFlag(store::Database& database, bool deceased, desk::ScreenContext& context, desk::Desk& desk) {
-    const bool found = store::change(
+// Marks the entry's deceased in the family; false when he is no member of it.
+bool setFamilyFlag(store::Database& database, bool deceased, const store::tbl_kakocho& entry) {
+    return store::change(
         database, store::idxkzk_kazoku,
-        [&](store::tbl_kazoku& member) { member.tblkzk_seishikbn = deceased ? u"1"_s : u"0"_s; }, context.dnk_no1,
-        context.dnk_nameg, context.kak_zokunameg);
-    if (!found) {
-        context.chk_errflg = u"1"_s;
-        desk.notify(memberMissing, title);
-    }
-    return found;
+        [&](store::tbl_kazoku& member) { member.tblkzk_seishikbn = deceased ? u"1"_s : u"0"_s; }, entry.tblkak_no,
+        entry.tblkak_dnknameg, entry.tblkak_zokunameg);
+}
+
+void sayMemberMissing(desk::ScreenContext& context, desk::Desk& desk) {
+    context.chk_errflg = u"1"_s;
+    desk.notify(memberMissing, title);
 }
 
 // An entry is changed or deleted under the name it was shown with: memorials and the family row go by that name.
-bool nameStands(過去登Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
-    if (form.frm11_zoknameg.text == context.kak_zokunameg)
+bool nameStands(過去登Form& form, desk::Desk& desk) {
+    if (!form.held.isNew() && form.frm11_zoknameg.text == form.held->tblkak_zokunameg)
         return true;
     form.frm11_zoknameg.keyboard = true;
     desk.notify(u"俗名が変更されています。一覧から選び直して下さい"_s, title);
@@ -214,8 +220,14 @@ void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::
     masters::CMB設定(database, masters::Category::続柄, form.frm11_続柄);
     calendar::CMB年号(database, form.生年);
     calendar::CMB年号(database, form.命日);
+    form.held.showNew(desk::householdLabel(context.dnk_no1, context.dnk_no2));
     if (context.dnk_no1 == 0)
         return;
+    const QString entryHousehold = context.dnk_nameg;
+    if (!context.dnk_handedOver) {
+        if (const auto row = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2))
+            context.publishHousehold(desk::HouseholdBlock::of(*row));
+    }
     fillFamilyLists(database, form, context);
     fillRegisterList(database, form, context);
     form.frm11_no.text = QString::number(context.dnk_no1);
@@ -224,8 +236,31 @@ void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::
     form.frm11_kankeisha.text = context.dnk_toshug;
     if (context.kak_zokunameg.isEmpty())
         return;
-    form.frm11_kakocho.choose(context.kak_zokunameg);
-    show(database, form, context, desk);
+    if (!show(database, form, entryHousehold, context.kak_zokunameg, context, desk))
+        return;
+    for (qsizetype line = 0; line < form.entryHouseholds.size(); ++line) {
+        if (form.entryHouseholds[line] == entryHousehold && form.frm11_kakocho.items[line] == context.kak_zokunameg)
+            form.frm11_kakocho.current = static_cast<int>(line);
+    }
+}
+
+std::optional<desk::AskedRecord> askedEntry(const 過去登Form& form, const desk::ScreenContext& context) {
+    if (context.dnk_no1 == 0)
+        return {};
+    const QString household = QString::number(context.dnk_no1);
+    if (!context.kak_zokunameg.isEmpty())
+        return desk::AskedRecord{desk::keyText(context.dnk_no1, context.dnk_nameg, context.kak_zokunameg),
+                                 household + u' ' + context.kak_zokunameg};
+    if (form.frm11_no.text == household)
+        return {};
+    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+}
+
+void publishShown(const 過去登Form& form, desk::ScreenContext& context) {
+    if (form.held)
+        context.publishDeceased(form.held.row());
+    else
+        context.clearDeceased();
 }
 
 void takeMember(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -253,12 +288,15 @@ void takeMember(過去登Form& form, desk::ScreenContext& context, desk::Desk& d
                             &form.frm11_haka_no, &form.frm11_haka_banchi, &form.frm11_haka_blk2})
         box->text.clear();
     fillGraveList(database, form, context);
+    form.held.showNew(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+    context.clearDeceased();
 }
 
 void showEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    context.chooseDeceased(form.frm11_kakocho.currentText());
     store::Database database;
-    show(database, form, context, desk);
+    if (!show(database, form, form.entryHouseholds.value(form.frm11_kakocho.current), form.frm11_kakocho.currentText(),
+              context, desk))
+        form.frm11_kakocho.current = -1;
 }
 
 void takeGrave(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -281,12 +319,6 @@ void registerDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk
     const auto dates = check(database, form, context, desk);
     if (!dates || !desk.ask(u"入力された内容で過去帳の登録をします。内容を確認して下さい。"_s, title))
         return;
-    if (store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, form.frm11_zoknameg.text)) {
-        context.chk_errflg = u"1"_s;
-        form.frm11_zoknameg.keyboard = true;
-        desk.notify(u"既に過去帳は登録されています。確認して下さい"_s, title);
-        return;
-    }
     store::tbl_kakocho row;
     row.tblkak_no = context.dnk_no1;
     row.tblkak_dnknameg = form.frm11_dankag.text;
@@ -294,50 +326,66 @@ void registerDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk
     row.tblkak_zokunameg = form.frm11_zoknameg.text;
     write(row, form, *dates);
     row.tblkak_add_ymd = desk.today();
-    store::Table(database, store::idxkak_kakochou).insert(row);
-    publish(row, context);
-    if (!setFamilyFlag(database, true, context, desk))
+    bool taken = false;
+    bool member = false;
+    {
+        store::Write write(database);
+        taken =
+            store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, form.frm11_zoknameg.text)
+                .has_value();
+        if (!taken) {
+            store::Table(database, store::idxkak_kakochou).insert(row);
+            member = setFamilyFlag(database, true, row);
+            write.commit();
+        }
+    }
+    if (taken) {
+        context.chk_errflg = u"1"_s;
+        form.frm11_zoknameg.keyboard = true;
+        desk.notify(u"既に過去帳は登録されています。確認して下さい"_s, title);
         return;
+    }
+    form.held.wrote(row);
+    context.publishDeceased(row);
+    if (!member) {
+        sayMemberMissing(context, desk);
+        return;
+    }
     desk.notify(u"入力された内容で過去帳は登録されました。"_s, title);
     if (!desk.ask(u"法要等の登録も行いますか？"_s, title))
         return;
-    memorials::RegisterSchedule(context, desk);
+    memorials::RegisterSchedule(row, desk);
     desk.notify(u"法要等の登録を終了した。"_s, title);
 }
 
 void changeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     const auto dates = check(database, form, context, desk);
-    if (!dates || !nameStands(form, context, desk) ||
+    if (!dates || !nameStands(form, desk) ||
         !desk.ask(u"入力された内容で過去帳を変更します。内容を確認して下さい。"_s, title))
         return;
-    const bool changed = store::change(
-        database, store::idxkak_kakochou, [&](store::tbl_kakocho& row) { write(row, form, *dates); }, context.dnk_no1,
-        context.dnk_nameg, form.frm11_zoknameg.text);
-    if (!changed) {
-        desk.notify(entryMissing, title);
+    if (!desk::change(
+            form.held, database, {title, entryMissing}, desk,
+            [&](store::tbl_kakocho& row) { write(row, form, *dates); },
+            [&] { masters::MST設定(database, masters::Category::続柄, form.frm11_続柄.text); }))
         return;
-    }
-    context.kak_kankeisha = form.frm11_kankeisha.text;
-    context.kak_zokugara = form.frm11_続柄.text;
-    masters::MST設定(database, masters::Category::続柄, form.frm11_続柄.text);
+    context.publishDeceased(form.held.row());
     desk.notify(u"入力された内容で家族は更新されました。"_s, title);
 }
 
 void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (!nameStands(form, context, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title))
+    if (!nameStands(form, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
     store::Database database;
-    if (!store::remove(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg,
-                       form.frm11_zoknameg.text)) {
-        desk.notify(entryMissing, title);
+    const store::tbl_kakocho entry = form.held.row();
+    if (!desk::remove(form.held, database, {title, entryMissing}, desk))
         return;
-    }
-    if (desk.ask(u"法要等の情報も削除しますか？"_s, title))
-        memorials::DeleteMemorials(context);
-    if (desk.ask(u"家族登録は元に戻しますか？"_s, title))
-        setFamilyFlag(database, false, context, desk);
+    if (desk.ask(u"法要等の情報も削除しますか？"_s, title, desk::Preset::no))
+        memorials::DeleteMemorials(entry);
+    if (desk.ask(u"家族登録は元に戻しますか？"_s, title) && !setFamilyFlag(database, false, entry))
+        sayMemberMissing(context, desk);
     desk.notify(u"削除処理を終了しました。"_s, title);
+    context.clearDeceased();
 }
 
 void openMemorials(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -346,13 +394,14 @@ void openMemorials(過去登Form& form, desk::ScreenContext& context, desk::Desk
         desk.notify(u"法要記録の照会者を特定して下さい"_s, title);
         return;
     }
-    context.chooseDeceased(form.frm11_zoknameg.text);
+    context.nameDeceased(context.dnk_nameg, form.frm11_zoknameg.text);
     context.kak_zokunamek = form.frm11_zoknamek.text;
     context.kak_kaimyoug = form.frm11_kaimyoug.text;
     context.kak_kaimyouk = form.frm11_kaimyouk.text;
     context.kak_mei_ymd = *death;
     context.kak_kyounen = age(form);
     context.kak_bikou = form.frm11_bikou.text;
+    context.kak_handedOver = true;
     desk.open(u"法要個"_s);
 }
 

@@ -8,7 +8,7 @@ namespace family {
 
 std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<過去登Form>>(workplace, u"過去登"_s, u"過去帳登録"_s, u"過去帳登録"_s,
-                                                               ui::Keeps{.household = true, .deceased = true});
+                                                               ui::Keeps{.household = true});
     auto& form = screen->form();
     ui::Layout layout(*screen);
     layout.frame(u"檀家"_s, u"檀家さん"_s)
@@ -72,7 +72,7 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
     auto* raw = screen.get();
     const auto opener = [raw](const QString& target) { return [raw, target] { raw->desk().open(target); }; };
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerDeath))
-        .action(u"更新"_s, u"更新"_s, screen->run(changeDeath))
+        .updating(u"更新"_s, u"更新"_s, screen->run(changeDeath))
         .gap()
         .action(u"法要記録"_s, u"法要記録"_s, screen->run(openMemorials))
         .action(u"回忌外"_s, u"回忌外\n法要"_s, opener(u"法要外"_s))
@@ -81,6 +81,9 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .action(u"削除"_s, u"削除"_s, screen->run(deleteDeath))
         .closing();
     screen->onOpen(screen->run(openDeathRegister));
+    screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                       .asked = [raw](const desk::ScreenContext& context) { return askedEntry(raw->form(), context); },
+                       .load = screen->run(openDeathRegister)});
     return screen;
 }
 

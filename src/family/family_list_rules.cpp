@@ -56,7 +56,6 @@ auto members(const desk::ScreenContext& context, const desk::Desk& desk) {
 }
 
 void showFirst(家族一Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
-    form.frm21_dankag.text = context.dnk_nameg;
     form.list.showFirstPage(members(context, desk), form.frm21_tbl, desk);
 }
 
@@ -90,11 +89,15 @@ void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& d
     if (!line)
         return;
     const auto listAnew = [&form, &context, &desk] { showFirst(form, context, desk); };
+    // The line's own key: its copy of the household's name may be older than the household.
+    const store::tbl_kazoku& member = line->member;
     if (line->living()) {
-        context.kzk_nameg = line->member.tblkzk_nameg;
+        context.dnk_nameg = member.tblkzk_dnknameg;
+        context.dnk_namek = member.tblkzk_dnknamek;
+        context.kzk_nameg = member.tblkzk_nameg;
         desk.open(u"家族登"_s, desk::Opening::modal, listAnew);
     } else {
-        context.chooseDeceased(line->member.tblkzk_nameg);
+        context.nameDeceased(member.tblkzk_dnknameg, member.tblkzk_nameg);
         desk.open(u"過去登"_s, desk::Opening::modal, listAnew);
     }
 }

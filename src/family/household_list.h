@@ -23,11 +23,16 @@ struct HouseholdBoxes {
     desk::Text frm12_tel;
     desk::Text frm12_chiku;
     desk::Text frm12_bikou;
+
+    // The household whose list this is.
+    desk::HouseholdBlock household;
 };
 
-// Shows the context's household; when the context lacks its address, reads it from the file into both, or tells under
-// the title that it is not there.
+// Shows the household that was handed over, or else reads that of dnk_no1 and dnk_no2 into boxes and context; tells
+// under the title when it is not there.
 void showHousehold(HouseholdBoxes& block, desk::ScreenContext& context, desk::Desk& desk, const QString& title);
+// Puts the list's household into the context.
+void publishShown(const HouseholdBoxes& block, desk::ScreenContext& context);
 
 // Where a page begins: date and name of the last row written.
 struct Position {

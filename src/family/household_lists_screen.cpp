@@ -31,6 +31,13 @@ void addHousehold(ui::Layout& layout, HouseholdBoxes& form) {
         .shown(HOSHIREN_CONTROL(form, frm12_bikou), 26);
 }
 
+// Both lists hold the household that they were opened for.
+template <class Form> void showsHousehold(ui::FormScreen<Form>& screen, ui::Operation load) {
+    screen.shows({.publish = [&screen](desk::ScreenContext& context) { publishShown(screen.form(), context); },
+                  .asked = desk::askedHousehold,
+                  .load = std::move(load)});
+}
+
 } // namespace
 
 std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
@@ -51,6 +58,7 @@ std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
         .action(u"後ページ"_s, u"後ページ"_s, next)
         .closing();
     screen->onOpen(screen->run(openFamilyList));
+    showsHousehold(*screen, screen->run(openFamilyList));
     return screen;
 }
 
@@ -73,6 +81,7 @@ std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
         .action(u"後ページ"_s, u"後ページ"_s, next)
         .closing();
     screen->onOpen(screen->run(openDeathList));
+    showsHousehold(*screen, screen->run(openDeathList));
     return screen;
 }
 

@@ -54,6 +54,7 @@ void show(store::Database& database, 家族登Form& form, const QString& name, c
     form.frm12_fax.text = found->tblkzk_fax;
     form.frm12_地区.text = found->tblkzk_chiku;
     form.frm12_bikou.text = found->tblkzk_bikou;
+    form.held.show(*found);
 }
 
 // True when the boxes can be stored; the birth date is then the Western box's, absent when none was given.
@@ -103,7 +104,20 @@ void addToMasters(store::Database& database, const 家族登Form& form) {
 void openFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     form.frm12_dohkyo.chosen = true;
+    const bool asked = !context.kzk_nameg.isEmpty();
     if (context.dnk_no1 != 0) {
+        if (!context.dnk_handedOver) {
+            if (const auto row = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2)) {
+                // A member is found by the household's name as his row bears it.
+                const QString nameg = context.dnk_nameg;
+                const QString namek = context.dnk_namek;
+                context.publishHousehold(desk::HouseholdBlock::of(*row));
+                if (asked) {
+                    context.dnk_nameg = nameg;
+                    context.dnk_namek = namek;
+                }
+            }
+        }
         form.frm12_no.text = QString::number(context.dnk_no1);
         form.frm12_dankag.text = context.dnk_nameg;
         form.frm12_dankak.text = context.dnk_namek;
@@ -122,11 +136,34 @@ void openFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& d
     masters::CMB設定(database, masters::Category::続柄, form.frm12_続柄);
     masters::CMB設定(database, masters::Category::地区, form.frm12_地区);
     calendar::CMB年号(database, form.生年);
-    if (context.kzk_nameg.isEmpty())
+    form.held.showNew(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+    if (!asked)
         return;
     form.frm12_meibo.choose(context.kzk_nameg);
     form.frm12_mzkgr.current = form.frm12_meibo.current;
     show(database, form, context.kzk_nameg, context, desk);
+}
+
+std::optional<desk::AskedRecord> askedMember(const 家族登Form& form, const desk::ScreenContext& context) {
+    if (context.dnk_no1 == 0)
+        return {};
+    const QString household = QString::number(context.dnk_no1);
+    if (!context.kzk_nameg.isEmpty())
+        return desk::AskedRecord{desk::keyText(context.dnk_no1, context.dnk_nameg, context.kzk_nameg),
+                                 household + u' ' + context.kzk_nameg};
+    if (form.frm12_no.text == household)
+        return {};
+    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+}
+
+void nameShown(const 家族登Form& form, desk::ScreenContext& context) {
+    context.kzk_nameg.clear();
+    if (form.held.isNew())
+        return;
+    context.publishHousehold(form.held->tblkzk_no1);
+    context.dnk_nameg = form.held->tblkzk_dnknameg;
+    context.dnk_namek = form.held->tblkzk_dnknamek;
+    context.kzk_nameg = form.held->tblkzk_nameg;
 }
 
 void showMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -154,40 +191,44 @@ void registerMember(家族登Form& form, desk::ScreenContext& context, desk::Des
     row.tblkzk_dnknamek = form.frm12_dankak.text;
     row.tblkzk_nameg = form.frm12_nameg.text;
     write(row, form, birth, desk.today());
-    store::Table(database, store::idxkzk_kazoku).insert(row);
+    {
+        store::Write write(database);
+        store::Table(database, store::idxkzk_kazoku).insert(row);
+        addToMasters(database, form);
+        write.commit();
+    }
+    form.held.wrote(row);
     desk.notify(u"入力された内容で家族は登録されました。"_s, title);
     fillMemberLists(database, form, context);
-    addToMasters(database, form);
 }
 
 void changeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
+    auto member = form.held.orRead(database, context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text);
     QDate birth;
     if (!check(database, form, context, desk, birth) ||
         !desk.ask(u"入力された内容で家族を変更します。内容を確認して下さい。"_s, title))
         return;
-    const bool changed = store::change(
-        database, store::idxkzk_kazoku, [&](store::tbl_kazoku& row) { write(row, form, birth, desk.today()); },
-        context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text);
-    if (!changed) {
-        desk.notify(memberMissing, title);
+    if (!desk::change(
+            member, database, {title, memberMissing}, desk,
+            [&](store::tbl_kazoku& row) { write(row, form, birth, desk.today()); },
+            [&] { addToMasters(database, form); }))
         return;
-    }
+    form.held = member;
     desk.notify(u"入力された内容で家族は更新されました。"_s, title);
     fillMemberLists(database, form, context);
-    addToMasters(database, form);
 }
 
 void deleteMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (!desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title))
-        return;
     store::Database database;
-    if (!store::remove(database, store::idxkzk_kazoku, context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text)) {
-        desk.notify(memberMissing, title);
+    auto member = form.held.orRead(database, context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text);
+    if (!desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
+        !desk::remove(member, database, {title, memberMissing}, desk))
         return;
-    }
+    form.held = member;
     desk.notify(u"指定された家族は削除されました。"_s, title);
     fillMemberLists(database, form, context);
+    context.kzk_nameg.clear();
 }
 
 } // namespace family

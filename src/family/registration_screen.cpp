@@ -54,11 +54,15 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .row(u"備考"_s)
         .text(HOSHIREN_CONTROL(form, frm12_bikou), 26);
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerMember))
-        .action(u"更新"_s, u"更新"_s, screen->run(changeMember))
+        .updating(u"更新"_s, u"更新"_s, screen->run(changeMember))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteMember))
         .closing();
     screen->onOpen(screen->run(openFamily));
+    auto* raw = screen.get();
+    screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
+                       .asked = [raw](const desk::ScreenContext& context) { return askedMember(raw->form(), context); },
+                       .load = screen->run(openFamily)});
     return screen;
 }
 

@@ -52,9 +52,7 @@ void lookUpHousehold(store::Database& database, お墓登Form& form, desk::Scree
         desk.notify(u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s, title);
         return;
     }
-    desk::HouseholdBlock household;
-    household.dnk_no1 = no1;
-    household.takeNames(*row);
+    const auto household = desk::HouseholdBlock::of(*row);
     context.publishHousehold(household);
     showHousehold(form, household);
     listGraves(database, form, no1);

@@ -2,14 +2,16 @@
 
 #include "desk/desk.h"
 #include "desk/screen_context.h"
+#include "store/schema.h"
 
 #include <QDate>
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 
 // 檀家抹消: erases a household and what belongs to it. Each step is one write and is told of under the title
-// 檀家の抹消.
+// 檀家の抹消; Enter answers none of its questions with はい.
 namespace households {
 
 // What the steps work on.
@@ -19,14 +21,18 @@ struct ErasedHousehold {
     std::int16_t branch = 0;
     QString emptyName;
     QDate lowestDate;
+    // The household's row as it was read; absent where none was stored under the number. A step that finds another one
+    // deletes nothing.
+    std::optional<store::tbl_danka> asRead;
 
-    explicit ErasedHousehold(const desk::ScreenContext& context);
+    explicit ErasedHousehold(const desk::ScreenContext& context, const std::optional<store::tbl_danka>& asRead = {});
 };
 
-// Asks once for each kind of data and runs its step after a Yes; goes on to the next whatever the answer or the result.
+// Asks once for each kind of data and runs its step after a Yes; goes on to the next whatever the answer or the result,
+// a failure that was told included.
 // Before the first step the register is copied (desk::copyBefore); where the user stops there, nothing is erased and
 // nothing more asked.
-void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk);
+void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const std::optional<store::tbl_danka>& asRead = {});
 
 // Deletes every branch of the number.
 void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk);

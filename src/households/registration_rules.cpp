@@ -34,15 +34,18 @@ std::optional<Numbers> numbersOf(const 檀家登Form& form) {
     return Numbers{*no1, *no2};
 }
 
-void publishNumbers(desk::ScreenContext& context, Numbers numbers) {
-    context.publishHousehold(numbers.no1);
-    context.dnk_no2 = numbers.no2;
+// The numbers of the household shown, one deleted here included; 0 when there is none.
+Numbers shownNumbers(const 檀家登Form& form) {
+    if (form.held.isNew())
+        return {0, 0};
+    return {form.held->tbldnk_no1, form.held->tbldnk_no2};
 }
 
-// True, with the message, when the boxes do not show these numbers.
-bool numbersChanged(const 檀家登Form& form, desk::Desk& desk, std::int16_t no1, std::int16_t no2) {
+// True, with the message, when the boxes do not show the numbers of the household shown.
+bool numbersChanged(const 檀家登Form& form, desk::Desk& desk) {
     const auto numbers = numbersOf(form);
-    if (numbers && numbers->no1 == no1 && numbers->no2 == no2)
+    const Numbers shown = shownNumbers(form);
+    if (numbers && numbers->no1 == shown.no1 && numbers->no2 == shown.no2)
         return false;
     desk.notify(u"登録NOが変更されています。照会からやり直して下さい"_s, title);
     return true;
@@ -77,39 +80,25 @@ bool checked(檀家登Form& form, desk::Desk& desk) {
     return false;
 }
 
-void showHousehold(檀家登Form& form, const store::tbl_danka& row) {
-    form.frm01_dankag.text = row.tbldnk_nameg;
-    form.frm01_dankak.text = row.tbldnk_namek;
-    form.frm01_dnkkbn1.chosen = row.tbldnk_dnkkbn == categoryText(true);
-    form.frm01_dnkkbn2.chosen = !form.frm01_dnkkbn1.chosen;
-    form.frm01_toshug.text = row.tbldnk_toshug;
-    form.frm01_toshuk.text = row.tbldnk_toshuk;
-    form.frm01_yubinno.text = row.tbldnk_yubin;
-    form.frm01_jyusho1.text = row.tbldnk_jyusho1;
-    form.frm01_jyusho2.text = row.tbldnk_jyusho2;
-    form.frm01_tel.text = row.tbldnk_tel;
-    form.frm01_fax.text = row.tbldnk_fax;
-    form.frm01_地区.text = row.tbldnk_chiku;
-    form.frm01_biko.text = row.tbldnk_bikou;
-    form.frm01_haka_nai.chosen = row.tbldnk_haka_basho == placeText(true);
+// The household of the boxes as it would be stored, under the given numbers.
+desk::HouseholdBlock typedHousehold(const 檀家登Form& form, Numbers numbers) {
+    desk::HouseholdBlock household = form.fields();
+    household.dnk_no1 = numbers.no1;
+    household.dnk_no2 = numbers.no2;
+    household.dnk_toshug = form.frm01_toshug.text;
+    household.dnk_haka_basho = desk::placeText(form.frm01_haka_nai.chosen);
+    return household;
+}
+
+void showHousehold(檀家登Form& form, const desk::HouseholdBlock& household) {
+    form.showFields(household);
+    form.frm01_toshug.text = household.dnk_toshug;
+    form.frm01_haka_nai.chosen = household.dnk_haka_basho == desk::placeText(true);
     form.frm01_haka_soto.chosen = !form.frm01_haka_nai.chosen;
 }
 
-void fillRow(const 檀家登Form& form, store::tbl_danka& row) {
-    row.tbldnk_nameg = form.frm01_dankag.text;
-    row.tbldnk_namek = form.frm01_dankak.text;
-    row.tbldnk_dnkkbn = categoryText(form.frm01_dnkkbn1.chosen);
-    row.tbldnk_yubin = form.frm01_yubinno.text;
-    row.tbldnk_jyusho1 = form.frm01_jyusho1.text;
-    row.tbldnk_jyusho2 = form.frm01_jyusho2.text;
-    row.tbldnk_tel = form.frm01_tel.text;
-    row.tbldnk_fax = form.frm01_fax.text;
-    row.tbldnk_chiku = form.frm01_地区.text;
-    row.tbldnk_bikou = form.frm01_biko.text;
-    row.tbldnk_kanaidx = store::kanaIndex(form.frm01_dankak.text);
-    row.tbldnk_haka_basho = placeText(form.frm01_haka_nai.chosen);
-    row.tbldnk_toshug = form.frm01_toshug.text;
-    row.tbldnk_toshuk = form.frm01_toshuk.text;
+desk::Refusal refusal() {
+    return {title, u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s};
 }
 
 // Nothing when there is no counter table to read a number from.
@@ -126,12 +115,41 @@ std::optional<std::int16_t> proposedNumber(store::Database& database, desk::Desk
 
 } // namespace
 
-QString categoryText(bool parishioner) {
-    return parishioner ? u"檀家"_s : u"一般"_s;
+void HouseholdFields::showFields(const desk::HouseholdBlock& household) {
+    frm01_no.text = QString::number(household.dnk_no1);
+    frm01_eno.text = QString::number(household.dnk_no2);
+    frm01_dankag.text = household.dnk_nameg;
+    frm01_dankak.text = household.dnk_namek;
+    frm01_dnkkbn1.chosen = household.dnk_kbn == desk::categoryText(true);
+    frm01_dnkkbn2.chosen = !frm01_dnkkbn1.chosen;
+    frm01_toshuk.text = household.dnk_toshuk;
+    frm01_yubinno.text = household.dnk_yubin;
+    frm01_jyusho1.text = household.dnk_jyusho1;
+    frm01_jyusho2.text = household.dnk_jyusho2;
+    frm01_tel.text = household.dnk_tel;
+    frm01_fax.text = household.dnk_fax;
+    frm01_地区.text = household.dnk_chiku;
+    frm01_biko.text = household.dnk_bikou;
 }
 
-QString placeText(bool withinGrounds) {
-    return withinGrounds ? u"境内"_s : u"境外"_s;
+desk::HouseholdBlock HouseholdFields::fields() const {
+    desk::HouseholdBlock household;
+    if (!held.isNew()) {
+        household.dnk_no1 = held->tbldnk_no1;
+        household.dnk_no2 = held->tbldnk_no2;
+    }
+    household.dnk_nameg = frm01_dankag.text;
+    household.dnk_namek = frm01_dankak.text;
+    household.dnk_kbn = desk::categoryText(frm01_dnkkbn1.chosen);
+    household.dnk_toshuk = frm01_toshuk.text;
+    household.dnk_yubin = frm01_yubinno.text;
+    household.dnk_jyusho1 = frm01_jyusho1.text;
+    household.dnk_jyusho2 = frm01_jyusho2.text;
+    household.dnk_tel = frm01_tel.text;
+    household.dnk_fax = frm01_fax.text;
+    household.dnk_chiku = frm01_地区.text;
+    household.dnk_bikou = frm01_biko.text;
+    return household;
 }
 
 bool ValidateHousehold(std::initializer_list<RequiredField> fields) {
@@ -149,23 +167,25 @@ bool PublishHousehold(const 檀家登Form& form, desk::ScreenContext& context) {
     const auto numbers = numbersOf(form);
     if (!numbers)
         return false;
-    publishNumbers(context, *numbers);
-    context.dnk_nameg = form.frm01_dankag.text;
-    context.dnk_namek = form.frm01_dankak.text;
-    context.dnk_toshug = form.frm01_toshug.text;
-    context.dnk_toshuk = form.frm01_toshuk.text;
-    context.dnk_yubin = form.frm01_yubinno.text;
-    context.dnk_jyusho1 = form.frm01_jyusho1.text;
-    context.dnk_jyusho2 = form.frm01_jyusho2.text;
-    context.dnk_tel = form.frm01_tel.text;
-    context.dnk_fax = form.frm01_fax.text;
-    context.dnk_chiku = form.frm01_地区.text;
-    context.dnk_bikou = form.frm01_biko.text;
-    context.dnk_kbn = categoryText(form.frm01_dnkkbn1.chosen);
+    desk::HouseholdBlock household = typedHousehold(form, *numbers);
+    household.dnk_handedOver = true;
+    context.publishHousehold(household);
     return true;
 }
 
+void publishShown(const HouseholdFields& form, desk::ScreenContext& context) {
+    if (form.held.isNew())
+        return;
+    context.publishHousehold(form.held->tbldnk_no1);
+    context.dnk_no2 = form.held->tbldnk_no2;
+}
+
 void openHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    context.dnk_no2 = 0;
+    openBranch(form, context, desk);
+}
+
+void openBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     {
         store::Database database;
         masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
@@ -173,7 +193,9 @@ void openHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk
     form.frm01_dnkkbn1.chosen = true;
     form.frm01_haka_nai.chosen = true;
     form.frm01_no.text = QString::number(context.dnk_no1);
-    form.frm01_eno.text = u"0"_s;
+    form.frm01_eno.text = QString::number(context.dnk_no2);
+    form.frm01_no.keyboard = form.frm01_no.whole = true;
+    form.held.showNew();
     if (context.dnk_no1 != 0)
         LoadHousehold(form, context, desk);
 }
@@ -184,22 +206,17 @@ void LoadHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk
         desk.notify(u"登録番号は数字で入力して下さい"_s, title);
         return;
     }
-    publishNumbers(context, *numbers);
+    context.publishHousehold(numbers->no1);
+    context.dnk_no2 = numbers->no2;
     store::Database database;
-    std::optional<store::tbl_danka> found;
-    {
-        store::Table households(database, store::idxdnk_no);
-        if (households.seek(store::Seek::equal, numbers->no1, numbers->no2))
-            found = households.row();
-    }
+    const auto found = store::find(database, store::idxdnk_no, numbers->no1, numbers->no2);
     if (!found) {
         desk.notify(u"指定された檀家番号は登録されていません。確認して下さい"_s, title);
         return;
     }
-    showHousehold(form, *found);
-    form.shownNo1 = numbers->no1;
-    form.shownNo2 = numbers->no2;
-    context.dnk_haka_basho = found->tbldnk_haka_basho;
+    context.publishHousehold(desk::HouseholdBlock::of(*found));
+    showHousehold(form, context);
+    form.held.show(*found);
     listGraves(database, form, context.dnk_no1);
 }
 
@@ -212,24 +229,23 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
     form.frm01_eno.text = u"0"_s;
     if (!checked(form, desk) || !desk.ask(u"入力された内容で檀家さんを登録します。内容を確認して下さい。"_s, title))
         return;
-    publishNumbers(context, {*number, 0});
+    context.publishHousehold(typedHousehold(form, {*number, 0}));
 
     // Row, district and counter belong together: a number stored but not counted would be proposed for ever.
     bool taken = false;
     bool counted = false;
+    store::tbl_danka row;
     {
         store::Write write(database);
-        store::Table households(database, store::idxdnk_no);
-        taken = households.seek(store::Seek::equal, context.dnk_no1, context.dnk_no2);
+        taken = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2).has_value();
         if (!taken) {
-            store::tbl_danka row;
             row.tbldnk_no1 = context.dnk_no1;
             row.tbldnk_no2 = context.dnk_no2;
-            fillRow(form, row);
+            context.writeInto(row);
             row.tbldnk_oyano = std::int16_t{0};
             row.tbldnk_bunkekbn = u"0"_s;
             row.tbldnk_addymd = desk.today();
-            households.insert(row);
+            store::Table(database, store::idxdnk_no).insert(row);
             masters::MST設定(database, masters::Category::地区, form.frm01_地区.text);
             counted = desk::CommitNumber(database, kind, *number);
             write.commit();
@@ -239,83 +255,89 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
         desk.notify(u"指定された檀家番号は既に登録されています"_s, title);
         return;
     }
+    form.held.wrote(row);
     if (!counted)
         desk.notify(desk::notCounted, title);
-    form.shownNo1 = context.dnk_no1;
-    form.shownNo2 = context.dnk_no2;
+    desk.inform(u"%1 %2を登録しました"_s.arg(desk::labelOf(row), row.tbldnk_nameg));
     listGraves(database, form, context.dnk_no1);
     masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
 }
 
 void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2) || !checked(form, desk) ||
+    if (numbersChanged(form, desk) || !checked(form, desk) ||
         !desk.ask(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, title))
         return;
-    publishNumbers(context, {form.shownNo1, form.shownNo2});
+    const desk::HouseholdBlock household = typedHousehold(form, shownNumbers(form));
     store::Database database;
-    bool found = false;
-    {
-        store::Write write(database);
-        store::Table households(database, store::idxdnk_no);
-        found = households.seek(store::Seek::equal, context.dnk_no1, context.dnk_no2);
-        if (found) {
-            auto row = households.row();
-            fillRow(form, row);
-            households.edit(row);
-            masters::MST設定(database, masters::Category::地区, form.frm01_地区.text);
-            write.commit();
-        }
-    }
-    desk.notify(found ? u"入力された内容で檀家さんは更新されました。"_s
-                      : u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s,
-                title);
+    const bool changed = desk::change(
+        form.held, database, refusal(), desk, [&](store::tbl_danka& row) { household.writeInto(row); },
+        [&] { masters::MST設定(database, masters::Category::地区, form.frm01_地区.text); });
+    if (!changed)
+        return;
+    context.publishHousehold(household);
+    desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
     masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
 }
 
-void DeleteHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2) ||
-        !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title))
+void DeleteHousehold(檀家登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    if (numbersChanged(form, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
-    publishNumbers(context, {form.shownNo1, form.shownNo2});
-    bool found = false;
-    {
-        store::Database database;
-        store::Table households(database, store::idxdnk_no);
-        found = households.seek(store::Seek::equal, context.dnk_no1, context.dnk_no2);
-        if (found)
-            households.remove();
-    }
-    desk.notify(found ? u"指定された檀家さんは削除されました。"_s
-                      : u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s,
-                title);
+    store::Database database;
+    if (desk::remove(form.held, database, refusal(), desk))
+        desk.notify(u"指定された檀家さんは削除されました。"_s, title);
 }
 
 void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2))
-        return;
-    if (form.shownNo1 < 1) {
-        desk.notify(u"檀家を照会してから抹消して下さい"_s, title);
-        return;
+    const auto numbers = numbersOf(form);
+    std::optional<store::tbl_danka> asRead;
+    bool leftOvers = false;
+    if (numbers && numbers->no1 > 0) {
+        store::Database database;
+        leftOvers = !store::find(database, store::idxdnk_no, numbers->no1);
     }
-    if (!desk.ask(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title) ||
+    if (leftOvers) {
+        if (!desk.ask(
+                u"登録番号%1の檀家は登録されていません。この番号に残っているものを抹消しますか？"_s.arg(numbers->no1),
+                title, desk::Preset::no))
+            return;
+    } else {
+        if (numbersChanged(form, desk))
+            return;
+        if (shownNumbers(form).no1 < 1) {
+            desk.notify(u"檀家を照会してから抹消して下さい"_s, title);
+            return;
+        }
+        if (form.held)
+            asRead = form.held.row();
+    }
+    if (!desk.ask(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
         !PublishHousehold(form, context))
         return;
-    EraseHousehold(context, desk);
+    // Copies bear any name that the household ever had: without one, all of them are reached.
+    if (leftOvers)
+        context.dnk_nameg = u""_s;
+    EraseHousehold(context, desk, asRead);
+    // Whom the context named may be erased now.
+    static_cast<desk::MemberBlock&>(context) = {};
+    static_cast<desk::GraveBlock&>(context) = {};
+    context.clearDeceased();
     store::Database database;
-    listGraves(database, form, form.shownNo1);
+    listGraves(database, form, context.dnk_no1);
+    if (asRead && !store::find(database, store::idxdnk_no, asRead->tbldnk_no1, asRead->tbldnk_no2))
+        form.held.removed();
 }
 
 void openGraves(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk, form.shownNo1, form.shownNo2) || !PublishHousehold(form, context))
+    if (numbersChanged(form, desk) || !PublishHousehold(form, context))
         return;
     desk.open(u"お墓登"_s, desk::Opening::modal, [&form] {
         store::Database database;
-        listGraves(database, form, form.shownNo1);
+        listGraves(database, form, shownNumbers(form).no1);
     });
 }
 
 void openForHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk, const QString& screen) {
-    if (!numbersChanged(form, desk, form.shownNo1, form.shownNo2) && PublishHousehold(form, context))
+    if (!numbersChanged(form, desk) && PublishHousehold(form, context))
         desk.open(screen);
 }
 

@@ -14,8 +14,10 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
     layout.frame(u"檀家"_s, u"檀家さん"_s)
         .row(u"登録番号"_s)
         .number(HOSHIREN_CONTROL(form, frm01_no), 4)
+        .namesRecord()
         .note(u"－"_s)
         .number(HOSHIREN_CONTROL(form, frm01_eno), 3)
+        .namesRecord()
         .button(u"照会"_s, u"照会"_s, screen->run(LoadHousehold))
         .row(u"檀家名"_s)
         .text(HOSHIREN_CONTROL(form, frm01_dankag), 12)
@@ -65,7 +67,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         return [raw, target] { openForHousehold(raw->form(), raw->context(), raw->desk(), target); };
     };
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(RegisterHousehold))
-        .action(u"更新"_s, u"更新"_s, screen->run(UpdateHousehold))
+        .updating(u"更新"_s, u"更新"_s, screen->run(UpdateHousehold))
         .gap()
         .action(u"家族一覧"_s, u"家族一覧"_s, opener(u"家族一"_s))
         .action(u"家族登録"_s, u"家族登録"_s, opener(u"家族登"_s))
@@ -80,6 +82,9 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .action(u"檀家抹消"_s, u"檀家抹消"_s, screen->run(eraseShownHousehold))
         .closing();
     screen->onOpen(screen->run(openHousehold));
+    screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                       .asked = desk::askedHousehold,
+                       .load = screen->run(openBranch)});
     return screen;
 }
 

@@ -1,9 +1,7 @@
 #include "households/succession_rules.h"
 
-#include "households/registration_rules.h"
 #include "masters/master_rules.h"
 #include "store/table.h"
-#include "values/numbers.h"
 
 using namespace Qt::StringLiterals;
 
@@ -21,40 +19,10 @@ void writeIfFilled(QString& field, const QString& text) {
         field = text;
 }
 
-bool hasHousehold(desk::ScreenContext& context, desk::Desk& desk) {
-    if (!context.dnk_yubin.isEmpty())
-        return true;
-    {
-        store::Database database;
-        store::Table households(database, store::idxdnk_no);
-        if (households.seek(store::Seek::equal, context.dnk_no1, context.dnk_no2)) {
-            context.takeNames(households.row());
-            return true;
-        }
-    }
-    desk.notify(noHousehold, title);
-    return false;
-}
-
-void showHousehold(代替当Form& form, const desk::ScreenContext& context) {
-    form.frm01_no.text = QString::number(context.dnk_no1);
-    form.frm01_eno.text = QString::number(context.dnk_no2);
-    form.frm01_dankag.text = context.dnk_nameg;
-    form.frm01_dankak.text = context.dnk_namek;
-    form.frm01_dnkkbn1.chosen = context.dnk_kbn == categoryText(true);
-    form.frm01_dnkkbn2.chosen = !form.frm01_dnkkbn1.chosen;
-    form.frm01_yubinno.text = context.dnk_yubin;
-    form.frm01_jyusho1.text = context.dnk_jyusho1;
-    form.frm01_jyusho2.text = context.dnk_jyusho2;
-    form.frm01_tel.text = context.dnk_tel;
-    form.frm01_fax.text = context.dnk_fax;
-    form.frm01_地区.text = context.dnk_chiku;
-    form.frm01_biko.text = context.dnk_bikou;
-}
-
 void listCandidates(store::Database& database, 代替当Form& form, std::int16_t household) {
     form.frm01_toshug.clear();
     form.frm01_tsh_zkgr.clear();
+    form.householdNames.clear();
     store::Table family(database, store::idxkzk_no);
     for (family.seek(store::Seek::equal, household); !family.eof() && family.row().tblkzk_no1 == household;
          family.moveNext()) {
@@ -62,6 +30,7 @@ void listCandidates(store::Database& database, 代替当Form& form, std::int16_t
             continue;
         form.frm01_toshug.items.append(family.row().tblkzk_nameg);
         form.frm01_tsh_zkgr.items.append(family.row().tblkzk_zokugara);
+        form.householdNames.append(family.row().tblkzk_dnknameg);
     }
 }
 
@@ -79,137 +48,134 @@ bool checked(代替当Form& form, desk::Desk& desk) {
     return false;
 }
 
-bool writeHousehold(const 代替当Form& form, const desk::ScreenContext& context) {
-    store::Database database;
-    store::Table households(database, store::idxdnk_no);
-    if (!households.seek(store::Seek::equal, context.dnk_no1, context.dnk_no2))
-        return false;
-    store::tbl_danka row = households.row();
-    row.tbldnk_nameg = form.frm01_dankag.text;
-    row.tbldnk_namek = form.frm01_dankak.text;
-    row.tbldnk_dnkkbn = categoryText(form.frm01_dnkkbn1.chosen);
-    row.tbldnk_yubin = form.frm01_yubinno.text;
-    row.tbldnk_jyusho1 = form.frm01_jyusho1.text;
-    row.tbldnk_tel = form.frm01_tel.text;
-    row.tbldnk_kanaidx = store::kanaIndex(form.frm01_dankak.text);
-    row.tbldnk_toshug = form.frm01_toshug.currentText();
-    row.tbldnk_toshuk = form.frm01_toshuk.text;
-    writeIfFilled(row.tbldnk_jyusho2, form.frm01_jyusho2.text);
-    writeIfFilled(row.tbldnk_fax, form.frm01_fax.text);
-    writeIfFilled(row.tbldnk_chiku, form.frm01_地区.text);
-    writeIfFilled(row.tbldnk_bikou, form.frm01_biko.text);
-    households.edit(row);
-    return true;
+void writeHousehold(const desk::HouseholdBlock& household, store::tbl_danka& row) {
+    row.tbldnk_nameg = household.dnk_nameg;
+    row.tbldnk_namek = household.dnk_namek;
+    row.tbldnk_dnkkbn = household.dnk_kbn;
+    row.tbldnk_yubin = household.dnk_yubin;
+    row.tbldnk_jyusho1 = household.dnk_jyusho1;
+    row.tbldnk_tel = household.dnk_tel;
+    row.tbldnk_kanaidx = store::kanaIndex(household.dnk_namek);
+    row.tbldnk_toshug = household.dnk_toshug;
+    row.tbldnk_toshuk = household.dnk_toshuk;
+    writeIfFilled(row.tbldnk_jyusho2, household.dnk_jyusho2);
+    writeIfFilled(row.tbldnk_fax, household.dnk_fax);
+    writeIfFilled(row.tbldnk_chiku, household.dnk_chiku);
+    writeIfFilled(row.tbldnk_bikou, household.dnk_bikou);
 }
 
-// The member's row is found by the household's name as the context bears it: the copies in family rows keep the name
-// that they were written with.
-bool writeNewHead(const 代替当Form& form, const desk::ScreenContext& context, QDate today) {
-    store::Database database;
-    store::Table family(database, store::idxkzk_kazoku);
-    if (!family.seek(store::Seek::equal, context.dnk_no1, context.dnk_nameg, form.frm01_toshug.currentText()))
-        return false;
-    store::tbl_kazoku row = family.row();
+void writeNewHead(const desk::HouseholdBlock& household, store::tbl_kazoku& row, QDate today) {
     row.tblkzk_zokugara = u"本人"_s;
     row.tblkzk_dohkyokbn = u"0"_s;
     row.tblkzk_seishikbn = u"0"_s;
-    row.tblkzk_yubin = form.frm01_yubinno.text;
-    row.tblkzk_jusho1 = form.frm01_jyusho1.text;
-    row.tblkzk_tel = form.frm01_tel.text;
-    writeIfFilled(row.tblkzk_jusho2, form.frm01_jyusho2.text);
-    writeIfFilled(row.tblkzk_fax, form.frm01_fax.text);
-    writeIfFilled(row.tblkzk_chiku, form.frm01_地区.text);
-    writeIfFilled(row.tblkzk_bikou, form.frm01_biko.text);
-    row.tblkzk_kanaidx = store::kanaIndex(form.frm01_dankak.text);
+    row.tblkzk_yubin = household.dnk_yubin;
+    row.tblkzk_jusho1 = household.dnk_jyusho1;
+    row.tblkzk_tel = household.dnk_tel;
+    writeIfFilled(row.tblkzk_jusho2, household.dnk_jyusho2);
+    writeIfFilled(row.tblkzk_fax, household.dnk_fax);
+    writeIfFilled(row.tblkzk_chiku, household.dnk_chiku);
+    writeIfFilled(row.tblkzk_bikou, household.dnk_bikou);
+    row.tblkzk_kanaidx = store::kanaIndex(household.dnk_namek);
     row.tblkzk_add_ymd = today;
-    family.edit(row);
-    return true;
 }
 
-void publish(const 代替当Form& form, desk::ScreenContext& context) {
-    desk::HouseholdBlock household = static_cast<const desk::HouseholdBlock&>(context);
-    household.dnk_nameg = form.frm01_dankag.text;
-    household.dnk_namek = form.frm01_dankak.text;
-    household.dnk_kbn = categoryText(form.frm01_dnkkbn1.chosen);
+desk::HouseholdBlock typedHousehold(const 代替当Form& form) {
+    desk::HouseholdBlock household = form.fields();
     household.dnk_toshug = form.frm01_toshug.currentText();
-    household.dnk_toshuk = form.frm01_toshuk.text;
-    household.dnk_yubin = form.frm01_yubinno.text;
-    household.dnk_jyusho1 = form.frm01_jyusho1.text;
-    household.dnk_jyusho2 = form.frm01_jyusho2.text;
-    household.dnk_tel = form.frm01_tel.text;
-    household.dnk_fax = form.frm01_fax.text;
-    household.dnk_chiku = form.frm01_地区.text;
-    household.dnk_bikou = form.frm01_biko.text;
+    return household;
+}
+
+void handOver(const 代替当Form& form, desk::ScreenContext& context) {
+    desk::HouseholdBlock household = typedHousehold(form);
+    household.dnk_haka_basho = context.dnk_haka_basho;
+    household.dnk_handedOver = true;
     context.publishHousehold(household);
 }
 
 } // namespace
 
 void LoadSuccession(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (context.dnk_no1 != 0 && !hasHousehold(context, desk))
-        return;
-    showHousehold(form, context);
     store::Database database;
     masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
-    if (context.dnk_no1 != 0)
-        listCandidates(database, form, context.dnk_no1);
+    form.held.showNew();
+    if (context.dnk_no1 == 0) {
+        form.showFields(context);
+        return;
+    }
+    const auto household = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2);
+    if (!household) {
+        desk.notify(noHousehold, title);
+        return;
+    }
+    if (!context.dnk_handedOver)
+        context.publishHousehold(desk::HouseholdBlock::of(*household));
+    form.showFields(context);
+    form.held.show(*household);
+    listCandidates(database, form, context.dnk_no1);
 }
 
 void PickNewHead(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     std::optional<store::tbl_kazoku> member;
-    {
+    // Of two of one name the line that was chosen counts: the one that bears this household's name, or none.
+    if (form.householdNames.value(form.frm01_toshug.current) == context.dnk_nameg) {
         store::Database database;
-        store::Table family(database, store::idxkzk_kazoku);
-        if (family.seek(store::Seek::equal, context.dnk_no1, context.dnk_nameg, form.frm01_toshug.currentText()))
-            member = family.row();
+        member = store::find(database, store::idxkzk_kazoku, context.dnk_no1, context.dnk_nameg,
+                             form.frm01_toshug.currentText());
     }
-    if (!member) {
+    if (!member || member->tblkzk_seishikbn != u"0"_s) {
+        form.frm01_toshug.current = form.frm01_tsh_zkgr.current = -1;
+        form.newHead.showNew();
         desk.notify(notAMember, title);
         return;
     }
-    form.frm01_no.text = QString::number(member->tblkzk_no1);
-    form.frm01_eno.text = u"0"_s;
-    form.frm01_dankag.text = member->tblkzk_dnknameg;
-    form.frm01_dankak.text = member->tblkzk_dnknamek;
-    form.frm01_toshuk.text = member->tblkzk_namek;
-    form.frm01_yubinno.text = member->tblkzk_yubin;
-    form.frm01_jyusho1.text = member->tblkzk_jusho1;
-    form.frm01_jyusho2.text = member->tblkzk_jusho2;
-    form.frm01_tel.text = member->tblkzk_tel;
-    form.frm01_fax.text = member->tblkzk_fax;
-    form.frm01_地区.text = member->tblkzk_chiku;
-    form.frm01_biko.text = member->tblkzk_bikou;
+    form.newHead.show(*member);
+    desk::HouseholdBlock household = form.fields();
+    household.dnk_nameg = member->tblkzk_dnknameg;
+    household.dnk_namek = member->tblkzk_dnknamek;
+    household.dnk_toshuk = member->tblkzk_namek;
+    household.dnk_yubin = member->tblkzk_yubin;
+    household.dnk_jyusho1 = member->tblkzk_jusho1;
+    household.dnk_jyusho2 = member->tblkzk_jusho2;
+    household.dnk_tel = member->tblkzk_tel;
+    household.dnk_fax = member->tblkzk_fax;
+    household.dnk_chiku = member->tblkzk_chiku;
+    household.dnk_bikou = member->tblkzk_bikou;
+    form.showFields(household);
+    form.held.filledAnew();
 }
 
 void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    const auto no1 = values::readInt16(form.frm01_no.text);
-    const auto no2 = values::readInt16(form.frm01_eno.text);
-    if (!no1 || !no2 || *no1 == 0) {
+    if (form.held.isNew()) {
         desk.notify(u"檀家を照会してから登録して下さい"_s, title);
         return;
     }
     if (!checked(form, desk) || !desk.ask(u"入力された内容で檀家さんを変更しますか？"_s, title))
         return;
-    context.publishHousehold(*no1);
-    context.dnk_no2 = *no2;
-    if (!writeHousehold(form, context)) {
-        desk.notify(noHousehold, title);
+    const desk::HouseholdBlock household = typedHousehold(form);
+    store::Database database;
+    const auto memberRefused = [&] {
+        store::Table family(database, store::idxkzk_kazoku);
+        const desk::Standing standing = form.newHead.seek(family);
+        family.release();
+        return desk::refused(standing, form.newHead, {title, notAMember}, desk);
+    };
+    // Both are compared before the first of the two writes.
+    if (memberRefused() || !desk::change(form.held, database, {title, noHousehold}, desk,
+                                         [&](store::tbl_danka& row) { writeHousehold(household, row); }))
         return;
-    }
     desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
-    if (!writeNewHead(form, context, desk.today())) {
-        desk.notify(notAMember, title);
+    if (!desk::change(form.newHead, database, {title, notAMember}, desk,
+                      [&](store::tbl_kazoku& row) { writeNewHead(household, row, desk.today()); }))
         return;
-    }
     desk.notify(u"入力された内容で家族は更新されました。"_s, title);
     if (desk.ask(u"その他の家族の続柄も変更しますか？"_s, title)) {
-        publish(form, context);
+        handOver(form, context);
         desk.open(u"家族登"_s);
     }
 }
 
 void openFamilyOfSuccession(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    publish(form, context);
+    handOver(form, context);
     desk.open(u"家族一"_s);
 }
 

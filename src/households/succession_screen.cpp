@@ -52,6 +52,10 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
         .action(u"家族一覧"_s, u"家族一覧"_s, screen->run(openFamilyOfSuccession))
         .closing();
     screen->onOpen(screen->run(LoadSuccession));
+    auto* raw = screen.get();
+    screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                       .asked = desk::askedHousehold,
+                       .load = screen->run(LoadSuccession)});
     return screen;
 }
 

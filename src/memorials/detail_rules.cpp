@@ -24,8 +24,7 @@ void reloadDeceased(store::Database& database, desk::ScreenContext& context, des
         desk.notify(registerEntryMissing, title);
         return;
     }
-    context.dnk_namek = entry->tblkak_dnknamek;
-    context.takeEntry(*entry);
+    context.publishDeceased(*entry);
 }
 
 void showMemorial(store::Database& database, 法要明Form& form, const store::tbl_hohyo& row, desk::Desk& desk) {

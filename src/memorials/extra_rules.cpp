@@ -80,7 +80,7 @@ void chooseDeceased(法要外Form& form, desk::ScreenContext& context, desk::Des
     store::Database database;
     const auto entry = store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, name);
     if (entry) {
-        context.takeEntry(*entry);
+        context.publishDeceased(*entry);
         showDeceased(database, form, context, desk);
         form.frm31_mei_gymd.text = deathText(*entry);
         return;

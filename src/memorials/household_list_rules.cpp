@@ -67,9 +67,8 @@ bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
         return false;
     context.publishHousehold(form.household);
     context.dnk_no2 = 0;
-    context.dnk_nameg = form.frm21_dankag.text;
-    context.dnk_kbn = u"檀家"_s;
-    context.chooseDeceased(row->tblhoy_zokunameg);
+    context.dnk_kbn = desk::categoryText(true);
+    context.nameDeceased(row->tblhoy_danknameg, row->tblhoy_zokunameg);
     context.hoy_kaiki_yymd = row->tblhoy_kaiki_yymd;
     return true;
 }
@@ -91,7 +90,7 @@ void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, d
     if (shown.dnk_namek.isEmpty()) {
         store::Database database;
         if (const auto row = store::find(database, store::idxdnk_no, form.household, 0))
-            shown.takeNames(*row);
+            shown = desk::HouseholdBlock::of(*row);
         else
             desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
     }

@@ -47,9 +47,8 @@ std::function<QString(ListedRow)> householdText(QString store::tbl_danka::*field
 void publishMemorial(const store::tbl_hohyo& row, desk::ScreenContext& context) {
     context.G初期値();
     context.publishHousehold(row.tblhoy_no);
-    context.dnk_nameg = row.tblhoy_danknameg;
-    context.dnk_kbn = u"檀家"_s;
-    context.chooseDeceased(row.tblhoy_zokunameg);
+    context.dnk_kbn = desk::categoryText(true);
+    context.nameDeceased(row.tblhoy_danknameg, row.tblhoy_zokunameg);
     context.hoy_kaiki_yymd = row.tblhoy_kaiki_yymd;
 }
 

@@ -13,33 +13,33 @@ namespace {
 
 using Memorials = decltype(store::Table(std::declval<store::Database&>(), store::idxhoy_hohyo));
 
-store::tbl_hohyo unreserved(const desk::ScreenContext& context, const QString& label, QDate date, QDate today) {
+store::tbl_hohyo unreserved(const store::tbl_kakocho& entry, const QString& label, QDate date, QDate today) {
     store::tbl_hohyo row;
-    row.tblhoy_no = context.dnk_no1;
-    row.tblhoy_danknameg = context.dnk_nameg;
-    row.tblhoy_danknamek = context.dnk_namek;
-    row.tblhoy_zokunameg = context.kak_zokunameg;
-    row.tblhoy_zokunamek = context.kak_zokunamek;
-    row.tblhoy_kaimyog = context.kak_kaimyoug;
-    row.tblhoy_kaimyok = context.kak_kaimyouk;
-    row.tblhoy_meiymd = context.kak_mei_ymd;
+    row.tblhoy_no = entry.tblkak_no;
+    row.tblhoy_danknameg = entry.tblkak_dnknameg;
+    row.tblhoy_danknamek = entry.tblkak_dnknamek;
+    row.tblhoy_zokunameg = entry.tblkak_zokunameg;
+    row.tblhoy_zokunamek = entry.tblkak_zokunamek;
+    row.tblhoy_kaimyog = entry.tblkak_kaimyoug;
+    row.tblhoy_kaimyok = entry.tblkak_kaimyouk;
+    row.tblhoy_meiymd = entry.tblkak_mei_ymd;
     row.tblhoy_kaiki_mei = label;
     row.tblhoy_kaiki_yymd = date;
     row.tblhoy_kaiki_ampm = u"1"_s;
     row.tblhoy_kaiki_hour = std::int16_t{0};
     row.tblhoy_kaiki_mint = std::int16_t{0};
     row.tblhoy_ofuse = 0;
-    row.tblhoy_kanaidx = store::kanaIndex(context.dnk_namek);
+    row.tblhoy_kanaidx = store::kanaIndex(entry.tblkak_dnknamek);
     row.tblhoy_add_ymd = today;
     return row;
 }
 
 // False when the deceased has a memorial on that day already.
-bool AddAnniversary(Memorials& memorials, const desk::ScreenContext& context, const QString& label, QDate date,
+bool AddAnniversary(Memorials& memorials, const store::tbl_kakocho& entry, const QString& label, QDate date,
                     QDate today) {
-    if (memorials.seek(store::Seek::equal, context.dnk_no1, context.kak_zokunameg, date))
+    if (memorials.seek(store::Seek::equal, entry.tblkak_no, entry.tblkak_zokunameg, date))
         return false;
-    memorials.insert(unreserved(context, label, date, today));
+    memorials.insert(unreserved(entry, label, date, today));
     return true;
 }
 
@@ -49,7 +49,7 @@ QDate anniversaryDate(const Anniversary& anniversary, QDate death) {
     return anniversary.unit == Unit::days ? death.addDays(anniversary.amount) : death.addYears(anniversary.amount);
 }
 
-void RegisterSchedule(desk::ScreenContext& context, desk::Desk& desk) {
+void RegisterSchedule(const store::tbl_kakocho& entry, desk::Desk& desk) {
     QStringList present;
     {
         store::Database database;
@@ -57,7 +57,7 @@ void RegisterSchedule(desk::ScreenContext& context, desk::Desk& desk) {
         Memorials memorials(database, store::idxhoy_hohyo);
         for (const Anniversary& anniversary : AnniversaryTable) {
             const auto label = QString::fromUtf16(anniversary.label);
-            if (!AddAnniversary(memorials, context, label, anniversaryDate(anniversary, context.kak_mei_ymd),
+            if (!AddAnniversary(memorials, entry, label, anniversaryDate(anniversary, entry.tblkak_mei_ymd),
                                 desk.today()))
                 present << label;
         }
@@ -67,16 +67,16 @@ void RegisterSchedule(desk::ScreenContext& context, desk::Desk& desk) {
         desk.notify(u"既に法要の%1は登録されています確認してください"_s.arg(label), u"法要 登録"_s);
 }
 
-void DeleteMemorials(desk::ScreenContext& context) {
+void DeleteMemorials(const store::tbl_kakocho& entry) {
     store::Database database;
     store::Write write(database);
     {
         Memorials memorials(database, store::idxhoy_hohyo);
-        const auto& row = memorials.row();
-        while (memorials.seek(store::Seek::atOrAfter, context.dnk_no1, context.kak_zokunameg) &&
-               row.tblhoy_no == context.dnk_no1 && row.tblhoy_danknameg == context.dnk_nameg &&
-               row.tblhoy_zokunameg == context.kak_zokunameg)
-            memorials.remove();
+        memorials.seek(store::Seek::atOrAfter, entry.tblkak_no, entry.tblkak_zokunameg);
+        memorials.removeWhile([&entry](const store::tbl_hohyo& row) {
+            return row.tblhoy_no == entry.tblkak_no && row.tblhoy_danknameg == entry.tblkak_dnknameg &&
+                   row.tblhoy_zokunameg == entry.tblkak_zokunameg;
+        });
     }
     write.commit();
 }

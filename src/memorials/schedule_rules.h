@@ -1,7 +1,7 @@
 #pragma once
 
 #include "desk/desk.h"
-#include "desk/screen_context.h"
+#include "store/schema.h"
 
 #include <QDate>
 #include <QString>
@@ -39,13 +39,12 @@ inline constexpr std::array<Anniversary, 14> AnniversaryTable{{
 // The day an anniversary falls on; a 29 February counted into a common year gives the 28th.
 QDate anniversaryDate(const Anniversary& anniversary, QDate death);
 
-// Writes the fourteen memorials of the context's deceased (dnk_no1, dnk_nameg, dnk_namek, the kak_ fields), all at
-// once: when one cannot be written, none is. One that exists is left as it is and told of, in table order, after the
-// others are stored.
-void RegisterSchedule(desk::ScreenContext& context, desk::Desk& desk);
+// Writes the fourteen memorials of an entry of the death register, all at once: when one cannot be written, none is.
+// One that exists is left as it is and told of, in table order, after the others are stored.
+void RegisterSchedule(const store::tbl_kakocho& entry, desk::Desk& desk);
 
-// Deletes the memorials of the context's deceased (dnk_no1, dnk_nameg, kak_zokunameg), whatever their state, up to the
-// first in date order that bears another household name. Silent when there is none.
-void DeleteMemorials(desk::ScreenContext& context);
+// Deletes the memorials that bear the entry's keys (household number and name, secular name), whatever their state, up
+// to the first in date order that bears another household name. Silent when there is none.
+void DeleteMemorials(const store::tbl_kakocho& entry);
 
 } // namespace memorials

@@ -3,12 +3,14 @@
 #include <QDate>
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <tuple>
 
 // The register's tables: a struct a table, its members the fields under their own names. Absent numbers are NULL in the
-// file, absent dates an invalid QDate. Numbers are 16-bit, fees and offerings 32-bit yen.
+// file, absent dates an invalid QDate. Numbers are 16-bit, fees and offerings 32-bit yen. Two rows are equal when all
+// their fields are; a NULL text equals an empty one.
 
 namespace store {
 
@@ -56,6 +58,8 @@ struct tbl_danka {
     std::optional<std::int16_t> tbldnk_oyano;
     QString tbldnk_bunkekbn;
     QDate tbldnk_addymd;
+
+    bool operator==(const tbl_danka&) const = default;
 };
 
 template <> struct Description<tbl_danka> {
@@ -97,6 +101,8 @@ struct tbl_kazoku {
     QString tblkzk_bikou;
     QString tblkzk_kanaidx;
     QDate tblkzk_add_ymd;
+
+    bool operator==(const tbl_kazoku&) const = default;
 };
 
 template <> struct Description<tbl_kazoku> {
@@ -145,6 +151,8 @@ struct tbl_kakocho {
     QString tblkak_haka_bch;
     QString tblkak_kanaidx;
     QDate tblkak_add_ymd;
+
+    bool operator==(const tbl_kakocho&) const = default;
 };
 
 template <> struct Description<tbl_kakocho> {
@@ -187,6 +195,8 @@ struct tbl_ohaka {
     QString tblhak_biko;
     QString tblhak_kanaidx;
     QDate tblhak_add_ymd;
+
+    bool operator==(const tbl_ohaka&) const = default;
 };
 
 template <> struct Description<tbl_ohaka> {
@@ -231,6 +241,8 @@ struct tbl_hohyo {
     QString tblhoy_bikou;
     QString tblhoy_kanaidx;
     QDate tblhoy_add_ymd;
+
+    bool operator==(const tbl_hohyo&) const = default;
 };
 
 template <> struct Description<tbl_hohyo> {
@@ -255,6 +267,8 @@ struct tbl_nengo {
     QString tblnen_nengo;
     std::int16_t tblnen_snen = 0;
     std::int16_t tblnen_enen = 0;
+
+    bool operator==(const tbl_nengo&) const = default;
 };
 
 template <> struct Description<tbl_nengo> {
@@ -269,6 +283,8 @@ struct tbl_hatsuban {
     QString tblno_key2;
     std::int16_t tblno_sumino = 0;
     std::int16_t tblno_edano = 0;
+
+    bool operator==(const tbl_hatsuban&) const = default;
 };
 
 template <> struct Description<tbl_hatsuban> {
@@ -283,6 +299,8 @@ struct マスタ {
     std::int16_t マ_NO = 0;
     QString マ_名称;
     QString マ_略称;
+
+    bool operator==(const マスタ&) const = default;
 };
 
 template <> struct Description<マスタ> {
@@ -316,6 +334,16 @@ inline constexpr auto idxnen_snen = index("idxnen_snen", HOSHIREN_FIELD(tbl_neng
 inline constexpr auto idxno_key =
     index("idxno_key", HOSHIREN_FIELD(tbl_hatsuban, tblno_key1), HOSHIREN_FIELD(tbl_hatsuban, tblno_key2));
 inline constexpr auto key_マスタ = index("key_ﾏｽﾀ", HOSHIREN_FIELD(マスタ, マ_区分), HOSHIREN_FIELD(マスタ, マ_NO));
+
+// The index whose fields name one row of a table.
+template <class Row> inline constexpr std::nullptr_t keyIndex = nullptr;
+template <> inline constexpr auto keyIndex<tbl_danka> = idxdnk_no;
+template <> inline constexpr auto keyIndex<tbl_kazoku> = idxkzk_kazoku;
+template <> inline constexpr auto keyIndex<tbl_kakocho> = idxkak_kakochou;
+template <> inline constexpr auto keyIndex<tbl_ohaka> = idxhak_no;
+template <> inline constexpr auto keyIndex<tbl_hohyo> = idxhoy_hohyo;
+template <> inline constexpr auto keyIndex<tbl_nengo> = idxnen_nengo;
+template <> inline constexpr auto keyIndex<マスタ> = key_マスタ;
 
 #undef HOSHIREN_FIELD
 

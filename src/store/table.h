@@ -108,13 +108,12 @@ template <class Row, class... Keys> class Table {
     // first row at or after them; atOrBefore: the last row at or before them. Returns whether a row was found.
     template <class... Given> bool seek(Seek how, const Given&... given) {
         static_assert(sizeof...(Given) >= 1 && sizeof...(Given) <= sizeof...(Keys));
-        removed_ = false;
         if (how == Seek::atOrBefore)
             return found_ = seekBackward(given...);
         found_ = seekForward(given...);
         if (found_ && how == Seek::equal)
             found_ = bears(std::index_sequence_for<Given...>(), given...);
-        // Positioned nowhere, it holds no lock.
+        // No row found: release the read lock.
         if (!found_)
             release();
         return found_;
@@ -124,22 +123,21 @@ template <class Row, class... Keys> class Table {
     bool eof() const { return !found_; }
     const Row& row() const { return row_; }
 
-    // To the next row in index order; after remove(), to the row that followed the removed one.
-    void moveNext() {
-        if (removed_) {
-            removed_ = false;
-            const auto keys = keysOf(row_);
-            found_ = std::apply([this](const auto&... key) { return this->seekForward(key...); }, keys);
-            return;
-        }
-        found_ = step();
+    // The first row that bears all keys of the given one.
+    bool seekKeysOf(const Row& row) {
+        return std::apply([this](const auto&... key) { return seek(Seek::equal, key...); }, keysOf(row));
     }
+    // Whether the current row bears all keys of the given one.
+    bool hasKeysOf(const Row& row) const { return found_ && keysOf(row_) == keysOf(row); }
+
+    // To the next row in index order.
+    void moveNext() { found_ = step(); }
 
     // Ends the walk and its read lock: there is no current row until the next seek.
     void release() {
         if (cursor_)
             cursor_->reset();
-        found_ = removed_ = false;
+        found_ = false;
     }
 
     // Writes a new row. A null text is written as ''.
@@ -153,8 +151,13 @@ template <class Row, class... Keys> class Table {
     }
 
     // Rewrites the current row. A null text leaves a stored NULL as it is and is written as '' elsewhere. When the edit
-    // changes a key of this index, the walk's order is no longer defined: collect the rows first.
+    // changes a key of this index, the walk's order is no longer defined: collect the rows first. Throws Error, with
+    // nothing written, where the stored row holds a date that is none: writing would lose it.
     void edit(const Row& row) {
+        if (!readable_)
+            throw Error(0,
+                        QStringLiteral("この記録には読めない日付があり、何も書き込まれていません。端末で「hoshiren-db "
+                                       "check」を実行して、登録簿を確認して下さい。"));
         if (!update_)
             update_.emplace(database_.engine(), updateText());
         update_->reset();
@@ -165,23 +168,37 @@ template <class Row, class... Keys> class Table {
         row_ = row;
     }
 
-    // Deletes the current row.
+    // Deletes the current row, which ends the walk.
     void remove() {
-        // The open walk would hold the row's page: let it go, moveNext() seeks again.
-        if (cursor_)
-            cursor_->reset();
-        if (!delete_)
-            delete_.emplace(database_.engine(),
-                            std::string("DELETE FROM ") + Description<Row>::table + " WHERE rowid = ?");
-        delete_->reset();
-        bindValue(*delete_, 1, rowid_);
-        delete_->exec();
-        delete_->reset();
-        removed_ = true;
+        const qint64 rowid = rowid_;
+        release();
+        remove(rowid);
+    }
+
+    // Deletes the current row and those that follow it in index order for as long as they are wanted, which ends the
+    // walk; gives how many. Rows without a value in a key field are met like the others.
+    template <class Wanted> int removeWhile(const Wanted& wanted) {
+        std::vector<qint64> rowids;
+        for (; found_ && wanted(row_); moveNext())
+            rowids.push_back(rowid_);
+        release();
+        for (const qint64 rowid : rowids)
+            remove(rowid);
+        return static_cast<int>(rowids.size());
     }
 
   private:
     using KeyTuple = std::tuple<Keys...>;
+
+    void remove(qint64 rowid) {
+        if (!delete_)
+            delete_.emplace(database_.engine(),
+                            std::string("DELETE FROM ") + Description<Row>::table + " WHERE rowid = ?");
+        delete_->reset();
+        bindValue(*delete_, 1, rowid);
+        delete_->exec();
+        delete_->reset();
+    }
 
     template <std::size_t... At, class... Given> bool bears(std::index_sequence<At...>, const Given&... given) const {
         return ((row_.*(std::get<At>(index_.fields).member) == given) && ...);
@@ -248,8 +265,25 @@ template <class Row, class... Keys> class Table {
             return false;
         }
         row_ = readRow<Row>(*cursor_);
+        readable_ = datesAreReadable();
         rowid_ = cursor_->getColumn(rowidColumn()).getInt64();
         return true;
+    }
+
+    bool datesAreReadable() {
+        return std::apply(
+            [this](auto... field) {
+                int at = 0;
+                const auto good = [&](const auto& value) {
+                    const int column = at++;
+                    if constexpr (std::is_same_v<decltype(value), const QDate&>)
+                        return value.isValid() || cursor_->getColumn(column).isNull();
+                    else
+                        return true;
+                };
+                return (good(row_.*(field.member)) && ...);
+            },
+            Description<Row>::fields);
     }
 
     static std::string insertText() {
@@ -302,7 +336,7 @@ template <class Row, class... Keys> class Table {
     Row row_;
     qint64 rowid_ = 0;
     bool found_ = false;
-    bool removed_ = false;
+    bool readable_ = true;
 };
 
 // The first row that bears these keys of the index; nothing when there is none.

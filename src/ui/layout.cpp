@@ -3,6 +3,7 @@
 #include "ui/flow_layout.h"
 #include "ui/grid_view.h"
 #include "ui/kana_reading.h"
+#include "ui/notice_bar.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -88,6 +89,7 @@ Layout::~Layout() {
     auto* whole = new QVBoxLayout(&screen_);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->setSpacing(0);
+    whole->addWidget(screen_.bar());
     auto* area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
     area->setWidgetResizable(true);
@@ -97,6 +99,7 @@ Layout::~Layout() {
     buttons_->setContentsMargins(10, 6, 10, 10);
     whole->addWidget(bar_);
 
+    screen_.showAccent();
     // As large as the content needs once it is loaded, within the smallest screen that offices use and the one at hand.
     screen_.fit_ = [screen = &screen_, body = body_, bar = bar_] {
         const QSize largest =
@@ -200,7 +203,8 @@ Layout& Layout::text(const QString& name, desk::Text& value, int width) {
     place(edit);
     label(edit);
     screen_.bind({edit, &value, [edit, &value] { value.text = edit->text(); },
-                  [edit, &value] { setTextIfOther(edit, value.text); }});
+                  [edit, &value] { setTextIfOther(edit, value.text); }, [&value] { return value.text; },
+                  [&value](const QString& text) { value.text = text; }});
     screen_.addToTabOrder(edit);
     text_ = &value;
     return *this;
@@ -220,6 +224,17 @@ Layout& Layout::kanaOf(const QString& name) {
 Layout& Layout::number(const QString& name, desk::Text& value, int width) {
     text(name, value, width);
     static_cast<QLineEdit*>(last_)->setAlignment(Qt::AlignRight);
+    return numeric();
+}
+
+Layout& Layout::numeric() {
+    screen_.lastBinding().numeric = true;
+    return *this;
+}
+
+Layout& Layout::namesRecord(int controls) {
+    for (auto binding = screen_.bindings_.end() - controls; binding != screen_.bindings_.end(); ++binding)
+        binding->namesRecord = true;
     return *this;
 }
 
@@ -264,7 +279,8 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, const 
                               edit->setCursorPosition(0);
                           }
                       }
-                  }});
+                  },
+                  [&value] { return value.text; }, [&value](const QString& text) { value.text = text; }});
     screen_.addToTabOrder(box);
     if (picked) {
         QObject::connect(box, &QComboBox::activated, &screen_, [this_ = &screen_, picked] { this_->operate(picked); });
@@ -301,7 +317,9 @@ Layout& Layout::options(const QString& frameName, const QString& title, std::ini
                           group->setExclusive(false);
                           button->setChecked(value->chosen);
                           group->setExclusive(true);
-                      }});
+                      },
+                      [value] { return value->chosen ? u"1"_s : u"0"_s; },
+                      [value](const QString& text) { value->chosen = text == u"1"; }});
         screen_.addToTabOrder(button);
         if (chosen)
             QObject::connect(button, &QRadioButton::clicked, &screen_,
@@ -316,7 +334,8 @@ Layout& Layout::check(const QString& name, desk::Check& value, const QString& ca
     box->setObjectName(name);
     place(box);
     screen_.bind({box, &value, [box, &value] { value.chosen = box->isChecked(); },
-                  [box, &value] { box->setChecked(value.chosen); }});
+                  [box, &value] { box->setChecked(value.chosen); }, [&value] { return value.chosen ? u"1"_s : u"0"_s; },
+                  [&value](const QString& text) { value.chosen = text == u"1"; }});
     screen_.addToTabOrder(box);
     return *this;
 }
@@ -399,11 +418,11 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value) {
     combo(names.era, value.era, 4);
     QWidget* era = last_;
     const QString what = label_->text();
-    combo(names.year, value.year, 2);
+    combo(names.year, value.year, 2).numeric();
     last_->setAccessibleName(what + u"　年"_s);
-    note(u"年"_s).combo(names.month, value.month, 2);
+    note(u"年"_s).combo(names.month, value.month, 2).numeric();
     last_->setAccessibleName(what + u"　月"_s);
-    note(u"月"_s).combo(names.day, value.day, 2);
+    note(u"月"_s).combo(names.day, value.day, 2).numeric();
     last_->setAccessibleName(what + u"　日"_s);
     note(u"日"_s).note(u"西暦"_s).shown(names.western, value.western, 6);
     last_->setAccessibleName(what + u"　西暦"_s);
@@ -425,10 +444,9 @@ Layout& Layout::grid(const QString& name, desk::Grid& value, const GridEvents& e
                 screen->operate(run);
         };
     };
-    view->clickedAt = [screen, &value, run = events.clicked](int row, int column) {
+    view->clickedAt = [screen, &value, run = events.clicked](int row, int) {
         screen->operate([&] {
             value.clickedRow = std::min(row, static_cast<int>(value.rows.size()) + 1);
-            value.clickedColumn = column;
             run();
         });
     };
@@ -476,10 +494,13 @@ Layout& Layout::button(const QString& name, const QString& caption, Operation op
 
 Layout& Layout::mainAction(const QString& name, const QString& caption, Operation operation) {
     action(name, caption, std::move(operation));
-    // The one quiet accent of a screen.
-    QPalette palette = last_->palette();
-    palette.setColor(QPalette::Button, QColor(214, 228, 240));
-    last_->setPalette(palette);
+    screen_.registers_ = static_cast<QPushButton*>(last_);
+    return *this;
+}
+
+Layout& Layout::updating(const QString& name, const QString& caption, Operation operation) {
+    action(name, caption, std::move(operation));
+    screen_.updates_ = static_cast<QPushButton*>(last_);
     return *this;
 }
 

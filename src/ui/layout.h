@@ -64,7 +64,11 @@ class Layout {
     // The box declared last is the kana of this text box: it fills itself while the name is typed.
     Layout& kanaOf(const QString& name);
     Layout& number(const QString& name, desk::Text& value, int width); // right-aligned
-    Layout& shown(const QString& name, desk::Text& value, int width);  // only shows: read-only, not in the tab order
+    // The control declared last holds a number, whatever its form.
+    Layout& numeric();
+    // The record shown is found by the controls declared last.
+    Layout& namesRecord(int controls = 1);
+    Layout& shown(const QString& name, desk::Text& value, int width); // only shows: read-only, not in the tab order
     // picked runs when an entry is chosen, and on Enter with what was typed.
     Layout& combo(const QString& name, desk::Combo& value, int width, const Operation& picked = {});
     // A drop-down list without free text.
@@ -86,8 +90,10 @@ class Layout {
     Layout& widget(QWidget* widget);
     Layout& fill(QWidget* widget);
 
-    // The row of buttons at the bottom.
+    // The row of buttons at the bottom. The main action wears the accent; where there is one that updates, that one
+    // wears it as soon as a record is shown.
     Layout& mainAction(const QString& name, const QString& caption, Operation operation);
+    Layout& updating(const QString& name, const QString& caption, Operation operation);
     Layout& action(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
     Layout& gap();                                                    // what follows stands apart
     Layout& closing(const QString& caption = QStringLiteral("終了")); // the button 終了, at the right end

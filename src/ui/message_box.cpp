@@ -35,14 +35,14 @@ void showMessage(QWidget* parent, const QString& text, const QString& title, des
     box.exec();
 }
 
-bool askQuestion(QWidget* parent, const QString& text, const QString& title) {
+bool askQuestion(QWidget* parent, const QString& text, const QString& title, desk::Preset preset) {
     QMessageBox box(QMessageBox::NoIcon, title, text, QMessageBox::Yes | QMessageBox::No, parent);
     box.setTextFormat(Qt::PlainText);
     box.button(QMessageBox::Yes)->setText(u"はい"_s);
     box.button(QMessageBox::Yes)->setShortcut(Qt::Key_Y);
     box.button(QMessageBox::No)->setText(u"いいえ"_s);
     box.button(QMessageBox::No)->setShortcut(Qt::Key_N);
-    box.setDefaultButton(QMessageBox::Yes);
+    box.setDefaultButton(preset == desk::Preset::yes ? QMessageBox::Yes : QMessageBox::No);
     box.setEscapeButton(QMessageBox::No);
     new NoRepeat(box);
     return box.exec() == QMessageBox::Yes;

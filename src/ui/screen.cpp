@@ -2,7 +2,9 @@
 
 #include "store/database.h"
 #include "ui/message_box.h"
+#include "ui/notice_bar.h"
 #include "ui/workplace.h"
+#include "values/numbers.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -14,6 +16,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -38,11 +41,13 @@ QColor colourOf(desk::Colour colour) {
     return QColor(0, 0, 0);
 }
 
-void paint(QWidget* widget, desk::Colour colour) {
+void paint(QWidget* widget, desk::Colour colour, bool restored) {
     QPalette palette = QApplication::palette(widget);
     const auto* edit = qobject_cast<QLineEdit*>(widget);
     if (edit && edit->isReadOnly())
         palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    if (restored)
+        palette.setColor(QPalette::Base, QColor(255, 246, 214));
     if (colour != desk::Colour::black) {
         palette.setColor(QPalette::Text, colourOf(colour));
         palette.setColor(QPalette::WindowText, colourOf(colour));
@@ -84,6 +89,24 @@ class ProgressWindow : public desk::Progress {
     QElapsedTimer last_;
 };
 
+// Whether two texts of one box stand for the same.
+bool same(const QString& one, const QString& other, bool numeric) {
+    if (one == other)
+        return true;
+    const auto number = [](const QString& text) { return text.isEmpty() ? 0 : values::readWhole(text); };
+    return numeric && number(one) && number(one) == number(other);
+}
+
+// The one quiet accent of a screen.
+void wearAccent(QPushButton* button, bool worn) {
+    if (!button)
+        return;
+    QPalette palette = QApplication::palette(button);
+    if (worn)
+        palette.setColor(QPalette::Button, QColor(214, 228, 240));
+    button->setPalette(palette);
+}
+
 bool composing(const QObject* widget) {
     return widget->property("composing").toBool();
 }
@@ -98,10 +121,11 @@ class Screen::ScreenDesk : public desk::Desk {
         showForUser();
         showMessage(&screen_, text, title, icon);
     }
-    bool ask(const QString& text, const QString& title) override {
+    bool ask(const QString& text, const QString& title, desk::Preset preset) override {
         showForUser();
-        return askQuestion(&screen_, text, title);
+        return askQuestion(&screen_, text, title, preset);
     }
+    void inform(const QString& text) override { screen_.informed_ = text; }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
         // From here on the record is the opened screen's.
@@ -126,10 +150,12 @@ class Screen::ScreenDesk : public desk::Desk {
 };
 
 Screen::Screen(Workplace& workplace, const QString& name, const QString& caption, const QString& title, Keeps keeps)
-    : workplace_(workplace), title_(title), keeps_(keeps), desk_(std::make_unique<ScreenDesk>(*this)) {
+    : workplace_(workplace), title_(title), keeps_(keeps), desk_(std::make_unique<ScreenDesk>(*this)),
+      bar_(new NoticeBar(this)) {
     setObjectName(name);
     setWindowTitle(caption);
     setWindowFlag(Qt::Window);
+    bar_->pressed = [this](NoticeAction action) { barPressed(action); };
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
 }
 
@@ -151,7 +177,9 @@ void Screen::operate(const Operation& operation) {
         return;
     busy_ = true;
     handedOver_ = false;
+    informed_.clear();
     readForm();
+    const std::optional<Draft> before = currentDraft();
     putBackKept();
     try {
         operation();
@@ -160,15 +188,23 @@ void Screen::operate(const Operation& operation) {
     }
     if (!handedOver_)
         takeKept();
+    settle(before);
+    if (!subject_.record && subject_.asked && listed_.key.isEmpty())
+        listed_ = subject_.asked(kept_).value_or(desk::AskedRecord());
     showForm();
     for (const Binding& binding : bindings_) {
         if (!binding.control || !binding.control->keyboard)
             continue;
         binding.control->keyboard = false;
         binding.widget->setFocus(Qt::OtherFocusReason);
+        if (auto* edit = qobject_cast<QLineEdit*>(binding.widget); edit && std::exchange(binding.control->whole, false))
+            edit->selectAll();
         break;
     }
     busy_ = false;
+    if (std::exchange(lookAgain_, false))
+        lookAtFile();
+    refreshBar();
     if (closing_)
         close();
 }
@@ -219,8 +255,7 @@ void Screen::showForm() {
             binding.intoWidget();
         if (!binding.control)
             continue;
-        paint(binding.widget, binding.control->colour);
-        binding.widget->setEnabled(binding.control->enabled);
+        paint(binding.widget, binding.control->colour, binding.restored);
         if (!binding.control->first)
             continue;
         binding.control->first = false;
@@ -242,10 +277,12 @@ void Screen::putBackKept() {
         copyBlock<desk::DeceasedBlock>(kept_, context);
     if (keeps_.memorial)
         copyBlock<desk::MemorialBlock>(kept_, context);
-    if (keeps_.member)
-        copyBlock<desk::MemberBlock>(kept_, context);
     if (keeps_.grave)
         copyBlock<desk::GraveBlock>(kept_, context);
+    context.endHandOver();
+    // What the screen holds counts, not what it handed to another one from its boxes.
+    if (subject_.publish)
+        subject_.publish(context);
 }
 
 void Screen::takeKept() {
@@ -269,11 +306,248 @@ void Screen::focusMoved(QWidget* from, QWidget* to) {
     }
 }
 
+void Screen::onIdleBar(std::function<QString()> text, std::function<void()> pressed) {
+    idleText_ = std::move(text);
+    idlePressed_ = std::move(pressed);
+}
+
+// The boxes in which something else stands than what filling them showed. Those that name the record do not count.
+QStringList Screen::typedBoxes() const {
+    QStringList names;
+    if (!subject_.record)
+        return names;
+    for (const Binding& binding : bindings_) {
+        const QString name = binding.widget->objectName();
+        if (binding.typed && !binding.namesRecord && baseline_.contains(name) &&
+            !same(binding.typed(), baseline_.value(name), binding.numeric))
+            names << name;
+    }
+    return names;
+}
+
+Draft Screen::draftOf(const QStringList& typed) const {
+    const desk::Record& record = subject_.record();
+    Draft draft{objectName(), windowTitle(), record.key(), record.label(), record.isNew(), kept_, {}, {}, typed};
+    draft.context.endHandOver();
+    if (const auto& lead = subject_.name ? subject_.name : subject_.publish)
+        lead(draft.context);
+    for (const Binding& binding : bindings_) {
+        if (binding.typed)
+            (binding.namesRecord ? draft.recordBoxes : draft.boxes)[binding.widget->objectName()] = binding.typed();
+    }
+    return draft;
+}
+
+std::optional<Draft> Screen::currentDraft() const {
+    const QStringList typed = typedBoxes();
+    if (typed.isEmpty())
+        return {};
+    return draftOf(typed);
+}
+
+void Screen::takeBaseline() {
+    baseline_.clear();
+    for (Binding& binding : bindings_) {
+        binding.restored = false;
+        if (binding.typed)
+            baseline_[binding.widget->objectName()] = binding.typed();
+    }
+}
+
+// After an operation: what was typed for a record that is shown no more becomes a draft; a save or deletion ends it.
+void Screen::settle(const std::optional<Draft>& before) {
+    if (!subject_.record)
+        return;
+    const desk::Record& record = subject_.record();
+    const bool ended = record.ending() > ending_;
+    const bool filled = record.showing() > showing_;
+    if (ended) {
+        workplace_.drafts.drop(objectName(), recordKey_);
+        workplace_.drafts.drop(objectName(), record.key());
+    } else if (filled && before) {
+        workplace_.drafts.keep(*before);
+    }
+    if (ended || filled) {
+        takeBaseline();
+        standing_ = desk::Standing::asRead;
+        asked_.reset();
+    }
+    ending_ = std::max(ending_, record.ending());
+    showing_ = std::max(showing_, record.showing());
+    recordKey_ = record.key();
+    showAccent();
+}
+
+void Screen::showAccent() {
+    const bool shown = subject_.record && !subject_.record().isNew();
+    wearAccent(registers_, !shown || !updates_);
+    wearAccent(updates_, shown || !registers_);
+}
+
+void Screen::load(const desk::ScreenContext& named, const QHash<QString, QString>& recordBoxes) {
+    if (busy_)
+        return;
+    readForm();
+    if (auto draft = currentDraft())
+        workplace_.drafts.keep(std::move(*draft));
+    takeBaseline();
+    operate([&] {
+        workplace_.context = named;
+        workplace_.context.endHandOver();
+        resetForm();
+        asked_.reset();
+        listed_ = {};
+        if (subject_.lookUp) {
+            if (load_)
+                load_();
+            for (const Binding& binding : bindings_) {
+                if (binding.namesRecord)
+                    binding.type(recordBoxes.value(binding.widget->objectName()));
+            }
+            subject_.lookUp();
+        } else {
+            subject_.load();
+        }
+    });
+}
+
+void Screen::loadFor(const Draft& draft) {
+    if (!subject_.record || subject_.record().key() == draft.key)
+        return;
+    // The record may be gone, and with it the place that the draft has in the list of drafts.
+    const Draft wanted = draft;
+    load(wanted.context, wanted.recordBoxes);
+}
+
+void Screen::askedAgain(const desk::ScreenContext& context) {
+    asked_.reset();
+    if (subject_.asked) {
+        const auto record = subject_.asked(context);
+        if (record && record->key != (subject_.record ? subject_.record().key() : listed_.key))
+            asked_ = Asked{*record, context};
+    }
+    refreshBar();
+}
+
+void Screen::restore(Draft draft) {
+    readForm();
+    workplace_.drafts.drop(draft.screen, draft.key);
+    for (Binding& binding : bindings_) {
+        const QString name = binding.widget->objectName();
+        const bool typed = draft.typed.contains(name);
+        if (!binding.type || binding.namesRecord || !(typed || draft.ofNew) || !draft.boxes.contains(name))
+            continue;
+        binding.type(draft.boxes.value(name));
+        binding.restored = typed;
+    }
+    showForm();
+    refreshBar();
+}
+
+// Asks without waiting for a lock: a bar that cannot tell now tells later.
+void Screen::lookAtFile() {
+    standing_ = desk::Standing::asRead;
+    if (!subject_.record || subject_.record().isNew())
+        return;
+    try {
+        store::Database database;
+        database.engine().setBusyTimeout(0);
+        standing_ = subject_.record().standing(database);
+        replaced_ = standing_ != desk::Standing::asRead && subject_.record().registerReplaced();
+    } catch (const std::exception&) {
+        // The next operation says what is wrong with the register.
+    }
+}
+
+void Screen::refreshBar() {
+    using enum NoticeAction;
+    const bool was = bar_->isVisibleTo(this);
+    const Draft* draft =
+        subject_.record && !busy_ ? workplace_.drafts.find(objectName(), subject_.record().key()) : nullptr;
+    const QString idle = idleText_ ? idleText_() : QString();
+    if (standing_ != desk::Standing::asRead && replaced_)
+        bar_->tell(u"登録簿が入れ替わりました。画面を開き直して下さい"_s);
+    else if (standing_ == desk::Standing::gone)
+        bar_->tell(u"この記録はほかの画面で削除されています。"_s);
+    else if (standing_ != desk::Standing::asRead)
+        bar_->tell(u"この記録はほかの画面で変更されています。"_s, {読み直す});
+    else if (asked_)
+        bar_->tell(u"「%1」を表示しています。「%2」を開くには「表示する」を押して下さい。"_s.arg(
+                       subject_.record ? subject_.record().label() : listed_.label, asked_->record.label),
+                   {表示する});
+    else if (draft)
+        bar_->tell(u"前に入力した内容が残っています"_s, {戻す, 捨てる});
+    else if (!informed_.isEmpty())
+        bar_->tell(informed_);
+    else if (!idle.isEmpty())
+        bar_->tell(idle, {表示する});
+    else
+        bar_->clear();
+    if (bar_->isVisibleTo(this) != was)
+        fitBar();
+}
+
+// The bar takes no room from the fields where the screen has room for both.
+void Screen::fitBar() {
+    if (!isVisible() || isMaximized() || !screen())
+        return;
+    const int height = bar_->sizeHint().height();
+    if (!bar_->isVisibleTo(this))
+        resize(width(), this->height() - height);
+    else if (frameGeometry().bottom() + height <= screen()->availableGeometry().bottom())
+        resize(width(), this->height() + height);
+}
+
+void Screen::barPressed(NoticeAction action) {
+    if (busy_)
+        return;
+    switch (action) {
+    case NoticeAction::読み直す: {
+        readForm();
+        const Draft now = draftOf({});
+        QHash<QString, QString> boxes = now.recordBoxes;
+        load(now.context, boxes);
+        break;
+    }
+    case NoticeAction::表示する:
+        if (asked_) {
+            const desk::ScreenContext context = asked_->context;
+            load(context, {});
+        } else if (idlePressed_) {
+            idlePressed_();
+        }
+        break;
+    case NoticeAction::戻す:
+        if (const Draft* draft = workplace_.drafts.find(objectName(), subject_.record().key()))
+            restore(*draft);
+        break;
+    case NoticeAction::捨てる:
+        workplace_.drafts.drop(objectName(), subject_.record().key());
+        break;
+    case NoticeAction::元に戻す:
+        break;
+    }
+}
+
+bool Screen::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) {
+        lookAgain_ = busy_;
+        if (!busy_) {
+            lookAtFile();
+            refreshBar();
+        }
+    }
+    return QWidget::event(event);
+}
+
 void Screen::closeEvent(QCloseEvent* event) {
     if (busy_) {
         event->ignore();
         return;
     }
+    readForm();
+    if (auto draft = currentDraft())
+        workplace_.drafts.keep(std::move(*draft));
     event->accept();
     workplace_.closed(this);
 }

@@ -2,7 +2,9 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
+#include "desk/held.h"
 #include "desk/screen_context.h"
+#include "ui/drafts.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -11,11 +13,13 @@
 #include <memory>
 #include <vector>
 
-class QScrollArea;
+class QPushButton;
 
 namespace ui {
 
+class NoticeBar;
 class Workplace;
+enum class NoticeAction;
 
 using Operation = std::function<void()>;
 
@@ -25,8 +29,23 @@ struct Keeps {
     bool household = false;
     bool deceased = false;
     bool memorial = false;
-    bool member = false;
     bool grave = false;
+};
+
+// What the kit has to know of a screen that shows one record, or the records of one household.
+struct Subject {
+    // The record shown; absent on lists.
+    std::function<desk::Record&()> record = {};
+    // Puts what the screen shows into the context before each of its operations.
+    std::function<void(desk::ScreenContext&)> publish = {};
+    // Names the record shown in the context so that load shows it again; where absent, publish does.
+    std::function<void(desk::ScreenContext&)> name = {};
+    // What an opening with this context asks for; nothing where it asks for no record in particular.
+    std::function<std::optional<desk::AskedRecord>(const desk::ScreenContext&)> asked = {};
+    // Shows, on an emptied form, the record that the context names.
+    Operation load = {};
+    // The same for the record that the boxes of its number or name give; such a screen has no load.
+    Operation lookUp = {};
 };
 
 // Name of a control and its value, from one word.
@@ -42,14 +61,28 @@ class Screen : public QWidget {
     const QString& title() const { return title_; }
     desk::Desk& desk();
     desk::ScreenContext& context();
-    Workplace& workplace() { return workplace_; }
-
     // Runs an operation. During one, further events of the screen are left out and it refuses to close.
     void operate(const Operation& operation);
     bool operating() const { return busy_; }
     // The operation that runs when the screen opens.
     void onOpen(Operation operation) { load_ = std::move(operation); }
+    // Declares what the screen shows; the bar, drafts and the accent of the main buttons follow from it.
+    void shows(Subject subject) { subject_ = std::move(subject); }
+    // The bar of this screen says this where it has nothing of its own to say; pressed runs on its 表示する.
+    void onIdleBar(std::function<QString()> text, std::function<void()> pressed);
+    // Opening others from here brings them forward and asks for no record (the menu).
+    void asksForNoRecord() { asks_ = false; }
+    bool asksForRecords() const { return asks_; }
+
+    // Runs the opening operation.
     void open();
+    // Loads, on an emptied form, what the draft was typed for.
+    void loadFor(const Draft& draft);
+    // The screen was open already when it was asked for the record that the context names.
+    void askedAgain(const desk::ScreenContext& context);
+    // Looks what the bar has to say now.
+    void refreshBar();
+    NoticeBar* bar() { return bar_; }
 
     // Binding of one control: into the form and back.
     struct Binding {
@@ -57,8 +90,15 @@ class Screen : public QWidget {
         desk::Control* control = nullptr; // null for what has neither mark nor tab place
         std::function<void()> intoForm;
         std::function<void()> intoWidget;
+        // The form's value as text, and back; absent for what nobody types (lists, grids, what only shows).
+        std::function<QString()> typed = {};
+        std::function<void(const QString&)> type = {};
+        bool namesRecord = false; // a number or name that the record is found by
+        bool numeric = false;     // "5,000" and "5000" are the same; empty is 0
+        bool restored = false;    // holds what a draft brought back
     };
     void bind(Binding binding);
+    Binding& lastBinding() { return bindings_.back(); }
     // Adds a widget to the end of the tab order.
     void addToTabOrder(QWidget* widget);
     // Runs when the keyboard leaves the control for another control of this screen, the closing button apart.
@@ -72,6 +112,9 @@ class Screen : public QWidget {
     void readForm();
 
   protected:
+    // Empties the form.
+    virtual void resetForm() {}
+    bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -83,6 +126,17 @@ class Screen : public QWidget {
     void applyTabOrder();
     void putBackKept();
     void takeKept();
+    void barPressed(NoticeAction action);
+    void fitBar();
+    QStringList typedBoxes() const;
+    Draft draftOf(const QStringList& typed) const;
+    std::optional<Draft> currentDraft() const;
+    void restore(Draft draft);
+    void load(const desk::ScreenContext& named, const QHash<QString, QString>& recordBoxes);
+    void settle(const std::optional<Draft>& before);
+    void takeBaseline();
+    void showAccent();
+    void lookAtFile();
     void focusMoved(QWidget* from, QWidget* to);
 
     Workplace& workplace_;
@@ -97,7 +151,28 @@ class Screen : public QWidget {
     std::vector<QWidget*> tabOrder_;
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
     std::vector<std::pair<const QObject*, Operation>> entered_;
+    Subject subject_;
+    NoticeBar* bar_;
+    std::function<QString()> idleText_;
+    std::function<void()> idlePressed_;
+    QHash<QString, QString> baseline_; // what the boxes showed when they were filled
+    QString recordKey_;
+    int showing_ = 0;
+    int ending_ = 0;
+    desk::Standing standing_ = desk::Standing::asRead;
+    bool replaced_ = false; // the register's file is another one
+    struct Asked {
+        desk::AskedRecord record;
+        desk::ScreenContext context;
+    };
+    std::optional<Asked> asked_;
+    desk::AskedRecord listed_; // what a screen without a record of its own lists
+    QString informed_;
+    QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
+    QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
+    bool asks_ = true;
     bool busy_ = false;
+    bool lookAgain_ = false;
     bool closing_ = false;
     bool handedOver_ = false;
 };
@@ -112,6 +187,15 @@ template <class Form> class FormScreen : public Screen {
     Operation run(void (*rule)(Form&, desk::ScreenContext&, desk::Desk&)) {
         return [this, rule] { rule(form_, context(), desk()); };
     }
+
+    // What the screen shows is the form's record held.
+    void showsHeld(Subject subject) {
+        subject.record = [this]() -> desk::Record& { return form_.held; };
+        shows(std::move(subject));
+    }
+
+  protected:
+    void resetForm() override { form_ = Form(); }
 
   private:
     Form form_;

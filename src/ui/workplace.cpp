@@ -8,7 +8,12 @@ using namespace Qt::StringLiterals;
 
 namespace ui {
 
-Workplace::Workplace(QHash<QString, ScreenMaker> makers) : makers_(std::move(makers)) {}
+Workplace::Workplace(QHash<QString, ScreenMaker> makers) : makers_(std::move(makers)) {
+    drafts.changed = [this] {
+        for (Screen* screen : std::as_const(open_))
+            screen->refreshBar();
+    };
+}
 
 Workplace::~Workplace() {
     qDeleteAll(open_);
@@ -39,12 +44,23 @@ void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Ope
     const QPointer<Screen> alive = screen;
     if (fresh)
         screen->open();
+    else if (opener && opener->asksForRecords())
+        screen->askedAgain(context);
+    context.endHandOver();
     if (!alive)
         return;
     screen->setWindowState(screen->windowState() & ~Qt::WindowMinimized);
     screen->show();
     screen->raise();
     screen->activateWindow();
+}
+
+void Workplace::show(const Draft& draft) {
+    const Draft wanted = draft;
+    context = wanted.context;
+    open(wanted.screen);
+    if (Screen* screen = find(wanted.screen))
+        screen->loadFor(wanted);
 }
 
 Screen* Workplace::find(const QString& name) const {

@@ -22,12 +22,16 @@ class Workplace {
     ~Workplace();
 
     desk::ScreenContext context;
+    Drafts drafts;
     std::function<QDate()> today = [] { return QDate::currentDate(); };
 
     // Opens a screen or brings it forward without loading it again. modal: the opener is blocked until the screen
     // closes; closed then runs as the opener's operation. Reports a missing screen under the opener's title.
     void open(const QString& name, Screen* opener = nullptr, desk::Opening how = desk::Opening::modeless,
               Operation closed = {});
+
+    // Opens the screen of a draft on the record that it was typed for; the screen's bar then offers it.
+    void show(const Draft& draft);
 
     // The open screen of this name, null when it is not open.
     Screen* find(const QString& name) const;

@@ -44,7 +44,8 @@ class Desk : public desk::Desk {
     bool stopped = false;
 
     void notify(const QString&, const QString&, desk::Icon) override {}
-    bool ask(const QString& text, const QString&) override {
+    void inform(const QString&) override {}
+    bool ask(const QString& text, const QString&, desk::Preset) override {
         if (!text.contains(u"控え"_s))
             return yes_-- > 0;
         stopped = withoutCopy_ == WithoutCopy::stop;

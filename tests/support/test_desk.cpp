@@ -57,7 +57,8 @@ void TestDesk::notify(const QString& text, const QString& title, desk::Icon icon
     take(text, title, false);
 }
 
-bool TestDesk::ask(const QString& text, const QString& title) {
+bool TestDesk::ask(const QString& text, const QString& title, desk::Preset preset) {
+    lastPreset = preset;
     return take(text, title, true);
 }
 

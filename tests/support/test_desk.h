@@ -32,13 +32,16 @@ class TestDesk : public desk::Desk {
     std::vector<int> progressShown;
 
     void notify(const QString& text, const QString& title, desk::Icon icon) override;
-    bool ask(const QString& text, const QString& title) override;
+    bool ask(const QString& text, const QString& title, desk::Preset preset) override;
+    void inform(const QString& text) override { informed << text; }
     QDate today() const override { return today_; }
     void open(const QString& screen, desk::Opening how, std::function<void()> whenClosed) override;
     void close() override { closed = true; }
     std::unique_ptr<desk::Progress> progress(const QString& title) override;
 
     desk::Icon lastIcon = desk::Icon::none;
+    desk::Preset lastPreset = desk::Preset::yes;
+    QStringList informed; // what was told in the bar
 
   private:
     struct Expected {

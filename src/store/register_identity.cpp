@@ -1,0 +1,30 @@
+#include "store/register_identity.h"
+
+#include "store/database.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#if __has_include(<sys/stat.h>) && !defined(_WIN32)
+#include <sys/stat.h>
+#define HOSHIREN_NUMBERED_FILES
+#endif
+
+namespace store {
+
+RegisterIdentity registerIdentity() {
+    const QString path = Database::registerPath();
+    RegisterIdentity identity;
+#ifdef HOSHIREN_NUMBERED_FILES
+    struct stat status {};
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return identity;
+    identity.device = status.st_dev;
+    identity.number = status.st_ino;
+#endif
+    // A number is given again soon after its file has gone.
+    identity.made = QFileInfo(path).birthTime();
+    return identity;
+}
+
+} // namespace store

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QFrame>
+#include <QString>
+
+#include <array>
+#include <functional>
+#include <initializer_list>
+
+class QLabel;
+class QPushButton;
+
+namespace ui {
+
+// What a bar's buttons do; each button bears this name.
+enum class NoticeAction { 読み直す, 表示する, 戻す, 捨てる, 元に戻す };
+
+// The line at the top of a screen that tells what needs no answer. It blocks nothing and never takes the keyboard: its
+// buttons are pressed with the mouse or with Alt and their letter. Hidden when there is nothing to say.
+class NoticeBar : public QFrame {
+  public:
+    explicit NoticeBar(QWidget* parent);
+
+    // Runs when a button is pressed.
+    std::function<void(NoticeAction)> pressed;
+
+    void tell(const QString& text, std::initializer_list<NoticeAction> actions = {});
+    void clear();
+    const QString& text() const { return text_; }
+
+  private:
+    QString text_;
+    QLabel* label_;
+    std::array<QPushButton*, 5> buttons_{};
+};
+
+} // namespace ui
