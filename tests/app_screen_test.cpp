@@ -83,8 +83,7 @@ TEST_F(Program, EveryScreenKeepsThePromisesOfTheKit) {
     for (const QString& name : makers.keys()) {
         SCOPED_TRACE(name.toStdString());
         workplace->context.publishHousehold(1);
-        workplace->context.dnk_nameg = u"山田"_s;
-        workplace->context.chooseDeceased(u"山田　一"_s);
+        workplace->context.nameDeceased(u"山田"_s, u"山田　一"_s);
         workplace->context.hoy_kaiki_yymd = QDate(2027, 1, 1);
         ui::Screen& shown = open(name);
         EXPECT_EQ(shown.objectName(), name);

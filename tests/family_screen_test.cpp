@@ -27,8 +27,7 @@ class FamilyScreens : public ScreenFixture {
     void storeHousehold() {
         store::Database database;
         store::Table(database, store::idxdnk_no).insert(sampleHousehold(3));
-        workplace->context.dnk_no1 = 3;
-        workplace->context.takeNames(sampleHousehold(3));
+        workplace->context.publishHousehold(desk::HouseholdBlock::of(sampleHousehold(3)));
     }
 };
 

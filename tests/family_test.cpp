@@ -16,8 +16,7 @@ const QString askDelete = u"ﾃﾞｰﾀを削除します。内容を確認し�
 class Family : public RegisterFixture {
   protected:
     Family() {
-        context.dnk_no1 = 3;
-        context.takeNames(sampleHousehold(3));
+        context.publishHousehold(desk::HouseholdBlock::of(sampleHousehold(3)));
         context.dnk_chiku = u"東"_s;
         family::openFamily(form, context, desk);
     }
@@ -112,6 +111,7 @@ TEST_F(Family, ListsTheLivingByBirthThenNameAndShowsOne) {
               u"甲カナ子備100-0001昭和301955/05/03"_s);
     EXPECT_TRUE(shown.frm12_bekkyo.chosen && !shown.frm12_dohkyo.chosen && !shown.frm12_namek.preset);
     // Changing a deceased member by his typed name brings him back.
+    form = shown;
     fill(u"故人|カナ|祖父|大正|1|1|1"_s);
     desk.answer(askChange, title, true);
     desk.expect(u"入力された内容で家族は更新されました。"_s, title);

@@ -190,8 +190,9 @@ TEST_F(Registration, ShowsHouseholdAndGrave) {
     EXPECT_EQ(form.frm13_no.text, QString());
     EXPECT_EQ(form.frm13_all_bohyo.keys, (std::vector<int>{2, 4}));
 
-    context.dnk_no1 = 99;
-    context.dnk_namek = u"カナ"_s; // a household that the context describes is not read
+    context.publishHousehold(99);
+    context.dnk_namek = u"カナ"_s;
+    context.dnk_handedOver = true; // a household that a screen hands over is not read
     graves::openRegistration(form, context, desk);
     EXPECT_EQ(form.frm13_no.text + form.frm13_dankak.text, u"99カナ"_s);
 }
@@ -217,7 +218,7 @@ TEST_F(Registration, LooksUpAGraveByNumber) {
         EXPECT_EQ(form.frm13_no.text, QString::number(context.dnk_no1));
         desk.finish();
     }
-    // Its household is gone: the screen stays with the one it shows, and the grave cannot be stored under it.
+    // Its household is gone: the screen stays with the one it shows, and the grave keeps its own.
     open(7, 1);
     execute(u"DELETE FROM tbl_danka WHERE tbldnk_no1 = 12"_s);
     desk.answer(other, title, true);
@@ -225,8 +226,9 @@ TEST_F(Registration, LooksUpAGraveByNumber) {
     type(form, u"3"_s);
     EXPECT_EQ(form.frm13_no.text, u"7"_s);
     EXPECT_EQ(context.dnk_no1, 7);
-    desk.expect(notFree, title);
-    graves::updateGrave(form, context, desk);
+    form.frm13_bohyo.text = u"新"_s;
+    update();
+    EXPECT_EQ(stored(3, u"tblhak_bohyo_mei, tblhak_dnk_no"_s), u"新,12"_s);
 }
 
 TEST_F(Registration, PicksTheClickedOneOfGravesWithEqualNames) {

@@ -54,11 +54,12 @@ TEST_F(HouseholdLists, FamilyListShowsEveryMemberWithABirthDateInOrder) {
                   {u""_s, u"ロ子"_s, u"妻"_s, u""_s, era, u"96"_s, u"別"_s, u"川端2"_s, u"遠方"_s},
                   {u""_s, u"五郎"_s, u"長男"_s, u""_s, era, u"76"_s, u"同"_s, u""_s, u""_s},
               }));
-    // The context had no address: the household is read from the file, into boxes and context alike.
+    // The household is read from the file, into boxes and context alike.
     EXPECT_EQ(living.frm21_dankag.text + living.frm12_jyusho1.text + living.frm12_bikou.text + context.dnk_toshug,
               u"山田寺前1役員太郎"_s);
-    // With an address in the context the file is not asked.
+    // What a screen hands over, unsaved edits included, is shown as it stands.
     context.dnk_jyusho1 = u"見出しの住所"_s;
+    context.dnk_handedOver = true;
     family::openFamilyList(living, context, desk);
     EXPECT_EQ(living.frm12_jyusho1.text, u"見出しの住所"_s);
 }
@@ -82,8 +83,7 @@ TEST_F(HouseholdLists, FamilyListOpensTheMemberPickedAndStartsOverAfterwards) {
 TEST_F(HouseholdLists, TellWhatIsMissing) {
     desk.expect(u"照会の家族情報は登録されていません"_s, familyTitle);
     family::openFamilyList(living, context, desk);
-    context.dnk_no1 = 8;
-    context.dnk_yubin.clear();
+    context.publishHousehold(8);
     desk.expect(u"指定された檀家を読めません。DBの整合性を確認して下さい"_s, deathTitle);
     desk.expect(u"照会の過去帳は登録されていません"_s, deathTitle);
     family::openDeathList(dead, context, desk);
@@ -119,11 +119,11 @@ TEST_F(HouseholdLists, DeathListShowsTheNextMemorialAheadAndNotHeld) {
                                                    u"父"_s, u""_s, u""_s, u"備考"_s}));
     EXPECT_EQ(dead.frm12_tel.text, u"03-1"_s);
 
-    // Another deceased takes nothing over from the one before.
-    context.kak_zokunameg = context.kak_kaimyoug = u"他人"_s;
+    // The entry is published whole, with its own copy of the household's name.
+    context.kak_zokunameg = context.kak_kaimyoug = context.dnk_nameg = u"他人"_s;
     dead.frm21_tbl.clickedRow = 5;
     family::pickDeceased(dead, context, desk);
-    EXPECT_EQ(context.kak_zokunameg + context.kak_kaimyoug, u"旧姓"_s);
+    EXPECT_EQ(context.kak_zokunameg + context.kak_kaimyoug + context.dnk_nameg, u"旧姓釋浄光山田"_s);
     family::showMemorialsOfDeceased(dead, context, desk);
     EXPECT_EQ(desk.opened.at(0).screen, u"法要個"_s);
 }

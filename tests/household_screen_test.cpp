@@ -59,7 +59,7 @@ TEST_F(HouseholdScreens, AScreenLeftOpenWorksOnItsOwnHousehold) {
         open(name);
     auto& context = workplace->context;
     context.publishHousehold(8);
-    context.chooseDeceased(u"一郎"_s);
+    context.nameDeceased(u"他"_s, u"一郎"_s);
     type(household, u"frm01_tel"_s, u"090-3"_s);
     change();
     EXPECT_EQ(query(u"SELECT tbldnk_tel FROM tbl_danka ORDER BY tbldnk_no1"_s), u"090-3|03-8"_s);

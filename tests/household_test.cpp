@@ -176,4 +176,100 @@ TEST_F(Household, KanaTabsFollowTheReadingWhateverItsLetters) {
     EXPECT_EQ(context.kak_zokunameg, QString());
 }
 
+const QString changed = u"この記録はほかの画面で変更されています。照会し直して下さい"_s;
+
+// A new head was entered elsewhere, or the number given to another family, while the screen stood open.
+TEST_F(Household, ARowOtherThanReadIsLeftAlone) {
+    store(sampleHousehold(5));
+    lookUp(u"5"_s);
+    execute(u"UPDATE tbl_danka SET tbldnk_toshug = '次郎'"_s);
+    form.frm01_biko.text = u"備考"_s;
+    const QString eraseQuestion = u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s;
+    desk.answer(changeQuestion, title, true);
+    desk.expect(changed, title);
+    households::UpdateHousehold(form, context, desk);
+    desk.answer(deleteQuestion, title, true);
+    desk.expect(changed, title);
+    households::DeleteHousehold(form, context, desk);
+    EXPECT_EQ(desk.lastPreset, desk::Preset::no);
+    execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg) VALUES (5, '山田', '太郎')"_s);
+    desk.answer(eraseQuestion, title, true);
+    for (const auto& [what, erased] : {std::pair{u"情報"_s, true}, {u"家族情報"_s, true}, {u"法要情報"_s, false}}) {
+        desk.answer(u"檀家さんの%1を抹消しますか　？"_s.arg(what), u"檀家の抹消"_s, erased);
+        if (erased)
+            desk.expect(changed, u"檀家の抹消"_s);
+    }
+    desk.answer(u"檀家さんの過去帳を抹消しますか　？"_s, u"檀家の抹消"_s, false);
+    desk.answer(u"檀家さんのお墓情報を抹消しますか　？"_s, u"檀家の抹消"_s, false);
+    households::eraseShownHousehold(form, context, desk);
+    EXPECT_EQ(query(u"SELECT tbldnk_toshug, tbldnk_bikou FROM tbl_danka"_s), u"次郎,"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_kazoku"_s), u"1"_s);
+    EXPECT_EQ(form.frm01_biko.text, u"備考"_s);
+
+    // Read again, it can be saved, and what was saved is then the row as read.
+    lookUp(u"5"_s);
+    for (const QString& remark : {u"一"_s, u"二"_s}) {
+        form.frm01_biko.text = remark;
+        desk.answer(changeQuestion, title, true);
+        desk.expect(u"入力された内容で檀家さんは更新されました。"_s, title);
+        households::UpdateHousehold(form, context, desk);
+    }
+    EXPECT_EQ(query(u"SELECT tbldnk_toshug, tbldnk_bikou FROM tbl_danka"_s), u"次郎,二"_s);
+}
+
+TEST_F(Household, ARegisterThatWasReplacedOrARowThatCannotBeTrustedIsLeftAlone) {
+    store(sampleHousehold(5));
+    lookUp(u"5"_s);
+    const auto refused = [&](const QString& message) {
+        desk.answer(changeQuestion, title, true);
+        desk.expect(message, title);
+        households::UpdateHousehold(form, context, desk);
+    };
+    // Another file takes its place; the same row in it may be changed.
+    const QString file = store::Database::registerPath();
+    ASSERT_TRUE(QFile::copy(file, file + u".2"_s) && QFile::remove(file) && QFile::rename(file + u".2"_s, file));
+    desk.answer(changeQuestion, title, true);
+    desk.expect(u"入力された内容で檀家さんは更新されました。"_s, title);
+    households::UpdateHousehold(form, context, desk);
+    execute(u"UPDATE tbl_danka SET tbldnk_tel = '9'"_s);
+    ASSERT_TRUE(QFile::copy(file, file + u".2"_s) && QFile::remove(file) && QFile::rename(file + u".2"_s, file));
+    refused(u"登録簿が入れ替わりました。画面を開き直して下さい"_s);
+
+    lookUp(u"5"_s);
+    execute(u"DROP INDEX idxdnk_no; CREATE INDEX idxdnk_no ON tbl_danka (tbldnk_no1, tbldnk_no2); "
+            "INSERT INTO tbl_danka SELECT * FROM tbl_danka"_s);
+    refused(u"同じ番号・名前の記録が二つあり、どちらか決められません。何も書き込まれていません。端末で「hoshiren-db "
+            "check」を実行して、登録簿を確認して下さい。"_s);
+    execute(u"DELETE FROM tbl_danka WHERE rowid > 1; PRAGMA ignore_check_constraints = 1; "
+            "UPDATE tbl_danka SET tbldnk_addymd = '2020-02-31'"_s);
+    lookUp(u"5"_s);
+    desk.answer(changeQuestion, title, true);
+    EXPECT_THROW(households::UpdateHousehold(form, context, desk), store::Error);
+    EXPECT_EQ(query(u"SELECT tbldnk_addymd FROM tbl_danka"_s), u"2020-02-31"_s);
+}
+
+TEST_F(Household, WhatAHouseholdLeftIsErasedByItsNumber) {
+    store(sampleHousehold(5));
+    execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg) VALUES (5, 'あ', '一'), (5, '山田', "
+            u"'二'), "
+            "(6, '山田', '三')"_s);
+    lookUp(u"5"_s);
+    desk.answer(deleteQuestion, title, true);
+    desk.expect(u"指定された檀家さんは削除されました。"_s, title);
+    households::DeleteHousehold(form, context, desk);
+    const QString leftOvers = u"登録番号5の檀家は登録されていません。この番号に残っているものを抹消しますか？"_s;
+    desk.answer(leftOvers, title, false);
+    households::eraseShownHousehold(form, context, desk);
+    EXPECT_EQ(desk.lastPreset, desk::Preset::no);
+    desk.answer(leftOvers, title, true);
+    desk.answer(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title, true);
+    for (const QString& what : {u"情報"_s, u"家族情報"_s, u"法要情報"_s, u"過去帳"_s, u"お墓情報"_s}) {
+        desk.answer(u"檀家さんの%1を抹消しますか　？"_s.arg(what), u"檀家の抹消"_s, what == u"家族情報"_s);
+        if (what == u"家族情報"_s)
+            desk.expect(u"指定された檀家の家族は削除されました。"_s, u"檀家の抹消"_s);
+    }
+    households::eraseShownHousehold(form, context, desk);
+    EXPECT_EQ(query(u"SELECT tblkzk_nameg FROM tbl_kazoku"_s), u"三"_s);
+}
+
 } // namespace

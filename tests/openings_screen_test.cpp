@@ -142,7 +142,7 @@ TEST_F(Openings, EveryWayFromScreenToScreen) {
     const auto of = [this](const QString& name, int row = 0, const QString& deceased = {}) {
         return [this, name, row, deceased] {
             workplace->context.publishHousehold(7);
-            workplace->context.chooseDeceased(deceased);
+            workplace->context.nameDeceased(u"山田"_s, deceased);
             forHousehold(name);
             if (row)
                 pick(name, row);

@@ -44,6 +44,12 @@ class Succession : public RegisterFixture {
         return query(u"SELECT * FROM tbl_kazoku WHERE tblkzk_namek = '%1'"_s.arg(name));
     }
 
+    void pick(int line) {
+        form.frm01_toshug.current = form.frm01_tsh_zkgr.current = line;
+        households::PickNewHead(form, context, desk);
+    }
+    QString boxes() const { return form.frm01_eno.text + form.frm01_toshuk.text + form.frm01_jyusho1.text; }
+
     TestDesk desk{today};
     households::代替当Form form;
 };
@@ -121,22 +127,23 @@ TEST_F(Succession, RefusesWhatIsNotComplete) {
 TEST_F(Succession, TellsOfWhatIsNotThereAndStops) {
     loadAndPick();
     const QString before = member(u"ジロウ"_s);
+    const QString shown = boxes();
     // Renamed on the household screen: the members still bear the old name.
     context.dnk_nameg = u"改姓"_s;
     desk.expect(notAMember, title);
-    households::PickNewHead(form, context, desk);
-    desk.answer(question, title, true);
-    desk.expect(householdDone, title);
-    desk.expect(notAMember, title);
+    pick(1);
+    EXPECT_EQ(form.frm01_toshug.current, -1);
+    EXPECT_EQ(boxes(), shown);
+    desk.expect(invalid, title);
     households::CarryOutSuccession(form, context, desk);
 
-    execute(u"DELETE FROM tbl_danka"_s);
     context.dnk_nameg = u"山田"_s;
+    pick(1);
+    execute(u"DELETE FROM tbl_danka"_s);
     desk.answer(question, title, true);
     desk.expect(noHousehold, title);
     households::CarryOutSuccession(form, context, desk);
     EXPECT_EQ(member(u"ジロウ"_s), before);
-    context.dnk_yubin.clear();
     desk.expect(noHousehold, title);
     households::LoadSuccession(form, context, desk);
 
@@ -145,4 +152,45 @@ TEST_F(Succession, TellsOfWhatIsNotThereAndStops) {
     households::LoadSuccession(form, context, desk);
     desk.expect(u"檀家を照会してから登録して下さい"_s, title);
     households::CarryOutSuccession(form, context, desk);
+}
+
+// The branch that was opened is the one written.
+TEST_F(Succession, WritesTheBranchItWasOpenedFor) {
+    execute(u"INSERT INTO tbl_danka SELECT 7, 1, tbldnk_nameg, tbldnk_namek, tbldnk_dnkkbn, tbldnk_yubin, "
+            "tbldnk_jyusho1, tbldnk_jyusho2, tbldnk_tel, tbldnk_fax, tbldnk_chiku, tbldnk_bikou, tbldnk_kanaidx, "
+            "tbldnk_haka_basho, '分家', tbldnk_toshuk, tbldnk_oyano, tbldnk_bunkekbn, tbldnk_addymd FROM tbl_danka"_s);
+    context.dnk_no2 = 1;
+    loadAndPick();
+    EXPECT_EQ(form.frm01_eno.text, u"1"_s);
+    desk.answer(question, title, true);
+    desk.expect(householdDone, title);
+    desk.expect(u"入力された内容で家族は更新されました。"_s, title);
+    desk.answer(u"その他の家族の続柄も変更しますか？"_s, title, false);
+    households::CarryOutSuccession(form, context, desk);
+    EXPECT_EQ(query(u"SELECT tbldnk_no2, tbldnk_toshug FROM tbl_danka ORDER BY 1"_s), u"0,太郎|1,次郎'"_s);
+}
+
+// Who cannot become head: one who died, one of another household name with the same given name, one changed meanwhile.
+TEST_F(Succession, RefusesAMemberWhoIsNotTheOneChosen) {
+    execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_namek, tblkzk_seishikbn) "
+            "VALUES (7, '旧姓', '太郎', 'ベツ', '0')"_s);
+    households::LoadSuccession(form, context, desk);
+    const int other = static_cast<int>(form.householdNames.indexOf(u"旧姓"_s));
+    const QString before = household() + query(u"SELECT * FROM tbl_kazoku"_s);
+    desk.expect(notAMember, title);
+    pick(other);
+    EXPECT_EQ(form.frm01_toshuk.text, u"タロウ"_s);
+
+    execute(u"UPDATE tbl_kazoku SET tblkzk_seishikbn = '1' WHERE tblkzk_namek = 'ジロウ'"_s);
+    desk.expect(notAMember, title);
+    pick(static_cast<int>(form.frm01_toshug.items.indexOf(u"次郎'"_s)));
+    execute(u"UPDATE tbl_kazoku SET tblkzk_seishikbn = '0' WHERE tblkzk_namek = 'ジロウ'"_s);
+
+    pick(static_cast<int>(form.frm01_toshug.items.indexOf(u"次郎'"_s)));
+    execute(u"UPDATE tbl_kazoku SET tblkzk_seishikbn = '1' WHERE tblkzk_namek = 'ジロウ'"_s);
+    desk.answer(question, title, true);
+    desk.expect(u"この記録はほかの画面で変更されています。照会し直して下さい"_s, title);
+    households::CarryOutSuccession(form, context, desk);
+    execute(u"UPDATE tbl_kazoku SET tblkzk_seishikbn = '0' WHERE tblkzk_namek = 'ジロウ'"_s);
+    EXPECT_EQ(household() + query(u"SELECT * FROM tbl_kazoku"_s), before);
 }

@@ -2,6 +2,7 @@
 
 #include "calendar/eras.h"
 #include "store/database.h"
+#include "ui/notice_bar.h"
 #include "values/dates.h"
 
 #include <QDir>
@@ -66,6 +67,14 @@ QString dayText(QDate day) {
     return values::dateText(day);
 }
 
+// Which inputs were left unsaved; empty where there is none.
+QString draftsText(const ui::Drafts& drafts) {
+    QStringList names;
+    for (const ui::Draft& draft : drafts.all())
+        names << draft.caption + u' ' + draft.label;
+    return names.isEmpty() ? QString() : u"保存していない入力があります："_s + names.join(u"、"_s);
+}
+
 // No bold face: it would be one more large font to read at the start.
 QFont scaled(const QWidget& widget, double factor) {
     QFont font = widget.font();
@@ -90,7 +99,11 @@ QPushButton* menuButton(ui::Screen& screen, const QString& name, const QString& 
 std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::Screen>(workplace, u"メニュー"_s, u"メニュー"_s, u"メニュー"_s);
     ui::Screen* menu = screen.get();
-    auto* whole = new QVBoxLayout(menu);
+    auto* frame = new QVBoxLayout(menu);
+    frame->setContentsMargins(0, 0, 0, 0);
+    frame->addWidget(menu->bar());
+    auto* whole = new QVBoxLayout;
+    frame->addLayout(whole, 1);
     whole->setContentsMargins(20, 14, 20, 16);
     whole->setSpacing(10);
 
@@ -130,6 +143,12 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     foot->addWidget(menuButton(*menu, u"終了"_s, u"終了"_s, [menu] { menu->desk().close(); }));
     whole->addLayout(foot);
 
+    menu->asksForNoRecord();
+    menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); },
+                    [&workplace] {
+                        if (!workplace.drafts.all().empty())
+                            workplace.show(workplace.drafts.all().front());
+                    });
     menu->onOpen([menu] {
         menu->context().G初期値();
         menu->context().dnk_no1 = 0;

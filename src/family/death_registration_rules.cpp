@@ -139,8 +139,9 @@ std::optional<LifeDates> check(store::Database& database, 過去登Form& form, d
     dates.birth = calendar::checkRequiredDate(database, form.生年, calendar::生年月日, context, desk);
     dates.death = calendar::checkRequiredDate(database, form.命日, calendar::命日, context, desk);
     if (dates.birth.isValid() && dates.death.isValid()) {
-        followAge(form, dates);
-        if (dates.death < dates.birth) {
+        if (dates.death >= dates.birth) {
+            followAge(form, dates);
+        } else {
             form.命日.western.colour = desk::Colour::red;
             if (desk::recordFailure(context, u"命日が生年月日より前です"_s))
                 form.命日.era.keyboard = true;

@@ -110,9 +110,8 @@ void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk&
     const ListedGrave* grave = form.list.selected();
     if (!grave)
         return;
-    context.hak_no = grave->tblhak_no;
     context.publishHousehold(grave->tblhak_dnk_no);
-    context.dnk_namek.clear();
+    context.hak_no = grave->tblhak_no;
     desk.open(u"お墓登"_s, desk::Opening::modal, [&form, &context, &desk] {
         goOn(form, desk);
         context.G初期値();

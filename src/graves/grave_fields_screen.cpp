@@ -20,6 +20,7 @@ void addGraveFields(ui::Layout& layout, ui::Screen& screen, GraveFields& fields,
     layout.frame({}, u"お墓"_s)
         .row(u"管理番号"_s)
         .number(HOSHIREN_CONTROL(fields, frm13_haka_no), 4)
+        .namesRecord()
         .button(u"照会"_s, u"照会"_s, std::move(lookUp))
         .row(u"番地(区画）"_s)
         .text(HOSHIREN_CONTROL(fields, frm13_banchi1), 8)

@@ -139,8 +139,8 @@ void openGrave(お墓一Form& form, desk::ScreenContext& context, desk::Desk& de
     if (!grave)
         return;
     context.G初期値();
-    context.hak_no = grave->tblhak_no;
     context.publishHousehold(grave->tblhak_dnk_no);
+    context.hak_no = grave->tblhak_no;
     openAndReturn(grave->tblhak_dnk_no < 1 ? u"お墓新"_s : u"お墓登"_s, form, desk);
 }
 

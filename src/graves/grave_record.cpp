@@ -26,14 +26,14 @@ void checkFee(desk::Text& box, const QString& message, desk::SaveAttempt& attemp
         box.text = values::moneyText(*fee);
 }
 
-void sayGraveGone(const QString& title, desk::Desk& desk) {
-    desk.notify(u"指定されたお墓番号を読めませんません。DBの整合性を確認して下さい"_s, title);
+desk::Refusal refusal(const QString& title) {
+    return {title, u"指定されたお墓番号を読めませんません。DBの整合性を確認して下さい"_s};
 }
 
 } // namespace
 
-bool GraveFields::namesGraveInHand() const {
-    return inHand && values::readInt16(frm13_haka_no.text) == inHand;
+bool GraveFields::namesGraveHeld() const {
+    return !held.isNew() && values::readInt16(frm13_haka_no.text) == held->tblhak_no;
 }
 
 void fillDateLists(store::Database& database, GraveFields& fields) {
@@ -48,7 +48,7 @@ std::optional<store::tbl_ohaka> findGrave(store::Database& database, const desk:
 
 void showGrave(store::Database& database, const store::tbl_ohaka& row, GraveFields& fields, desk::Desk& desk) {
     fields.frm13_haka_no.text = QString::number(row.tblhak_no);
-    fields.inHand = row.tblhak_no;
+    fields.held.show(row);
     fields.frm13_banchi1.text = row.tblhak_banchi1;
     fields.frm13_banchi2.text = row.tblhak_banchi2;
     fields.frm13_bohyo.text.clear();
@@ -104,27 +104,36 @@ std::vector<store::tbl_ohaka> gravesAt(store::Database& database, const GraveFie
                                               fields.frm13_banchi1.text, fields.frm13_banchi2.text);
 }
 
-bool editGrave(const GraveFields& fields, const QString& title, desk::Desk& desk,
+bool editGrave(GraveFields& fields, const QString& title, desk::Desk& desk,
                const std::function<void(store::tbl_ohaka&)>& change) {
     store::Database database;
-    if (store::change(database, store::idxhak_no, change, *fields.inHand))
-        return true;
-    sayGraveGone(title, desk);
-    return false;
+    return desk::change(fields.held, database, refusal(title), desk, change);
 }
 
-void deleteGrave(const GraveFields& fields, const QString& question, const QString& title, desk::Desk& desk) {
-    if (!fields.namesGraveInHand()) {
+void deleteGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
+                 desk::Desk& desk) {
+    if (!fields.namesGraveHeld()) {
         sayNumberChanged(title, desk);
         return;
     }
-    if (!desk.ask(question, title))
+    if (!desk.ask(question, title, desk::Preset::no))
         return;
     store::Database database;
-    if (store::remove(database, store::idxhak_no, *fields.inHand))
-        desk.notify(u"指定されたお墓は削除されました。"_s, title);
-    else
-        sayGraveGone(title, desk);
+    if (!desk::remove(fields.held, database, refusal(title), desk))
+        return;
+    desk.notify(u"指定されたお墓は削除されました。"_s, title);
+    if (context.hak_no == fields.held->tblhak_no)
+        context.hak_no = 0;
+}
+
+std::optional<desk::AskedRecord> askedGrave(const desk::ScreenContext& context) {
+    if (context.hak_no == 0)
+        return {};
+    return desk::AskedRecord{desk::keyText(context.hak_no), QString::number(context.hak_no)};
+}
+
+void nameShown(const GraveFields& fields, desk::ScreenContext& context) {
+    context.hak_no = fields.held ? fields.held->tblhak_no : std::int16_t{0};
 }
 
 void sayNumberChanged(const QString& title, desk::Desk& desk) {

@@ -2,6 +2,7 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
+#include "desk/held.h"
 #include "desk/save_attempt.h"
 #include "desk/screen_context.h"
 #include "store/database.h"
@@ -29,10 +30,10 @@ struct GraveFields {
     desk::DateGroup 次回;
     desk::Text frm13_biko;
 
-    // Grave whose data the screen holds: the one last looked up or registered here.
-    std::optional<std::int16_t> inHand;
-    // The number box still names the grave in hand.
-    bool namesGraveInHand() const;
+    // The grave last looked up or registered here.
+    desk::Held<store::tbl_ohaka> held;
+    // The number box still names it.
+    bool namesGraveHeld() const;
 };
 
 // Marker kinds as stored.
@@ -47,7 +48,7 @@ void fillDateLists(store::Database& database, GraveFields& fields);
 std::optional<store::tbl_ohaka> findGrave(store::Database& database, const desk::Text& number);
 
 // Empties the grave's part and shows the row in it. Kind and marker name of a vacant plot are not shown: the kind
-// options keep their state. The grave becomes the one in hand.
+// options keep their state. The grave becomes the one held.
 void showGrave(store::Database& database, const store::tbl_ohaka& row, GraveFields& fields, desk::Desk& desk);
 
 struct GraveDates {
@@ -68,15 +69,22 @@ void takeFields(const GraveFields& fields, const GraveDates& dates, store::tbl_o
 // Every grave at the place that the boxes name, disposed ones too.
 std::vector<store::tbl_ohaka> gravesAt(store::Database& database, const GraveFields& fields);
 
-// Rewrites the grave that the number box names with what change(row) makes of it. Shows a message and writes nothing
-// when it is gone; true when it was written.
-bool editGrave(const GraveFields& fields, const QString& title, desk::Desk& desk,
+// Rewrites the grave held with what change(row) makes of it. Shows a message and writes nothing when it is gone or
+// other than read; true when it was written.
+bool editGrave(GraveFields& fields, const QString& title, desk::Desk& desk,
                const std::function<void(store::tbl_ohaka&)>& change);
 
-// Deletes the grave in hand after the question; shows a message when the number box names another.
-void deleteGrave(const GraveFields& fields, const QString& question, const QString& title, desk::Desk& desk);
+// Deletes the grave held after the question, and clears hak_no where it names it; shows a message when the number box
+// names another, or when it is gone or other than read.
+void deleteGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
+                 desk::Desk& desk);
 
-// The message of a number box that names another grave than the one in hand.
+// The grave that the context names; nothing where it names none.
+std::optional<desk::AskedRecord> askedGrave(const desk::ScreenContext& context);
+// Names the grave held in the context; none where there is none.
+void nameShown(const GraveFields& fields, desk::ScreenContext& context);
+
+// The message of a number box that names another grave than the one held.
 void sayNumberChanged(const QString& title, desk::Desk& desk);
 
 // 今日: the use starts today.

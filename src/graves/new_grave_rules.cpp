@@ -41,11 +41,17 @@ bool checkPlace(bool good, const QString& message, お墓新Form& form, desk::Sc
     return !attempt.reported(desk, title);
 }
 
+// The name box still shows the household that holds the grave looked up.
+bool showsFormerHousehold(const お墓新Form& form) {
+    return form.held && form.held->tblhak_dnk_no != 0 && form.frm13_dnknameg.text == form.held->tblhak_dnk_nameg;
+}
+
 } // namespace
 
 void openNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     fillDateLists(database, form);
+    form.held.showNew();
     if (context.hak_no == 0)
         return;
     form.frm13_haka_no.text = QString::number(context.hak_no);
@@ -88,14 +94,16 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
     if (!desk.ask(u"入力された内容でお墓を登録します。内容を確認して下さい。"_s, title))
         return;
 
+    if (showsFormerHousehold(form))
+        form.frm13_dnknameg.text.clear();
     bool taken = false;
     bool counted = false;
+    store::tbl_ohaka row;
     {
         store::Database database;
         store::Write write(database);
         taken = findGrave(database, form.frm13_haka_no).has_value();
         if (!taken) {
-            store::tbl_ohaka row;
             takeFields(form, *dates, row);
             row.tblhak_no = number;
             row.tblhak_dnk_nameg = form.frm13_dnknameg.text;
@@ -110,7 +118,7 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
         desk.notify(u"指定されたお墓番号は既に登録されています"_s, title);
         return;
     }
-    form.inHand = number;
+    form.held.wrote(row);
     desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
     if (!counted)
         desk.notify(desk::notCounted, numberingTitle);
@@ -118,12 +126,11 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
 
 void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     // A number that was only proposed may be another grave's, brought by an import.
-    if (!form.namesGraveInHand() || form.inHand != context.hak_no) {
+    if (!form.namesGraveHeld() || form.held->tblhak_no != context.hak_no) {
         sayNumberChanged(title, desk);
         return;
     }
     std::optional<GraveDates> dates;
-    bool held = false;
     {
         store::Database database;
         dates = check(database, form, context, desk);
@@ -132,26 +139,30 @@ void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
         if (!checkPlace(!gravesAt(database, form).empty(),
                         u"区画と番地の変更はできません。入力した内容をﾁｪｯｸしてください"_s, form, context, desk))
             return;
-        const auto grave = findGrave(database, form.frm13_haka_no);
-        held = grave && grave->tblhak_dnk_no != 0;
     }
+    const bool held = form.held->tblhak_dnk_no != 0;
     if (held && !desk.ask(u"檀家に紐付いたお墓です。紐付けを外して更新しますか？"_s, title))
         return;
     if (!desk.ask(u"入力された内容でお墓を変更します。内容を確認して下さい。"_s, title))
         return;
+    const QString name = showsFormerHousehold(form) ? u""_s : form.frm13_dnknameg.text;
     const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
         takeFields(form, *dates, row);
         row.tblhak_dnk_no = 0;
-        row.tblhak_dnk_nameg = form.frm13_dnknameg.text;
+        row.tblhak_dnk_nameg = name;
+        if (held)
+            row.tblhak_dnk_namek = row.tblhak_dnk_kbn = row.tblhak_kanaidx = u""_s;
         row.tblhak_bohyo_kbn = kindChosen(form);
         row.tblhak_add_ymd = desk.today();
     });
-    if (written)
-        desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
+    if (!written)
+        return;
+    form.frm13_dnknameg.text = name;
+    desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
 }
 
-void deleteGrave(お墓新Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    deleteGrave(form, u"お墓を削除します。内容を確認して下さい。"_s, title, desk);
+void deleteGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    deleteGrave(form, u"お墓を削除します。内容を確認して下さい。"_s, title, context, desk);
 }
 
 } // namespace graves

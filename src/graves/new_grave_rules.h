@@ -19,7 +19,8 @@ void lookUpGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
 // 登録: proposes a number (number box, hak_no), checks, asks, writes the grave and commits the number. A number that is
 // not committed is proposed again.
 void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
-// 更新: the grave is left without household; asks first when one holds it.
+// 更新: the grave is left without household; asks first when one holds it. Of a grave that a household held, neither
+// 登録 nor 更新 stores that household's name, unless another one was typed.
 void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 削除.
 void deleteGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);

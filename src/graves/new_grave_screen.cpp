@@ -19,11 +19,15 @@ std::unique_ptr<ui::Screen> お墓新(ui::Workplace& workplace) {
                     {HOSHIREN_CONTROL(form, frm13_haka3), u"空き"_s}},
                    screen->run(lookUpGrave));
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerGrave))
-        .action(u"更新"_s, u"更新"_s, screen->run(updateGrave))
+        .updating(u"更新"_s, u"更新"_s, screen->run(updateGrave))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteGrave))
         .closing();
     screen->onOpen(screen->run(openNewGrave));
+    auto* raw = screen.get();
+    screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
+                       .asked = [](const desk::ScreenContext& context) { return askedGrave(context); },
+                       .load = screen->run(openNewGrave)});
     return screen;
 }
 

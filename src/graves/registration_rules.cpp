@@ -17,6 +17,11 @@ std::int16_t householdShown(const お墓登Form& form) {
     return values::readInt16(form.frm13_no.text).value_or(0);
 }
 
+// The grave belongs to a household that the screen could not show: its row is missing.
+bool householdIsMissing(const お墓登Form& form) {
+    return form.held->tblhak_dnk_no != 0 && form.held->tblhak_dnk_no != householdShown(form);
+}
+
 void listGraves(store::Database& database, お墓登Form& form, std::int16_t household) {
     form.frm13_all_bohyo.clear();
     for (const auto& row : store::selectAll<store::tbl_ohaka>(
@@ -29,6 +34,8 @@ void listGraves(store::Database& database, お墓登Form& form, std::int16_t hou
 }
 
 void showHousehold(お墓登Form& form, const desk::HouseholdBlock& household) {
+    form.household = household;
+    form.household.dnk_handedOver = false;
     form.frm13_no.text = QString::number(household.dnk_no1);
     form.frm13_dankag.text = household.dnk_nameg;
     form.frm13_dankak.text = household.dnk_namek;
@@ -71,9 +78,10 @@ void link(const QString& picker, お墓登Form& form, desk::ScreenContext& conte
 // The place must exist already and not be held by another household.
 bool placeIsFree(store::Database& database, const お墓登Form& form) {
     const auto there = gravesAt(database, form);
+    const std::int16_t household = householdIsMissing(form) ? form.held->tblhak_dnk_no : householdShown(form);
     return !there.empty() && std::ranges::all_of(there, [&](const store::tbl_ohaka& grave) {
         return grave.tblhak_haiki_kbn == 1 || grave.tblhak_bohyo_kbn == kindVacant || grave.tblhak_dnk_no == 0 ||
-               grave.tblhak_dnk_no == householdShown(form);
+               grave.tblhak_dnk_no == household;
     });
 }
 
@@ -84,11 +92,12 @@ void openRegistration(お墓登Form& form, desk::ScreenContext& context, desk::D
     fillDateLists(database, form);
     context.chk_msg.clear();
     if (context.dnk_no1 != 0) {
-        if (context.dnk_namek.isEmpty())
-            lookUpHousehold(database, form, context, desk, context.dnk_no1);
-        else
+        if (context.dnk_handedOver)
             showHousehold(form, context);
+        else
+            lookUpHousehold(database, form, context, desk, context.dnk_no1);
     }
+    form.held.showNew(desk::householdLabel(context.dnk_no1, 0));
     if (context.hak_no != 0) {
         form.frm13_haka_no.text = QString::number(context.hak_no);
         lookUpGrave(form, context, desk);
@@ -111,26 +120,22 @@ void lookUpGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
         lookUpHousehold(database, form, context, desk, grave->tblhak_dnk_no);
 }
 
+std::optional<desk::AskedRecord> askedGrave(const お墓登Form& form, const desk::ScreenContext& context) {
+    if (context.hak_no != 0 || context.dnk_no1 == 0 || context.dnk_no1 == householdShown(form))
+        return askedGrave(context);
+    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, 0));
+}
+
 void pickGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const int line = form.frm13_all_bohyo.current;
     if (line < 0)
         return;
     store::Database database;
-    std::optional<store::tbl_ohaka> grave;
-    {
-        // Graves of one household may bear the same marker name: the one that was clicked is opened.
-        const int number = form.frm13_all_bohyo.keys[static_cast<std::size_t>(line)];
-        const QString marker = form.frm13_all_bohyo.currentText();
-        const auto isOurs = [&](const store::tbl_ohaka& row) {
-            return row.tblhak_dnk_no == householdShown(form) && row.tblhak_bohyo_mei == marker;
-        };
-        store::Table table(database, store::idxhak_bohyou);
-        for (table.seek(store::Seek::equal, householdShown(form), marker); !table.eof() && isOurs(table.row());
-             table.moveNext()) {
-            if (table.row().tblhak_no == number)
-                grave = table.row();
-        }
-    }
+    // Graves of one household may bear the same marker name: the one that was clicked is opened.
+    auto grave = store::find(database, store::idxhak_no, form.frm13_all_bohyo.keys[static_cast<std::size_t>(line)]);
+    if (grave &&
+        (grave->tblhak_dnk_no != householdShown(form) || grave->tblhak_bohyo_mei != form.frm13_all_bohyo.currentText()))
+        grave.reset();
     if (!grave) {
         desk.notify(u"お墓の情報が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);
         return;
@@ -152,7 +157,7 @@ void updateGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
         desk.notify(u"登録NOを入力して下さい"_s, title);
         return;
     }
-    if (!form.namesGraveInHand()) {
+    if (!form.namesGraveHeld()) {
         sayNumberChanged(title, desk);
         return;
     }
@@ -177,24 +182,26 @@ void updateGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
         return;
     const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
         takeFields(form, dates, row);
+        row.tblhak_bohyo_kbn = form.frm13_haka2.chosen ? kindFamily : kindIndividual;
+        row.tblhak_haiki_ymd = {};
+        if (householdIsMissing(form))
+            return;
         row.tblhak_dnk_no = householdShown(form);
         row.tblhak_dnk_nameg = form.frm13_dankag.text;
         row.tblhak_dnk_namek = form.frm13_dankak.text;
-        row.tblhak_dnk_kbn = form.frm13_dnkkbn1.chosen ? u"檀家"_s : u"一般"_s;
-        row.tblhak_bohyo_kbn = form.frm13_haka2.chosen ? kindFamily : kindIndividual;
+        row.tblhak_dnk_kbn = desk::categoryText(form.frm13_dnkkbn1.chosen);
         row.tblhak_kanaidx = store::kanaIndex(form.frm13_dankak.text);
-        row.tblhak_haiki_ymd = {};
     });
     if (written)
         desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
 }
 
-void deleteGrave(お墓登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    deleteGrave(form, u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk);
+void deleteGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    deleteGrave(form, u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, context, desk);
 }
 
 void disposeGrave(お墓登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    if (!form.namesGraveInHand()) {
+    if (!form.namesGraveHeld()) {
         sayNumberChanged(title, desk);
         return;
     }

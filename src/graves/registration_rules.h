@@ -18,11 +18,14 @@ struct お墓登Form : GraveFields {
     desk::Text frm13_jyusho2;
     desk::Text frm13_tel;
     desk::Text frm13_dnkbiko;
+
+    // The household shown.
+    desk::HouseholdBlock household;
 };
 
 // The operations of the grave screen. Messages bear the title "お墓 登録".
 
-// Shows the context's household (dnk_no1, read from the file when dnk_namek is empty) and grave (hak_no); 0 is none.
+// Shows the context's household (dnk_no1, the one handed over, else that of the file) and grave (hak_no); 0 is none.
 void openRegistration(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 照会. A grave of another household asks first, and on Yes brings that household onto the screen and into the context.
 void lookUpGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
@@ -31,7 +34,10 @@ void pickGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& de
 // 区画紐付 and 墓標紐付: the grave chosen in the picker (hak_himo_no) is looked up when the picker closes.
 void linkBySection(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void linkByMarker(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
-// 更新: writes the grave with the household shown; undoes a disposal.
+// What an opening with this context asks for: a grave, or another household than the one shown.
+std::optional<desk::AskedRecord> askedGrave(const お墓登Form& form, const desk::ScreenContext& context);
+// 更新: writes the grave with the household shown; undoes a disposal. A grave of a household that could not be read
+// keeps its household as it is stored.
 void updateGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 削除.
 void deleteGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);

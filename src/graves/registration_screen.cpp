@@ -53,6 +53,10 @@ std::unique_ptr<ui::Screen> お墓登(ui::Workplace& workplace) {
         .action(u"廃棄"_s, u"廃棄"_s, screen->run(disposeGrave))
         .closing();
     screen->onOpen(screen->run(openRegistration));
+    auto* raw = screen.get();
+    screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
+                       .asked = [raw](const desk::ScreenContext& context) { return askedGrave(raw->form(), context); },
+                       .load = screen->run(openRegistration)});
     return screen;
 }
 

@@ -7,6 +7,11 @@
 
 #include <gtest/gtest.h>
 
+// Failures show Japanese texts as they read.
+inline void PrintTo(const QString& text, std::ostream* out) {
+    *out << '"' << text.toStdString() << '"';
+}
+
 // A fresh register in a directory of its own, and the record that screens share.
 class RegisterFixture : public ::testing::Test {
   protected:
