@@ -34,8 +34,8 @@ class Openings : public ScreenFixture {
               (7, '山田', 'ヤマダ', 'ハナ', 'ハナ', '1930-01-01', '母', '1', '', '', ''),
               (7, '山田', 'ヤマダ', '太郎', 'タロウ', '1950-01-01', '本人', '0', '', '', ''),
               (7, '山田', 'ヤマダ', '次郎', 'ジロウ', '1980-01-01', '長男', '0', '100-0001', '寺前1', '03-1');
-            INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd) VALUES
-              (7, '山田', 'ハナ', '2024-12-01');
+            INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd, tblkak_kaimyoug)
+              VALUES (7, '山田', 'ハナ', '2024-12-01', '釈尼花');
             INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei, tblhoy_kaiki_yymd,
               tblhoy_kaiki_rs, tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour) VALUES
               (7, '山田', 'ハナ', '3回忌', '2026-12-01', 1, '2026-11-29', '1', 10),
@@ -65,6 +65,24 @@ class Openings : public ScreenFixture {
                            context.hoy_kaiki_yymd.toString(Qt::ISODate), QString::number(context.hak_no),
                            context.kzk_nameg}
             .join(u',');
+    }
+
+    // A block is filled whole from one row, or holds no more than its keys.
+    void expectWholeBlocks() {
+        const desk::ScreenContext& context = workplace->context;
+        store::Database database;
+        if (!context.dnk_namek.isEmpty() || !context.dnk_yubin.isEmpty()) {
+            const auto row = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2);
+            ASSERT_TRUE(row);
+            EXPECT_EQ(context.dnk_yubin + context.dnk_toshug, row->tbldnk_yubin + row->tbldnk_toshug);
+        }
+        if (!context.kak_kaimyoug.isEmpty() || context.kak_mei_ymd != QDate(1899, 12, 30)) {
+            const auto row = store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg,
+                                         context.kak_zokunameg);
+            ASSERT_TRUE(row);
+            EXPECT_EQ(context.kak_kaimyoug, row->tblkak_kaimyoug);
+            EXPECT_EQ(context.kak_mei_ymd, row->tblkak_mei_ymd);
+        }
     }
 
     void choose(const QString& name, const QString& list, const QString& text) {
@@ -98,6 +116,9 @@ class Openings : public ScreenFixture {
         press(edge.opener, button);
         EXPECT_EQ(screen(target).windowModality() != Qt::NonModal, edge.way != Way::beside);
         EXPECT_EQ(handed(), edge.handed);
+        // These two hand over their boxes, saved or not.
+        if (edge.opener != u"檀家登"_s && edge.opener != u"代替当"_s)
+            expectWholeBlocks();
         const QString before = contents(edge.opener);
         // What every list shows differs afterwards.
         execute(u"UPDATE tbl_kazoku SET tblkzk_bikou = '変更'; UPDATE tbl_kakocho SET tblkak_bikou = '変更';"
@@ -149,6 +170,7 @@ TEST_F(Openings, EveryWayFromScreenToScreen) {
         };
     };
     const auto grave = [this] {
+        workplace->context.publishHousehold(7);
         workplace->context.hak_no = 1;
         forHousehold(u"お墓登"_s);
     };
