@@ -3,6 +3,7 @@
 #include "calendar/eras.h"
 #include "store/database.h"
 #include "ui/notice_bar.h"
+#include "ui/plain_text.h"
 #include "values/dates.h"
 
 #include <QDir>
@@ -108,16 +109,16 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     whole->setSpacing(10);
 
     auto* head = new QHBoxLayout;
-    auto* name = new QLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
+    auto* name = ui::plainLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
     name->setFont(scaled(*menu, 1.6));
-    auto* today = new QLabel(dayText(workplace.today()));
+    auto* today = ui::plainLabel(dayText(workplace.today()));
     today->setObjectName(u"今日"_s);
     today->setFont(scaled(*menu, 1.2));
     head->addWidget(name);
     head->addStretch(1);
     head->addWidget(today);
     whole->addLayout(head);
-    auto* path = new QLabel(QDir::toNativeSeparators(store::Database::registerPath()));
+    auto* path = ui::plainLabel(QDir::toNativeSeparators(store::Database::registerPath()));
     path->setObjectName(u"登録簿"_s);
     path->setTextInteractionFlags(Qt::TextSelectableByMouse);
     path->setWordWrap(true);

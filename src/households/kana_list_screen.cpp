@@ -1,6 +1,7 @@
 #include "households/household_screens.h"
 #include "households/kana_list_rules.h"
 #include "ui/layout.h"
+#include "ui/plain_text.h"
 #include "ui/row_table.h"
 
 #include <QAbstractTableModel>
@@ -42,9 +43,11 @@ class Lines : public QAbstractTableModel {
         const KanaLine& line = lines_[static_cast<std::size_t>(index.row())];
         switch (role) {
         case Qt::DisplayRole:
-        case Qt::ToolTipRole:
-            return index.column() == 0 ? QString::number(line.no1)
-                                       : line.texts[static_cast<std::size_t>(index.column() - 1)];
+        case Qt::ToolTipRole: {
+            const QString text = index.column() == 0 ? QString::number(line.no1)
+                                                     : line.texts[static_cast<std::size_t>(index.column() - 1)];
+            return role == Qt::ToolTipRole ? ui::plainToolTip(text) : text;
+        }
         case Qt::TextAlignmentRole:
             return QVariant::fromValue((index.column() == 0 ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
         case Qt::BackgroundRole:

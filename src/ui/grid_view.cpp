@@ -1,5 +1,7 @@
 #include "ui/grid_view.h"
 
+#include "ui/plain_text.h"
+
 #include <QAbstractTableModel>
 
 namespace ui {
@@ -53,8 +55,9 @@ class GridView::Model : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override {
         switch (role) {
         case Qt::DisplayRole:
-        case Qt::ToolTipRole:
             return grid_.cell(index.row() + 1, index.column());
+        case Qt::ToolTipRole:
+            return plainToolTip(grid_.cell(index.row() + 1, index.column()));
         case Qt::TextAlignmentRole:
             return QVariant::fromValue(alignment(column(index.column()).align));
         case Qt::BackgroundRole:

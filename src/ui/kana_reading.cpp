@@ -3,9 +3,20 @@
 #include <QInputMethodEvent>
 #include <QLineEdit>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace ui {
+
+namespace {
+
+bool isLetters(const QString& text) {
+    const QString plain = text.normalized(QString::NormalizationForm_KC);
+    return std::ranges::all_of(plain, [](QChar c) { return c > u' ' && c.unicode() < 0x7f; });
+}
+
+} // namespace
 
 KanaReading::KanaReading(QLineEdit* name, QLineEdit* kana) : QObject(kana), name_(name), kana_(kana) {
     name_->installEventFilter(this);
@@ -51,6 +62,9 @@ std::optional<QString> KanaReading::katakana(const QString& composed) {
 void KanaReading::compose(const QInputMethodEvent& event) {
     const auto seen = katakana(event.preeditString());
     if (!event.commitString().isEmpty()) {
+        // Letters that were composed as kana and turned back into letters have no reading.
+        if (isLetters(event.commitString()))
+            reading_.clear();
         // What is committed without a composition, a blank between two names or kana, is its own reading.
         if (reading_.isEmpty())
             reading_ = event.commitString().trimmed().isEmpty() ? event.commitString()

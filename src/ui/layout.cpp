@@ -4,6 +4,8 @@
 #include "ui/grid_view.h"
 #include "ui/kana_reading.h"
 #include "ui/notice_bar.h"
+#include "ui/plain_text.h"
+#include "values/single_line.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -36,6 +38,18 @@ void setTextIfOther(QLineEdit* edit, const QString& text) {
         edit->setText(text);
         edit->setCursorPosition(0);
     }
+}
+
+// A box of one line takes no more than one, whatever the clipboard holds; the screen's bar says so.
+void keepToOneLine(QLineEdit* edit, Screen& screen) {
+    QObject::connect(edit, &QLineEdit::textEdited, &screen, [edit, &screen](const QString& text) {
+        if (values::isSingleLine(text))
+            return;
+        const auto cursor = values::singleLine(text.left(edit->cursorPosition())).size();
+        edit->setText(values::singleLine(text));
+        edit->setCursorPosition(static_cast<int>(cursor));
+        screen.say(u"貼り付けた改行・タブは空白に直し、印字できない文字は除きました。"_s);
+    });
 }
 
 // A frame with a title has a border; one without only holds its controls together.
@@ -154,7 +168,7 @@ Layout& Layout::row(const QString& text, const QString& labelName) {
     if (!rows_)
         frame();
     const int at = rows_->rowCount();
-    label_ = new QLabel(text);
+    label_ = plainLabel(text);
     spoken_ = text;
     label_->setObjectName(labelName);
     label_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -189,7 +203,7 @@ void Layout::label(QWidget* widget) {
 }
 
 Layout& Layout::note(const QString& text, const QString& name) {
-    auto* note = new QLabel(text);
+    auto* note = plainLabel(text);
     note->setObjectName(name);
     spoken_ = text;
     place(note);
@@ -205,6 +219,7 @@ Layout& Layout::text(const QString& name, desk::Text& value, int width) {
     screen_.bind({edit, &value, [edit, &value] { value.text = edit->text(); },
                   [edit, &value] { setTextIfOther(edit, value.text); }, [&value] { return value.text; },
                   [&value](const QString& text) { value.text = text; }});
+    keepToOneLine(edit, screen_);
     screen_.addToTabOrder(edit);
     text_ = &value;
     return *this;
@@ -260,6 +275,7 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, const 
     box->setCompleter(nullptr);
     box->setMaxVisibleItems(20);
     box->setFixedWidth(pixels(width) + 24);
+    keepToOneLine(box->lineEdit(), screen_);
     place(box);
     label(box);
     screen_.bind({box, &value, [box, &value] { value.text = box->currentText(); },
@@ -354,7 +370,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
         auto* column = new QVBoxLayout(holder);
         column->setContentsMargins(0, 0, 0, 0);
         column->setSpacing(2);
-        column->addWidget(new QLabel(heading));
+        column->addWidget(plainLabel(heading));
         column->addWidget(box);
         column->addStretch(1);
         box->setAccessibleName(heading);
@@ -373,7 +389,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                           box->clear();
                           box->addItems(value.items);
                           for (int i = 0; i < box->count(); ++i) {
-                              box->item(i)->setToolTip(value.items[i]);
+                              box->item(i)->setToolTip(plainToolTip(value.items[i]));
                               // Lists that stand side by side keep their lines level whatever the fonts.
                               box->item(i)->setSizeHint(QSize(0, box->fontMetrics().height() + 3));
                           }

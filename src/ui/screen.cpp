@@ -3,6 +3,7 @@
 #include "store/database.h"
 #include "ui/message_box.h"
 #include "ui/notice_bar.h"
+#include "ui/plain_text.h"
 #include "ui/workplace.h"
 #include "values/numbers.h"
 
@@ -62,6 +63,7 @@ class ProgressWindow : public desk::Progress {
   public:
     ProgressWindow(QWidget* parent, const QString& title) : dialog_(parent) {
         dialog_.setObjectName(u"進行状況"_s);
+        dialog_.setLabel(plainLabel());
         dialog_.setWindowTitle(title);
         dialog_.setCancelButtonText(u"中止"_s);
         dialog_.setRange(0, 100);
@@ -457,6 +459,11 @@ void Screen::lookAtFile() {
     } catch (const std::exception&) {
         // The next operation says what is wrong with the register.
     }
+}
+
+void Screen::say(const QString& text) {
+    informed_ = text;
+    refreshBar();
 }
 
 void Screen::refreshBar() {

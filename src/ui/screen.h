@@ -80,6 +80,8 @@ class Screen : public QWidget {
     void loadFor(const Draft& draft);
     // The screen was open already when it was asked for the record that the context names.
     void askedAgain(const desk::ScreenContext& context);
+    // Says in the bar what needs no answer.
+    void say(const QString& text);
     // Looks what the bar has to say now.
     void refreshBar();
     NoticeBar* bar() { return bar_; }

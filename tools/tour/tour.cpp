@@ -207,6 +207,11 @@ void Tour::documents() {
     workplace->context.publishHousehold(3);
     open(u"檀家登"_s);
     save(screen(u"檀家登"_s), u"household"_s);
+    type(u"檀家登"_s, u"frm01_biko"_s, u"年忌の案内は長男へ"_s);
+    close(u"檀家登"_s);
+    open(u"檀家登"_s);
+    save(screen(u"檀家登"_s), u"お知らせ"_s);
+    press(u"檀家登"_s, u"捨てる"_s);
     open(u"檀家一覧"_s);
     control<QTabWidget>(u"檀家一覧"_s, u"SSTab1"_s).setCurrentIndex(1);
     clickCell(u"檀家一覧"_s, u"DBGrid2"_s, 3, 1);
