@@ -126,7 +126,8 @@ Layout::~Layout() {
             inner->invalidate();
         const QSize content = body->sizeHint() + QSize(4, 4);
         int width = std::max(content.width(), bar->layout()->sizeHint().width() + 16);
-        const int height = content.height() + bar->heightForWidth(std::min(width, largest.width()));
+        const int notice = screen->bar()->isVisibleTo(screen) ? screen->bar()->sizeHint().height() : 0;
+        const int height = notice + content.height() + bar->heightForWidth(std::min(width, largest.width()));
         if (height > largest.height())
             width += scrollBar;
         screen->resize(QSize(width, height).boundedTo(largest));
