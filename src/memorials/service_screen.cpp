@@ -97,6 +97,9 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
         .action(u"削除"_s, u"削除"_s, screen->run(deleteDetail))
         .closing();
     screen->onOpen(screen->run(openDetail));
+    screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                       .asked = askedMemorial,
+                       .load = screen->run(openDetail)});
     return screen;
 }
 
@@ -124,6 +127,9 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
         .action(u"削除"_s, u"削除"_s, screen->run(deleteExtra))
         .closing();
     screen->onOpen(screen->run(openExtra));
+    screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameOpened(raw->form(), context); },
+                       .asked = [raw](const desk::ScreenContext& context) { return askedExtra(raw->form(), context); },
+                       .load = screen->run(openExtra)});
     return screen;
 }
 
