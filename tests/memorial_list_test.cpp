@@ -157,6 +157,15 @@ TEST_F(Reservations, LoseNoneOfAnHour) {
     for (int i = 1; i <= 96; ++i)
         all << u"%1"_s.arg(i, 3, 10, QChar(u'0'));
     EXPECT_EQ(throughout(form, nextReservations, previousReservations, 4), all.join(u'|'));
+
+    // Within one hour the page is filled again as it was.
+    nextReservations(form, context, desk);
+    nextReservations(form, context, desk);
+    const QString page = deceased();
+    click(clickReservation, form, 2);
+    openReservationDeceased(form, context, desk);
+    desk.opened.back().closed();
+    EXPECT_EQ(deceased(), page);
 }
 
 TEST_F(Reservations, RefuseAWrongRange) {

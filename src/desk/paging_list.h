@@ -87,21 +87,24 @@ template <class Row, class Key> class PagingList {
         return fillFrom(position_, source, grid, desk);
     }
 
-    // Fills the page that begins at the position. Returns false, with everything as it was, when no record lies there;
-    // what the source throws leaves everything as it was, too. The user's selection stays unless its row is gone.
-    bool fill(const Source& source, Grid& grid, Desk& desk) { return fillFrom(following(), source, grid, desk); }
+    // Fills the page that begins at the position's place; a page of one place is filled again. Returns false, with
+    // everything as it was, when no record lies there; what the source throws leaves everything as it was, too. The
+    // user's selection stays unless its row is gone.
+    bool fill(const Source& source, Grid& grid, Desk& desk) {
+        return fillFrom(isOfOnePlace() ? description_.key(rows_.front()) : place(), source, grid, desk);
+    }
 
     void nextPage(const Source& source, Grid& grid, Desk& desk) {
         const bool known = std::ranges::find(ends_, Slot(position_)) != ends_.end();
         if (!known || rowCounter_ >= pageRows)
-            fill(source, grid, desk);
+            turn(source, grid, desk);
     }
 
     // On a page beyond the page tables the position stays, so that the list moves forward.
     void previousPage(const Source& source, Grid& grid, Desk& desk) {
         const auto here = std::ranges::find_if(ends_, [&](const Slot& slot) { return !slot || *slot == position_; });
         if (here == ends_.end()) {
-            fill(source, grid, desk);
+            turn(source, grid, desk);
             return;
         }
         const bool first = !*here || here == ends_.begin();
@@ -141,12 +144,18 @@ template <class Row, class Key> class PagingList {
     using Slot = std::optional<Key>;
     enum class Nothing { told, silent };
 
-    // The position, as the page that follows the one shown is searched by it.
-    Key following() const {
-        if (!description_.place || rows_.empty() || !(position_ == description_.key(rows_.back())))
-            return position_;
-        const Key place = description_.place(position_);
-        return description_.place(description_.key(rows_.front())) == place ? position_ : place;
+    // The position without what tells the rows of its place apart.
+    Key place() const { return description_.place ? description_.place(position_) : position_; }
+
+    // Whether the page that ends at the position shows rows of one place only.
+    bool isOfOnePlace() const {
+        return description_.place && !rows_.empty() && position_ == description_.key(rows_.back()) &&
+               description_.place(description_.key(rows_.front())) == place();
+    }
+
+    // Forward to the page that follows the one shown.
+    void turn(const Source& source, Grid& grid, Desk& desk) {
+        fillFrom(isOfOnePlace() ? position_ : place(), source, grid, desk);
     }
 
     bool fillFrom(const Key& from, const Source& source, Grid& grid, Desk& desk, Nothing nothing = Nothing::told) {

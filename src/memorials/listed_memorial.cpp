@@ -18,6 +18,9 @@ bool MemorialTie::operator<(const MemorialTie& other) const {
 }
 
 bool memorialExists(const store::tbl_hohyo& row) {
+    // One that is scheduled on no day has no key to be looked for by.
+    if (!row.tblhoy_kaiki_yymd.isValid())
+        return true;
     store::Database database;
     return store::find(database, store::idxhoy_hohyo, row.tblhoy_no, row.tblhoy_zokunameg, row.tblhoy_kaiki_yymd)
         .has_value();
