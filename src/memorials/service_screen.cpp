@@ -44,8 +44,10 @@ void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
         .options(u"開始時間"_s, {},
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
+        .numeric()
         .note(u"時"_s)
         .combo(HOSHIREN_CONTROL(form, 開始分), 3)
+        .numeric()
         .note(u"分"_s)
         .row(u"場所"_s)
         .combo(HOSHIREN_CONTROL(form, frm31_法要場所), 14);
