@@ -391,8 +391,9 @@ TEST_F(Notices, LoseNoneOfADay) {
         for (const QStringList& row : form.frm21_tbl.rows)
             shown << row[0] + row[2];
         nextNotices(form, context, desk);
-        if (turn == 0) // the first page ends within the name, the second begins with all of it
+        if (turn == 0) { // the first page ends within the name, the second begins with all of it
             EXPECT_EQ(form.frm21_tbl.rows.front()[0] + form.frm21_tbl.rows.front()[2], u"7020"_s);
+        }
     }
     QStringList all = lines();
     shown.removeDuplicates();
