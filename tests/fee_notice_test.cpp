@@ -77,6 +77,13 @@ TEST_F(FeeNotices, GoOnFromTheCurrentBillingDate) {
     showFees(form, context, desk);
     nextFees(form, context, desk);
     EXPECT_EQ(numbers(), u"30 31"_s);
+    // Each showing starts a new list: the pages of the one before are none of its own.
+    show(u"2008/3/9"_s, u"2008/3/15"_s);
+    EXPECT_TRUE(numbers().startsWith(u"16 17 "_s));
+    previousFees(form, context, desk);
+    EXPECT_TRUE(numbers().startsWith(u"16 17 "_s));
+    show(u"2008/2/12"_s, u"2009/2/12"_s);
+    nextFees(form, context, desk);
     click(1);
     openFeeGrave(form, context, desk);
     EXPECT_EQ(context.hak_no, 30);
@@ -87,11 +94,20 @@ TEST_F(FeeNotices, GoOnFromTheCurrentBillingDate) {
     previousFees(form, context, desk);
     EXPECT_TRUE(numbers().startsWith(u"1 2 "_s));
 
+    context.dnk_no1 = 2;
+    context.dnk_no2 = 1;
     click(2);
     openFeeHousehold(form, context, desk);
     desk.opened.back().closed();
     EXPECT_TRUE(numbers().startsWith(u"30 "_s));
     EXPECT_EQ(context.dnk_no1, 2);
+    EXPECT_EQ(context.dnk_no2, 0); // never a branch that another screen showed
+
+    click(1);
+    execute(u"DELETE FROM tbl_ohaka WHERE tblhak_no = 30"_s);
+    show(u"2008/2/12"_s, u"2009/2/12"_s);
+    openFeeGrave(form, context, desk); // the grave chosen is gone
+    EXPECT_EQ(desk.opened.size(), 2U);
 }
 
 TEST_F(FeeNotices, PrintALabelAGraveAndMarkNothing) {

@@ -26,6 +26,7 @@ TEST_F(LabelSheet, ShrinksALineToItsLabelAndSetsItNarrowerBelowSixPoints) {
         double points;
         double share;
     } const cases[] = {{20, 10.0, 1.0}, {33, 10.0 * 80 / 132, 1.0}, {80, 6.0, 80 / 192.0}};
+    EXPECT_EQ(linesOf({{}, {}, QString(20, u'字') + u"　 "_s, {}}).front().points, 10.0); // blanks hang over the edge
     for (const auto& each : cases) {
         const auto lines = linesOf({{}, {}, QString(each.characters, u'字'), {}});
         ASSERT_EQ(lines.size(), 1U) << each.characters; // and none for the empty ones

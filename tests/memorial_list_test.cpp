@@ -45,13 +45,32 @@ class MemorialLists : public RegisterFixture {
                 "'山田', '釈', '3回忌', '本堂', '施主', '備考' FROM (VALUES %1)"_s.arg(rows));
     }
     // As many memorials as asked for, a day each from that one on, of deceased "001", "002" and so on.
-    void addDaily(int count, const QString& first, bool reserved) {
-        execute(u"WITH RECURSIVE n(i, day) AS (SELECT 1, '%1' UNION ALL SELECT i + 1, date(day, '+1 day') FROM n "
+    void addDaily(int count, const QString& first, bool reserved, int days = 1) {
+        execute(u"WITH RECURSIVE n(i, day) AS (SELECT 1, '%1' UNION ALL SELECT i + 1, date(day, '+%4 day') FROM n "
                 "WHERE i < %2) INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, "
                 "tblhoy_kaiki_yymd, tblhoy_kaiki_rymd, tblhoy_kaiki_rs, tblhoy_kaiki_ampm, tblhoy_kaiki_hour) "
                 "SELECT 7, '山田', substr('00' || i, -3), day, iif(%3, day, NULL), %3, '1', 10 FROM n"_s.arg(first)
                     .arg(count)
-                    .arg(int{reserved}));
+                    .arg(int{reserved})
+                    .arg(days));
+    }
+    // The names that a list shows, page after page to its end, those of a page's last row once; and back again.
+    template <class Form, class Rule> QString throughout(Form& form, Rule next, Rule previous, int nameColumn) {
+        const auto page = [&] { return column(form.frm21_tbl, nameColumn); };
+        QStringList pages{page()};
+        for (int turn = 0; turn < 20; ++turn) {
+            next(form, context, desk);
+            if (page() == pages.back())
+                break;
+            pages << page();
+        }
+        QStringList names = pages.join(u'|').split(u'|');
+        names.removeDuplicates();
+        for (qsizetype at = pages.size() - 2; at >= 0; --at) {
+            previous(form, context, desk);
+            EXPECT_EQ(page(), pages[at]);
+        }
+        return names.join(u'|');
     }
     template <class Form> void click(void (*rule)(Form&, desk::ScreenContext&, desk::Desk&), Form& form, int row) {
         form.frm21_tbl.clickedRow = row;
@@ -112,19 +131,41 @@ TEST_F(Reservations, ListWhatIsBookedAndNotYetHeldByDayAndTime) {
     click(clickReservation, form, 2);
 }
 
-TEST_F(Reservations, TurnPagesAndRememberThemOver表示) {
+TEST_F(Reservations, StartTheirPagesAnewWith表示) {
     addDaily(70, u"2027-01-01"_s, true);
     show(u"2027/1/1"_s, u"2028/1/1"_s);
     nextReservations(form, context, desk);
     EXPECT_TRUE(deceased().startsWith(u"030|"_s));
     show(u"2027/1/1"_s, u"2028/1/1"_s);
     EXPECT_TRUE(deceased().startsWith(u"001|"_s));
-    // The range now starts on the second page: it is page 2 of the tables that were not emptied.
-    show(u"2027/1/30"_s, u"2028/1/1"_s);
+    // The range now starts amid what was the first page: its first page is this one.
+    show(u"2027/1/15"_s, u"2028/1/1"_s);
     previousReservations(form, context, desk);
-    EXPECT_TRUE(deceased().startsWith(u"030|"_s)); // page 1 began before the range; nothing before it is shown
+    EXPECT_TRUE(deceased().startsWith(u"015|"_s));
     nextReservations(form, context, desk);
-    EXPECT_TRUE(deceased().startsWith(u"059|"_s));
+    EXPECT_TRUE(deceased().startsWith(u"044|"_s));
+}
+
+TEST_F(Reservations, LoseNoneOfAnHour) {
+    add(u"(7, '前日', '2026-12-01', '2026-12-31', '2', 1, 0, NULL, NULL)"_s);
+    addDaily(95, u"2027-01-01"_s, true, 0);
+    // Two memorials of one deceased in that hour are told apart by the day they are scheduled on.
+    add(u"(7, '050', '2028-02-01', '2027-01-01', '1', 10, 0, NULL, NULL), "
+        "(7, '096', '2027-01-01', '2027-01-02', '1', 9, 0, NULL, NULL)"_s);
+    show(u"2026/12/1"_s, u"2027/2/1"_s);
+    QStringList all{u"前日"_s};
+    for (int i = 1; i <= 96; ++i)
+        all << u"%1"_s.arg(i, 3, 10, QChar(u'0'));
+    EXPECT_EQ(throughout(form, nextReservations, previousReservations, 4), all.join(u'|'));
+
+    // Within one hour the page is filled again as it was.
+    nextReservations(form, context, desk);
+    nextReservations(form, context, desk);
+    const QString page = deceased();
+    click(clickReservation, form, 2);
+    openReservationDeceased(form, context, desk);
+    desk.opened.back().closed();
+    EXPECT_EQ(deceased(), page);
 }
 
 TEST_F(Reservations, RefuseAWrongRange) {
@@ -148,8 +189,7 @@ TEST_F(Reservations, RefuseAWrongRange) {
 TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     const QString title = u"法要 記録"_s;
     context.publishHousehold(7);
-    context.dnk_nameg = u"山田"_s;
-    context.chooseDeceased(u"故人"_s);
+    context.nameDeceased(u"山田"_s, u"故人"_s);
     法要個Form form;
     desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, u"過去帳登録"_s);
     desk.expect(u"照会者の法要は登録されていません"_s, title);
@@ -175,6 +215,29 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     click(clickDeceasedMemorial, form, 1);
     EXPECT_EQ(form.frm21_tbl.highlighted, 1);
     EXPECT_EQ(context.hoy_kaiki_yymd, QDate(1849, 2, 1));
+    openDeceasedMemorial(form, context, desk);
+    EXPECT_FALSE(context.kak_handedOver);
+    // Deleted meanwhile: the row that took its place is not opened in its stead.
+    execute(u"DELETE FROM tbl_hohyo WHERE tblhoy_kaiki_yymd = '1849-02-01'"_s);
+    desk.opened.back().closed();
+    openDeceasedMemorial(form, context, desk);
+    EXPECT_EQ(desk.opened.size(), 1U);
+
+    // An entry with an empty 戒名 is read all the same; boxes handed over are shown, and handed on, as they are.
+    execute(u"UPDATE tbl_kakocho SET tblkak_kaimyoug = ''"_s);
+    context.kak_kaimyoug = u"前の戒名"_s;
+    form = {};
+    openDeceasedMemorials(form, context, desk);
+    EXPECT_EQ(form.frm21_kaimyog.text + context.kak_kaimyoug, QString());
+    context.kak_kaimyoug = u"書きかけ"_s;
+    context.kak_handedOver = true;
+    form = {};
+    openDeceasedMemorials(form, context, desk);
+    EXPECT_EQ(form.frm21_kaimyog.text, u"書きかけ"_s);
+    context.endHandOver();
+    click(clickDeceasedMemorial, form, 1);
+    openDeceasedMemorial(form, context, desk);
+    EXPECT_TRUE(context.kak_handedOver);
 }
 
 TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
@@ -190,6 +253,7 @@ TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
     add(u"(7, '古い', '1590-01-01', '1590-01-01', '2', 1, 0, '1590-01-02', NULL), "
         "(8, '他家', '2027-01-01', NULL, '1', 0, 0, NULL, NULL)"_s);
     context.publishHousehold(7);
+    context.dnk_namek = u"カナ"_s; // a block filled by halves is no household
     法要檀Form form;
     openHouseholdMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_dankag.text + form.frm21_toshug.text + form.frm21_bikou.text, u"山田山田　太郎檀家備考"_s);
@@ -206,8 +270,11 @@ TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
     openHouseholdMemorial(form, context, desk);
     EXPECT_EQ(context.dnk_nameg + context.kak_zokunameg + context.kak_zokunamek, u"山田030"_s);
     EXPECT_EQ(context.hoy_kaiki_yymd, QDate(2027, 1, 30));
+    execute(u"DELETE FROM tbl_hohyo WHERE tblhoy_zokunameg = '030'"_s);
     desk.opened.back().closed();
     EXPECT_TRUE(column(form.frm21_tbl, 0).startsWith(u"古い|"_s));
+    openHouseholdMemorial(form, context, desk); // the memorial chosen is gone
+    EXPECT_EQ(desk.opened.size(), 2U);
 }
 
 // --- 法要通
@@ -296,10 +363,43 @@ TEST_F(Notices, StartEachShowingFromTheEmptyName) {
     addDaily(31, u"2026-12-01"_s, false);
     add(u"(7, '000', '2026-12-30', NULL, '1', 0, 0, NULL, NULL)"_s);
     showNotices(form, context, desk);
-    nextNotices(form, context, desk); // from (30 December, "030"): earlier names of the day are passed over
-    EXPECT_EQ(deceased(), u"030|000|031"_s);
+    EXPECT_TRUE(deceased().endsWith(u"|029|000"_s)); // of one day in the order of the names
+    nextNotices(form, context, desk);
+    EXPECT_EQ(deceased(), u"000|030|031"_s);
+    // No page stands before the first of a new showing, not even one whose names would pass some of it over.
     show(u"2026/12/30"_s, u"2027/1/1"_s);
-    EXPECT_EQ(deceased().count(u'|'), 2);
+    EXPECT_EQ(deceased(), u"000|030|031"_s);
+    previousNotices(form, context, desk);
+    EXPECT_EQ(deceased(), u"000|030|031"_s);
+    desk.expect(u"法要予定はありません"_s, title);
+    show(u"2030/1/1"_s, u"2030/1/2"_s);
+    previousNotices(form, context, desk); // said already
+    EXPECT_EQ(deceased(), u"000|030|031"_s);
+}
+
+TEST_F(Notices, LoseNoneOfADay) {
+    addDaily(35, u"2026-12-01"_s, false, 0);
+    // Forty of one name, one a household, between them.
+    execute(u"WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 139) "
+            "INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_zokunameg, tblhoy_kaiki_yymd) SELECT i, '020', '2026-12-01' "
+            "FROM n; INSERT INTO tbl_danka (tbldnk_no1, tbldnk_no2) SELECT tblhoy_no, 0 FROM tbl_hohyo "
+            "WHERE tblhoy_no >= 100; UPDATE tbl_hohyo SET tblhoy_danknameg = tblhoy_no"_s);
+    showNotices(form, context, desk);
+    const auto lines = [this] { return query(u"SELECT tblhoy_no || tblhoy_zokunameg FROM tbl_hohyo"_s).split(u'|'); };
+    QStringList shown;
+    for (int turn = 0; turn < 4; ++turn) {
+        for (const QStringList& row : form.frm21_tbl.rows)
+            shown << row[0] + row[2];
+        nextNotices(form, context, desk);
+        if (turn == 0) { // the first page ends within the name, the second begins with all of it
+            EXPECT_EQ(form.frm21_tbl.rows.front()[0] + form.frm21_tbl.rows.front()[2], u"7020"_s);
+        }
+    }
+    QStringList all = lines();
+    shown.removeDuplicates();
+    shown.sort();
+    all.sort();
+    EXPECT_EQ(shown, all);
 }
 
 TEST_F(Notices, TestTheEndAgainWhenTheStartIsLeft) {

@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QDir>
+#include <QLabel>
 #include <QPrintPreviewWidget>
 #include <QtTest>
 
@@ -91,6 +92,46 @@ TEST_F(MemorialScreens, AScreenLeftOpenKeepsItsDeceased) {
     press(extra, u"登録"_s);
     EXPECT_EQ(query(u"SELECT tblhoy_no, tblhoy_zokunameg FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '特別供養'"_s),
               u"7,山田　一"_s);
+}
+
+TEST_F(MemorialScreens, AnotherDeceasedIsAskedForAndNothingTypedIsLost) {
+    const QString extra = u"法要外"_s;
+    const QString deaths = u"過去登"_s;
+    execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd) "
+            "VALUES (7, '山田', '山田　三', '2025-12-01')"_s);
+    workplace->context.publishHousehold(7);
+    open(deaths);
+    const auto ask = [&](const QString& name) {
+        clickLine(deaths, u"frm11_kakocho"_s, name);
+        press(deaths, u"回忌外"_s);
+    };
+    const auto shown = [&] { return control<QListWidget>(extra, u"frm31_zoknameg"_s).currentItem()->text(); };
+    const auto told = [&] { return control<QLabel>(extra, u"お知らせ文"_s).text(); };
+    ask(u"山田　一"_s);
+    type(extra, u"frm31_hohyo_mei"_s, u"特別供養"_s);
+    ask(u"山田　三"_s);
+    EXPECT_EQ(shown(), u"山田　一"_s);
+    EXPECT_TRUE(told().contains(u"7 山田　三"_s)) << told().toStdString();
+    press(extra, u"表示する"_s);
+    EXPECT_EQ(shown() + text(extra, u"frm31_hohyo_mei"_s), u"山田　三"_s);
+    ask(u"山田　一"_s);
+    press(extra, u"表示する"_s);
+    EXPECT_EQ(told(), u"前に入力した内容が残っています"_s);
+    press(extra, u"戻す"_s);
+    EXPECT_EQ(shown() + text(extra, u"frm31_hohyo_mei"_s), u"山田　一特別供養"_s);
+
+    // A registration ends the draft; what is typed for the next memorial is one again.
+    fill(extra, {{u"予約年号"_s, u"令和"_s}, {u"予約年"_s, u"9"_s}, {u"予約月"_s, u"1"_s}, {u"予約日"_s, u"2"_s}});
+    fill(extra, {{u"開始時"_s, u"9"_s}, {u"frm31_法要場所"_s, u"本堂"_s}});
+    answer(u"入力された内容で法要を登録します。内容を確認して下さい。"_s, u"法要・回忌外登録"_s, true);
+    expect(u"指定された法要は登録されました。"_s, u"法要・回忌外登録"_s);
+    press(extra, u"登録"_s);
+    EXPECT_EQ(workplace->drafts.all().size(), 0U);
+    type(extra, u"frm31_hohyo_mei"_s, u"次の供養"_s);
+    close(extra);
+    ask(u"山田　一"_s);
+    press(extra, u"戻す"_s);
+    EXPECT_EQ(text(extra, u"frm31_hohyo_mei"_s), u"次の供養"_s);
 }
 
 } // namespace

@@ -14,15 +14,19 @@ using List = desk::PagingList<int, int>;
 const QString title = u"一覧"_s;
 const QString outOfRange = u"有功範囲外を指定しています。やり直して下さい"_s;
 
-// A list over whole numbers; a number is its own position key, and the list begins at 0.
+// A list over whole numbers; a number is its own position key, and the list begins at 0. With places of a hundred, the
+// numbers of one hundred stand at one place.
 struct Bench {
-    explicit Bench(Rows records, std::function<bool(const int&)> listed = {}, std::size_t tableSlots = 10)
+    explicit Bench(Rows records, std::function<bool(const int&)> listed = {}, std::size_t tableSlots = 10,
+                   bool hundreds = false)
         : records(std::move(records)),
           list({.title = title,
                 .nothing = u"ありません"_s,
                 .columns = {{u"番号"_s, 800, [](const int& row) { return QString::number(row); }}},
                 .key = [](const int& row) { return row; },
+                .place = hundreds ? [](const int& key) { return key / 100 * 100; } : std::function<int(const int&)>(),
                 .listed = std::move(listed),
+                .exists = [this](const int& row) { return std::ranges::count(this->records, row) > 0; },
                 .tableSlots = tableSlots},
                0) {}
 
@@ -108,6 +112,22 @@ TEST(PagingList, FiftySlotsReachBackFromTheFiftiethPage) {
     EXPECT_EQ(bench.page(), "1393-1422");
 }
 
+TEST(PagingList, LosesNoneOfAPlaceThatIsLongerThanAPage) {
+    Rows places = upTo(20); // place 0 on the first page
+    for (int row = 100; row < 175; ++row)
+        places.push_back(row); // place 100 over four
+    places.push_back(200);
+    Bench bench(places, {}, 10, true);
+    bench.open();
+    std::string seen = bench.page();
+    for (const char step : {'n', 'n', 'n', 'n', 'p', 'p', 'p', 'p', 'n'}) {
+        step == 'n' ? bench.next() : bench.previous();
+        seen += ' ' + bench.page();
+    }
+    // Only a page of one place leads on from its own last row; the second begins with the first row of the place.
+    EXPECT_EQ(seen, "1-109 100-129 129-158 158-200 158-200 129-158 100-129 1-109 1-109 100-129");
+}
+
 TEST(PagingList, NoRecordOrAFailingSourceLeavesEverythingAsItWas) {
     Bench bench(upTo(61));
     bench.open();
@@ -172,6 +192,25 @@ TEST(PagingList, SelectionOutlivesPagingTheColourDoesNot) {
     bench.click(4); // out of range: the colour stays, but nothing is chosen any more
     EXPECT_EQ(bench.list.highlightedRow(), 3);
     EXPECT_EQ(bench.list.selected(), nullptr);
+}
+
+TEST(PagingList, LetsARowGoThatIsNoLongerThere) {
+    Bench bench({1, 2, 3});
+    bench.open();
+    bench.click(2);
+    bench.records = {1, 2};
+    bench.open();
+    ASSERT_NE(bench.list.selected(), nullptr); // one of the others was deleted
+    bench.records = {1, 3};
+    bench.open();
+    EXPECT_EQ(bench.list.selected(), nullptr);
+    bench.click(1);
+    bench.records.clear(); // nothing is left to show: the grid stays, the choice does not
+    bench.desk.expect(u"ありません"_s, title);
+    bench.open();
+    EXPECT_EQ(bench.page(), "1-3");
+    EXPECT_EQ(bench.list.selected(), nullptr);
+    bench.previous(); // it was said already
 }
 
 TEST(PagingList, ANewStartLeavesThePageTablesUnlessCleared) {

@@ -10,14 +10,14 @@ namespace {
 class Schedule : public RegisterFixture {
   protected:
     Schedule() {
-        context.dnk_no1 = 3;
-        context.dnk_nameg = u"山田"_s;
-        context.dnk_namek = u"ヤマダ"_s;
-        context.kak_zokunameg = u"O'山田"_s;
-        context.kak_zokunamek = u"オヤマダ"_s;
-        context.kak_kaimyoug = u"釈正念"_s;
-        context.kak_kaimyouk = u"シャクショウネン"_s;
-        context.kak_mei_ymd = QDate(2008, 2, 29);
+        entry.tblkak_no = 3;
+        entry.tblkak_dnknameg = u"山田"_s;
+        entry.tblkak_dnknamek = u"ヤマダ"_s;
+        entry.tblkak_zokunameg = u"O'山田"_s;
+        entry.tblkak_zokunamek = u"オヤマダ"_s;
+        entry.tblkak_kaimyoug = u"釈正念"_s;
+        entry.tblkak_kaimyouk = u"シャクショウネン"_s;
+        entry.tblkak_mei_ymd = QDate(2008, 2, 29);
     }
     void add(const QString& rows) {
         execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_yymd, "
@@ -29,13 +29,14 @@ class Schedule : public RegisterFixture {
         desk.expect(u"既に法要の"_s + label + u"は登録されています確認してください"_s, u"法要 登録"_s);
     }
 
+    store::tbl_kakocho entry;
     TestDesk desk{today};
 };
 
 TEST_F(Schedule, WritesWholeRowsOfThoseNotThereYet) {
     add(u"(3, '山田', 'O''山田', '2010-02-28', 0, 'by hand')"_s);
     expectPresent(u"3回忌"_s);
-    memorials::RegisterSchedule(context, desk);
+    memorials::RegisterSchedule(entry, desk);
     const QString written = u"49日,2008-04-17|100ｹ日,2008-06-07|1周忌,2009-02-28|by hand,2010-02-28|7回忌,2014-02-28|"
                             "13回忌,2020-02-29|17回忌,2024-02-29|23回忌,2030-02-28|27回忌,2034-02-28|"
                             "33回忌,2040-02-29|50回忌,2057-02-28|100回忌,2107-02-28|200回忌,2207-02-28|"
@@ -47,14 +48,14 @@ TEST_F(Schedule, WritesWholeRowsOfThoseNotThereYet) {
         "NULL,0,,ヤ,2026-11-22"_s);
     for (const auto& anniversary : memorials::AnniversaryTable)
         expectPresent(QString::fromUtf16(anniversary.label));
-    memorials::RegisterSchedule(context, desk);
+    memorials::RegisterSchedule(entry, desk);
     EXPECT_EQ(days(), written);
 }
 
 TEST_F(Schedule, IsWrittenWholeOrNotAtAll) {
     execute(u"CREATE TRIGGER full BEFORE INSERT ON tbl_hohyo WHEN NEW.tblhoy_kaiki_mei = '50回忌' "
             "BEGIN SELECT RAISE(ABORT, 'disk'); END"_s);
-    EXPECT_THROW(memorials::RegisterSchedule(context, desk), std::exception);
+    EXPECT_THROW(memorials::RegisterSchedule(entry, desk), std::exception);
     EXPECT_EQ(days(), QString());
 }
 
@@ -73,7 +74,7 @@ TEST_F(Schedule, DeletionTakesAllOfOneDeceasedUpToAnotherHouseholdName) {
     for (const auto& [rows, left] : cases) {
         execute(u"DELETE FROM tbl_hohyo"_s);
         add(rows);
-        memorials::DeleteMemorials(context);
+        memorials::DeleteMemorials(entry);
         EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei FROM tbl_hohyo ORDER BY 1"_s), left);
     }
 }

@@ -14,6 +14,9 @@ const QString askChange = u"入力された内容で法要を変更します。�
 const QString askRegister = u"入力された内容で法要を登録します。内容を確認して下さい。"_s;
 const QString missing = u"指定された法要を読めませんません。DBの整合性を確認して下さい"_s;
 const QString askDelete = u"指定された法要を削除します。内容を確認して下さい。"_s;
+const QString deleted = u"削除処理を終了しました。"_s;
+const QString noEntry = u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s;
+const QString changedElsewhere = u"この記録はほかの画面で変更されています。照会し直して下さい"_s;
 
 // A date of the present era, "year/month/day".
 void type(desk::DateGroup& group, const QString& date) {
@@ -32,8 +35,8 @@ class Services : public RegisterFixture {
             "tblkak_kyounen, tblkak_kaimyoug, tblkak_kankeisha, tblkak_zokugara, tblkak_bikou) VALUES "
             "(7, '山田', 'ヤマダ', '山田　一', 'ヤマダ ハジメ', '令和', 6, 1, 5, '2024-01-05', 88, '釈一', '山田　二', "
             "'長男', '備え')"_s);
-        execute(
-            u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '旧姓', '旧　人')"_s);
+        execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_dnknamek, tblkak_zokunameg, "
+                "tblkak_kaimyoug) VALUES (7, '旧姓', 'キュウセイ', '山田　一', '釈旧')"_s);
         execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd, "
                 "tblkzk_seishikbn) VALUES (7, '山田', 'イ', '1990-01-01', '0'), (7, '山田', 'ア', '1995-01-01', '0'), "
                 "(7, '山田', '死', '1950-01-01', '1'), (7, '山田', 'ウ', NULL, '0')"_s);
@@ -47,7 +50,7 @@ class Services : public RegisterFixture {
 
     // The detail of the 3回忌, freshly opened.
     法要明Form detail() {
-        context.chooseDeceased(u"山田　一"_s);
+        context.nameDeceased(u"山田"_s, u"山田　一"_s);
         context.hoy_kaiki_yymd = QDate(2026, 1, 5);
         法要明Form form;
         openDetail(form, context, desk);
@@ -64,17 +67,28 @@ class Services : public RegisterFixture {
 
     // The extra screen on a deceased chosen in its list, with a name and the reservation 2027-02-14, 10:30.
     法要外Form extra(const QString& name = u"特別供養"_s) {
-        context.chooseDeceased({});
+        context.clearDeceased();
         法要外Form form;
         openExtra(form, context, desk);
-        form.frm31_zoknameg.choose(u"山田　一"_s);
-        chooseDeceased(form, context, desk);
+        chooseLine(form, 0);
         form.frm31_hohyo_mei.text = name;
         type(form.予約, u"9/2/14"_s);
         form.開始時.text = u"10"_s;
         form.開始分.text = u"30"_s;
         form.frm31_法要場所.text = u"本堂"_s;
         return form;
+    }
+    void chooseLine(法要外Form& form, int line) {
+        form.frm31_zoknameg.current = line;
+        chooseDeceased(form, context, desk);
+    }
+    void deleteShown(法要外Form& form, const QString& told = deleted) {
+        desk.answer(askDelete, extraTitle, true);
+        desk.expect(told, extraTitle);
+        deleteExtra(form, context, desk);
+    }
+    QString names() {
+        return query(u"SELECT tblhoy_danknameg || tblhoy_kaiki_mei FROM tbl_hohyo ORDER BY tblhoy_kaiki_yymd"_s);
     }
     static void hold(ServiceForm& form, const QString& date) {
         type(form.実施, date);
@@ -95,7 +109,7 @@ class Services : public RegisterFixture {
 
 TEST_F(Services, DetailShowsDeceasedAndMemorial) {
     const 法要明Form form = detail();
-    EXPECT_EQ(form.frm31_zoknamek.text, u"ヤマダ ハジメ"_s); // reloaded from the death register
+    EXPECT_EQ(form.frm31_zoknamek.text, u"ヤマダ ハジメ"_s); // read from the death register
     EXPECT_EQ(form.frm31_mei_gymd.text + form.frm31_kyounen.text + form.frm31_moshu.text, u"令和6年1月5日88山田　二"_s);
     EXPECT_EQ(form.frm31_ygymd.text, u"令和8年1月5日"_s);
     EXPECT_EQ(form.施主.items, QStringList({u"ウ"_s, u"イ"_s, u"ア"_s})); // by birth date; the dead one is left out
@@ -103,12 +117,19 @@ TEST_F(Services, DetailShowsDeceasedAndMemorial) {
     EXPECT_EQ(form.frm31_法要場所.items.front(), u"本堂"_s);
     EXPECT_EQ(form.予約.western.text + form.開始時.text + form.開始分.text, QString());
     EXPECT_TRUE(form.frm31_am.chosen);
+
+    // What the hand-off record holds of him besides his key does not count, unless it was handed over.
+    context.kak_zokunamek = context.kak_kaimyoug = u"前の人"_s;
+    EXPECT_EQ(detail().frm31_kaimyoug.text, u"釈一"_s);
+    context.kak_kaimyoug = u"書きかけ"_s;
+    context.kak_handedOver = true;
+    EXPECT_EQ(detail().frm31_kaimyoug.text, u"書きかけ"_s);
 }
 
 TEST_F(Services, DetailTellsWhatIsMissing) {
-    context.chooseDeceased(u"居ない"_s);
+    context.nameDeceased(u"山田"_s, u"居ない"_s);
     法要明Form form;
-    desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, detailTitle);
+    desk.expect(noEntry, detailTitle);
     desk.expect(u"照会者の法要は登録されていません"_s, detailTitle);
     openDetail(form, context, desk);
     bookOnScheduledDay(form, context, desk);
@@ -209,39 +230,118 @@ TEST_F(Services, DetailDeletesItsMemorialOnce) {
     desk.answer(askDelete, detailTitle, false);
     deleteDetail(form, context, desk);
     EXPECT_EQ(stored(u"count(*)"_s), u"1"_s);
-    for (const QString& told : {u"削除処理を終了しました。"_s, missing}) {
+    EXPECT_EQ(desk.lastPreset, desk::Preset::no);
+    for (const QString& told : {deleted, missing}) {
         desk.answer(askDelete, detailTitle, true);
         desk.expect(told, detailTitle);
         deleteDetail(form, context, desk);
         EXPECT_EQ(stored(u"count(*)"_s), u"0"_s);
+        EXPECT_EQ(context.hoy_kaiki_yymd, QDate(1899, 12, 30)); // the next screen is not sent to look for it
+        EXPECT_EQ(form.frm31_hohyo_mei.text, u"3回忌"_s);
     }
     desk.answer(askChange, detailTitle, true);
     desk.expect(missing, detailTitle);
     saveDetail(form, context, desk);
 }
 
-TEST_F(Services, ExtraListsTheDeceasedAndShowsTheOneChosen) {
+TEST_F(Services, ARowChangedUnderTheScreenIsLeftAlone) {
+    const struct {
+        QString meanwhile;
+        QString told;
+    } cases[] = {
+        {u"UPDATE tbl_hohyo SET tblhoy_bikou = '他'"_s, changedElsewhere},
+        {u"DELETE FROM tbl_hohyo"_s, missing},
+    };
+    const auto all = [this] { return query(u"SELECT * FROM tbl_hohyo"_s) + query(u"SELECT * FROM マスタ"_s); };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.meanwhile.toStdString());
+        法要明Form form = detail();
+        // The extra screen registers a memorial, which then stands on it.
+        法要外Form shown = extra();
+        registerIt(shown);
+        form.frm31_法要場所.text = u"新しい所"_s;
+        execute(each.meanwhile);
+        const QString before = all();
+        desk.answer(askChange, detailTitle, true);
+        desk.expect(each.told, detailTitle);
+        saveDetail(form, context, desk);
+        desk.answer(askDelete, detailTitle, true);
+        desk.expect(each.told, detailTitle);
+        deleteDetail(form, context, desk);
+        deleteShown(shown, each.told);
+        EXPECT_EQ(all(), before);
+        EXPECT_EQ(form.frm31_法要場所.text, u"新しい所"_s); // what was typed stays
+        execute(u"DELETE FROM tbl_hohyo WHERE tblhoy_kaiki_mei <> '3回忌'"_s);
+    }
+}
+
+TEST_F(Services, ExtraReadsTheDeceasedByTheKeyOfHisLine) {
     法要外Form form;
     openExtra(form, context, desk);
-    EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s, u"旧　人"_s}));
+    EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s, u"山田　一"_s}));
     EXPECT_EQ(form.施主.items, QStringList({u"ア"_s, u"イ"_s, u"ウ"_s})); // by name
-    form.frm31_zoknameg.choose(u"山田　一"_s);
-    chooseDeceased(form, context, desk);
+    chooseLine(form, 0);
     EXPECT_EQ(form.frm31_mei_gymd.text + context.kak_kaimyoug, u"令和6年1月5日釈一"_s);
-    // An entry under another household name cannot be chosen, and the one before is no longer.
-    form.frm31_zoknameg.choose(u"旧　人"_s);
-    desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, extraTitle);
-    chooseDeceased(form, context, desk);
+    // The same name in an entry of the household under its former name, the list moved without a click.
+    form.frm31_zoknameg.current = 1;
+    form.frm31_hohyo_mei.text = u"供養"_s;
+    hold(form, u"8/2/3"_s);
+    registerIt(form);
+    EXPECT_EQ(form.frm31_dankag.text + form.frm31_kaimyoug.text, u"旧姓釈旧"_s);
+    EXPECT_EQ(query(u"SELECT tblhoy_danknameg, tblhoy_danknamek, tblhoy_kaimyog FROM tbl_hohyo "
+                    "WHERE tblhoy_kaiki_mei = '供養'"_s),
+              u"旧姓,キュウセイ,釈旧"_s);
+    // One who is gone is not chosen, and the one before is no longer.
+    execute(u"DELETE FROM tbl_kakocho WHERE tblkak_dnknameg = '山田'"_s);
+    desk.expect(noEntry, extraTitle);
+    chooseLine(form, 0);
     EXPECT_EQ(form.frm31_kaimyoug.text, QString());
-    form.frm31_hohyo_mei.text = u"名"_s;
     desk.expect(u"故人を選択して下さい"_s, extraTitle);
     registerExtra(form, context, desk);
+}
 
-    context.chooseDeceased(u"山田　一"_s);
-    法要外Form given;
-    openExtra(given, context, desk);
-    EXPECT_EQ(given.frm31_zoknameg.items, QStringList({u"山田　一"_s}));
-    EXPECT_EQ(given.frm31_zoknameg.currentText(), u"山田　一"_s);
+TEST_F(Services, ExtraOpenedForADeceasedShowsHimAsTheRegisterHoldsHim) {
+    context.nameDeceased(u"旧姓"_s, u"山田　一"_s);
+    context.kak_kaimyoug = u"前の戒名"_s;
+    法要外Form form;
+    openExtra(form, context, desk);
+    EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s}));
+    EXPECT_EQ(form.frm31_zoknameg.currentText() + form.frm31_kaimyoug.text, u"山田　一釈旧"_s);
+    // Corrected on the death register meanwhile: the memorial carries what stands there, and the boxes show it.
+    execute(u"UPDATE tbl_kakocho SET tblkak_kaimyoug = '釈新', tblkak_mei_ymd = '2024-03-01'"_s);
+    form.frm31_hohyo_mei.text = u"供養"_s;
+    hold(form, u"8/2/3"_s);
+    registerIt(form);
+    EXPECT_EQ(form.frm31_kaimyoug.text, u"釈新"_s);
+    EXPECT_EQ(query(u"SELECT tblhoy_kaimyog, tblhoy_meiymd FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '供養'"_s),
+              u"釈新,2024-03-01"_s);
+    execute(u"DELETE FROM tbl_kakocho WHERE tblkak_dnknameg = '旧姓'"_s);
+    type(form.実施, u"8/2/4"_s);
+    desk.expect(noEntry, extraTitle);
+    registerExtra(form, context, desk);
+
+    // Nobody under that key: all of the household are offered.
+    form = {};
+    desk.expect(noEntry, extraTitle);
+    openExtra(form, context, desk);
+    EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s}));
+    EXPECT_EQ(form.frm31_zoknameg.current, -1);
+    EXPECT_EQ(context.kak_zokunameg, QString());
+}
+
+TEST_F(Services, ExtraDeletesNoMemorialButTheOneShown) {
+    execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '山田', 'アキ'); "
+            "INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei, "
+            "tblhoy_kaiki_yymd) VALUES (7, '山田', 'アキ', 'アキの', '2027-05-05')"_s);
+    context.clearDeceased();
+    法要外Form form = extra(); // アキ now comes first
+    registerIt(form);
+    chooseLine(form, 1);
+    type(form.予約, u"9/5/5"_s);
+    deleteShown(form, missing); // that of 山田　一 on a day of アキ's
+    chooseLine(form, 0);
+    deleteShown(form);
+    EXPECT_EQ(names(), u"山田3回忌|山田特別供養"_s);
 }
 
 TEST_F(Services, AnExtraMemorialBookedIsBornNotifiedAndCanBeDeleted) {
@@ -261,13 +361,25 @@ TEST_F(Services, AnExtraMemorialBookedIsBornNotifiedAndCanBeDeleted) {
     registerIt(form, true);
     type(form.予約, u"8/1/5"_s); // the day of the 3回忌
     registerIt(form, true);
-    // The one registered goes first, then that of the dates shown.
-    for (const QString& left : {u"3回忌"_s, QString()}) {
-        desk.answer(askDelete, extraTitle, true);
-        desk.expect(u"削除処理を終了しました。"_s, extraTitle);
-        deleteExtra(form, context, desk);
-        EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei FROM tbl_hohyo"_s), left);
-    }
+    // That of the dates shown goes, not the one registered; and once they are shown again, that one.
+    deleteShown(form);
+    EXPECT_EQ(names(), u"山田特別供養"_s);
+    type(form.予約, u"9/2/14"_s);
+    deleteShown(form);
+    EXPECT_EQ(names(), QString());
+}
+
+TEST_F(Services, AMemorialAndItsWordsAreOneWrite) {
+    execute(u"CREATE TRIGGER full BEFORE INSERT ON マスタ BEGIN SELECT RAISE(FAIL, 'disk full'); END"_s);
+    法要外Form form = extra();
+    form.frm31_法要場所.text = u"新しい所"_s;
+    desk.answer(askRegister, extraTitle, true);
+    EXPECT_THROW(registerExtra(form, context, desk), std::exception);
+    法要明Form shown = detail();
+    shown.frm31_法要場所.text = u"新しい所"_s;
+    desk.answer(askChange, detailTitle, true);
+    EXPECT_THROW(saveDetail(shown, context, desk), std::exception);
+    EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei, tblhoy_kaiki_basho FROM tbl_hohyo"_s), u"3回忌,NULL"_s);
 }
 
 TEST_F(Services, AnExtraMemorialHeldIsScheduledOnThatDay) {

@@ -29,9 +29,15 @@ template <class Row, class Key> struct ListDescription {
     QString nothing; // shown when no record lies at or after the position; empty: nothing is said
     std::vector<ListColumn<Row>> columns;
     std::function<Key(const Row&)> key;
+    // The key without what tells rows of one place apart. The page after a page begins with the first row at the place
+    // of its last one; where they share one place throughout, with that last row itself, so that the list goes on.
+    // Absent where the key has no such part.
+    std::function<Key(const Key&)> place = {};
     std::function<bool(const Row&)> listed = {}; // rows it refuses are passed over and use no row of the page
     // Completes the 1 to 30 rows of a page with what other tables know, after the selection has been released.
     std::function<void(std::vector<Row>&, Desk&)> complete = {};
+    // Whether the file still holds the row; asked at each fill of the one selected, which is let go when it does not.
+    std::function<bool(const Row&)> exists = {};
     std::size_t tableSlots = 10; // of each page table
     QString outOfRange = QStringLiteral("有功範囲外を指定しています。やり直して下さい");
 };
@@ -78,60 +84,33 @@ template <class Row, class Key> class PagingList {
     bool showFirstPage(const Source& source, Grid& grid, Desk& desk) {
         clearTables();
         position_ = start_;
-        return fill(source, grid, desk);
+        return fillFrom(position_, source, grid, desk);
     }
 
-    // Fills the page that begins at the position. Returns false, with everything as it was, when no record lies there;
-    // what the source throws leaves everything as it was, too. The user's selection is never changed.
+    // Fills the page that begins at the position's place; a page of one place is filled again. Returns false, with
+    // everything as it was, when no record lies there; what the source throws leaves everything as it was, too. The
+    // user's selection stays unless its row is gone.
     bool fill(const Source& source, Grid& grid, Desk& desk) {
-        std::vector<Row> page;
-        bool more = false;
-        const bool found = source(position_, [&](Row row) {
-            if (description_.listed && !description_.listed(row))
-                return true;
-            more = page.size() == pageRows;
-            if (!more)
-                page.push_back(std::move(row));
-            return !more;
-        });
-        if (!found) {
-            if (!description_.nothing.isEmpty())
-                desk.notify(description_.nothing, description_.title);
-            return false;
-        }
-        if (description_.complete && !page.empty())
-            description_.complete(page, desk);
-
-        setUp(grid);
-        for (const Row& row : page) {
-            QStringList& cells = grid.rows.emplace_back();
-            for (const auto& column : description_.columns)
-                cells.push_back(column.cell(row));
-        }
-        rows_ = std::move(page);
-        rowCounter_ = rowsShown() + (more ? 1 : 0);
-        if (!rows_.empty()) {
-            record(starts_, description_.key(rows_.front()));
-            position_ = description_.key(rows_.back());
-        }
-        record(ends_, position_);
-        return true;
+        return fillFrom(isOfOnePlace() ? description_.key(rows_.front()) : place(), source, grid, desk);
     }
 
     void nextPage(const Source& source, Grid& grid, Desk& desk) {
-        const bool known = std::ranges::find(ends_, std::optional(position_)) != ends_.end();
+        const bool known = std::ranges::find(ends_, Slot(position_)) != ends_.end();
         if (!known || rowCounter_ >= pageRows)
-            fill(source, grid, desk);
+            turn(source, grid, desk);
     }
 
     // On a page beyond the page tables the position stays, so that the list moves forward.
     void previousPage(const Source& source, Grid& grid, Desk& desk) {
         const auto here = std::ranges::find_if(ends_, [&](const Slot& slot) { return !slot || *slot == position_; });
-        if (here != ends_.end()) {
-            const bool first = !*here || here == ends_.begin();
-            position_ = first ? start_ : starts_[static_cast<std::size_t>(here - ends_.begin() - 1)].value_or(start_);
+        if (here == ends_.end()) {
+            turn(source, grid, desk);
+            return;
         }
-        fill(source, grid, desk);
+        const bool first = !*here || here == ends_.begin();
+        position_ = first ? start_ : starts_[static_cast<std::size_t>(here - ends_.begin() - 1)].value_or(start_);
+        // That the list has nothing was said when it was asked for.
+        fillFrom(position_, source, grid, desk, !*here && toldNothing_ ? Nothing::silent : Nothing::told);
     }
 
     // Takes the click that the grid reports. In range: highlights the row, copies it as the selection and
@@ -148,7 +127,7 @@ template <class Row, class Key> class PagingList {
     }
 
     // The row as it was when it was clicked, as long as the last click lies within the rows now shown; else nullptr.
-    // Paging and refilling do not change it.
+    // Paging and refilling change it only by letting a row go that exists no more.
     const Row* selected() const { return selection_ && clickInRange() ? &*selection_ : nullptr; }
 
     const Key& start() const { return start_; }
@@ -163,6 +142,60 @@ template <class Row, class Key> class PagingList {
 
   private:
     using Slot = std::optional<Key>;
+    enum class Nothing { told, silent };
+
+    // The position without what tells the rows of its place apart.
+    Key place() const { return description_.place ? description_.place(position_) : position_; }
+
+    // Whether the page that ends at the position shows rows of one place only.
+    bool isOfOnePlace() const {
+        return description_.place && !rows_.empty() && position_ == description_.key(rows_.back()) &&
+               description_.place(description_.key(rows_.front())) == place();
+    }
+
+    // Forward to the page that follows the one shown.
+    void turn(const Source& source, Grid& grid, Desk& desk) {
+        fillFrom(isOfOnePlace() ? position_ : place(), source, grid, desk);
+    }
+
+    bool fillFrom(const Key& from, const Source& source, Grid& grid, Desk& desk, Nothing nothing = Nothing::told) {
+        std::vector<Row> page;
+        bool more = false;
+        const bool found = source(from, [&](Row row) {
+            if (description_.listed && !description_.listed(row))
+                return true;
+            more = page.size() == pageRows;
+            if (!more)
+                page.push_back(std::move(row));
+            return !more;
+        });
+        if (selection_ && description_.exists && !description_.exists(*selection_))
+            selection_.reset();
+        if (!found) {
+            toldNothing_ = true;
+            if (nothing == Nothing::told && !description_.nothing.isEmpty())
+                desk.notify(description_.nothing, description_.title);
+            return false;
+        }
+        if (description_.complete && !page.empty())
+            description_.complete(page, desk);
+
+        setUp(grid);
+        for (const Row& row : page) {
+            QStringList& cells = grid.rows.emplace_back();
+            for (const auto& column : description_.columns)
+                cells.push_back(column.cell(row));
+        }
+        toldNothing_ = false;
+        rows_ = std::move(page);
+        rowCounter_ = rowsShown() + (more ? 1 : 0);
+        if (!rows_.empty()) {
+            record(starts_, description_.key(rows_.front()));
+            position_ = description_.key(rows_.back());
+        }
+        record(ends_, position_);
+        return true;
+    }
 
     bool clickInRange() const { return clickedRow_ >= 1 && clickedRow_ <= rowsShown(); }
 
@@ -182,6 +215,7 @@ template <class Row, class Key> class PagingList {
     int rowCounter_ = 0;
     int clickedRow_ = 0;
     int highlightedRow_ = 0;
+    bool toldNothing_ = false; // the last search found no record
 };
 
 } // namespace desk

@@ -35,6 +35,12 @@ HouseholdBlock HouseholdBlock::of(const store::tbl_danka& row) {
     return block;
 }
 
+HouseholdBlock HouseholdBlock::numbered(std::int16_t no1) {
+    HouseholdBlock block;
+    block.dnk_no1 = no1;
+    return block;
+}
+
 void HouseholdBlock::writeInto(store::tbl_danka& row) const {
     row.tbldnk_nameg = dnk_nameg;
     row.tbldnk_namek = dnk_namek;

@@ -34,6 +34,8 @@ struct HouseholdBlock {
     bool dnk_handedOver = false;
 
     static HouseholdBlock of(const store::tbl_danka& row);
+    // A household named by its number, for a screen that reads it.
+    static HouseholdBlock numbered(std::int16_t no1);
     // Writes all but the numbers into a row.
     void writeInto(store::tbl_danka& row) const;
 };
@@ -57,6 +59,7 @@ struct DeceasedBlock {
     bool kak_handedOver = false;
 
     static DeceasedBlock of(const store::tbl_kakocho& row);
+    bool operator==(const DeceasedBlock&) const = default;
 };
 
 struct MemorialBlock {

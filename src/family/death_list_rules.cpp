@@ -70,6 +70,14 @@ desk::ListDescription<DeathLine, Position> description() {
                 return Position{line.death.tblkak_mei_ymd, line.death.tblkak_zokunameg};
             },
         .complete = addMemorials,
+        .exists =
+            [](Line line) {
+                store::Database database;
+                const auto& death = line.death;
+                return store::find(database, store::idxkak_kakochou, death.tblkak_no, death.tblkak_dnknameg,
+                                   death.tblkak_zokunameg)
+                    .has_value();
+            },
     };
 }
 

@@ -42,6 +42,14 @@ desk::ListDescription<FamilyLine, Position> description() {
             [](Line line) {
                 return Position{line.member.tblkzk_sei_ymd, line.member.tblkzk_nameg};
             },
+        .exists =
+            [](Line line) {
+                store::Database database;
+                const auto& member = line.member;
+                return store::find(database, store::idxkzk_kazoku, member.tblkzk_no1, member.tblkzk_dnknameg,
+                                   member.tblkzk_nameg)
+                    .has_value();
+            },
     };
 }
 

@@ -60,6 +60,7 @@ void goOn(お墓通Form& form, desk::Desk& desk) {
                     return BillingKey{grave.tblhak_kanri_nxymd, grave.tblhak_no};
                 },
             .complete = fillEraTexts,
+            .exists = graveExists,
             .outOfRange = u"有功範囲外を指定しています。選択し直して下さい"_s},
            {}) {}
 
@@ -91,7 +92,7 @@ void showFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = *from;
     form.to = *to;
     form.list.setStart({form.from, 0});
-    form.list.fill(gravesOf(form), form.frm21_tbl, desk);
+    form.list.showFirstPage(gravesOf(form), form.frm21_tbl, desk);
 }
 
 void nextFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -110,7 +111,7 @@ void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk&
     const ListedGrave* grave = form.list.selected();
     if (!grave)
         return;
-    context.publishHousehold(grave->tblhak_dnk_no);
+    context.publishHousehold(desk::HouseholdBlock::numbered(grave->tblhak_dnk_no));
     context.hak_no = grave->tblhak_no;
     desk.open(u"お墓登"_s, desk::Opening::modal, [&form, &context, &desk] {
         goOn(form, desk);
@@ -122,7 +123,7 @@ void openFeeHousehold(お墓通Form& form, desk::ScreenContext& context, desk::D
     const ListedGrave* grave = form.list.selected();
     if (!grave)
         return;
-    context.publishHousehold(grave->tblhak_dnk_no);
+    context.publishHousehold(desk::HouseholdBlock::numbered(grave->tblhak_dnk_no));
     desk.open(u"檀家登"_s, desk::Opening::modal, [&form, &desk] { goOn(form, desk); });
 }
 

@@ -99,12 +99,18 @@ void fillEraTexts(std::vector<ListedGrave>& page, desk::Desk& desk) {
     }
 }
 
+bool graveExists(const store::tbl_ohaka& grave) {
+    store::Database database;
+    return store::find(database, store::idxhak_no, grave.tblhak_no).has_value();
+}
+
 お墓一Form::お墓一Form()
     : list({.title = title,
             .nothing = u"照会の区画にお墓はありません。登録内容を確認して下さい"_s,
             .columns = graveColumns(),
             .key = placeOf,
-            .complete = fillEraTexts},
+            .complete = fillEraTexts,
+            .exists = graveExists},
            {}) {
     list.setUp(frm21_tbl);
 }

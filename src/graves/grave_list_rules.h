@@ -40,6 +40,9 @@ struct ListedGrave : store::tbl_ohaka {
 std::vector<desk::ListColumn<ListedGrave>> graveColumns();
 void fillEraTexts(std::vector<ListedGrave>& page, desk::Desk& desk);
 
+// Whether the register still holds a grave of this number.
+bool graveExists(const store::tbl_ohaka& grave);
+
 using GraveList = desk::PagingList<ListedGrave, PlaceKey>;
 
 // The graves of the position's section, as walkSection gives them.

@@ -5,6 +5,8 @@
 #include "store/table.h"
 #include "values/dates.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace memorials {
@@ -40,7 +42,7 @@ std::vector<ListedMemorial> memorialsOf(store::Database& database, const desk::S
     return found;
 }
 
-void fill(store::Database& database, 法要個Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
+void fill(store::Database& database, 法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     std::vector<ListedMemorial> memorials = memorialsOf(database, context);
     form.frm21_tbl.rows.clear();
     form.frm21_tbl.highlighted = 0;
@@ -53,37 +55,33 @@ void fill(store::Database& database, 法要個Form& form, const desk::ScreenCont
             cells << column.cell(row);
         form.scheduled.push_back(row.tblhoy_kaiki_yymd);
     }
+    if (form.selected.isValid() && std::ranges::find(form.scheduled, form.selected) == form.scheduled.end()) {
+        form.selected = {};
+        static_cast<desk::MemorialBlock&>(context) = {};
+    }
     if (memorials.empty())
         desk.notify(u"照会者の法要は登録されていません"_s, title);
-}
-
-bool clickIsInRange(const 法要個Form& form) {
-    return form.frm21_tbl.clickedRow >= 1 && form.frm21_tbl.clickedRow <= static_cast<int>(form.scheduled.size());
 }
 
 } // namespace
 
 void openDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
-    if (!context.kak_kaimyoug.isEmpty()) {
+    form.handedOver = context.kak_handedOver;
+    const auto entry = form.handedOver ? std::nullopt : readEntry(database, context);
+    if (entry)
+        context.publishDeceased(*entry);
+    if (entry || form.handedOver) {
         form.frm21_dankag.text = context.dnk_nameg;
         form.frm21_zoknameg.text = context.kak_zokunameg;
         form.frm21_zoknamek.text = context.kak_zokunamek;
         form.frm21_kaimyog.text = context.kak_kaimyoug;
         form.frm21_kaimyok.text = context.kak_kaimyouk;
-        form.frm21_meigymd.text = calendar::eraText(database, context.kak_mei_ymd, desk);
+        form.frm21_meigymd.text = entry ? deathText(*entry) : QString();
+        if (form.frm21_meigymd.text.isEmpty())
+            form.frm21_meigymd.text = calendar::eraText(database, context.kak_mei_ymd, desk);
         form.frm21_kyounen.text = QString::number(context.kak_kyounen);
         form.frm21_bikou.text = context.kak_bikou;
-    } else if (const auto entry = store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg,
-                                              context.kak_zokunameg)) {
-        form.frm21_dankag.text = entry->tblkak_dnknameg;
-        form.frm21_zoknameg.text = entry->tblkak_zokunameg;
-        form.frm21_zoknamek.text = entry->tblkak_zokunamek;
-        form.frm21_kaimyog.text = entry->tblkak_kaimyoug;
-        form.frm21_kaimyok.text = entry->tblkak_kaimyouk;
-        form.frm21_meigymd.text = deathText(*entry);
-        form.frm21_kyounen.text = QString::number(entry->tblkak_kyounen.value_or(0));
-        form.frm21_bikou.text = entry->tblkak_bikou;
     } else {
         desk.notify(registerEntryMissing, u"過去帳登録"_s);
     }
@@ -93,18 +91,29 @@ void openDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, de
     fill(database, form, context, desk);
 }
 
+std::optional<desk::AskedRecord> askedDeceased(const desk::ScreenContext& context) {
+    if (context.dnk_no1 == 0 || context.kak_zokunameg.isEmpty())
+        return {};
+    return desk::AskedRecord{desk::keyText(context.dnk_no1, context.dnk_nameg, context.kak_zokunameg),
+                             QString::number(context.dnk_no1) + u' ' + context.kak_zokunameg};
+}
+
 void clickDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (!clickIsInRange(form)) {
+    const int row = form.frm21_tbl.clickedRow;
+    form.selected = {};
+    if (row < 1 || row > static_cast<int>(form.scheduled.size())) {
         desk.notify(u"有功範囲外を指定しています。やり直して下さい"_s, title);
         return;
     }
-    form.frm21_tbl.highlighted = form.frm21_tbl.clickedRow;
-    context.hoy_kaiki_yymd = form.scheduled[static_cast<std::size_t>(form.frm21_tbl.clickedRow - 1)];
+    form.frm21_tbl.highlighted = row;
+    form.selected = context.hoy_kaiki_yymd = form.scheduled[static_cast<std::size_t>(row - 1)];
 }
 
 void openDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (!clickIsInRange(form))
+    if (!form.selected.isValid())
         return;
+    context.hoy_kaiki_yymd = form.selected;
+    context.kak_handedOver = form.handedOver;
     desk.open(u"法要明"_s, desk::Opening::modal, [&form, &context, &desk] {
         store::Database database;
         fill(database, form, context, desk);

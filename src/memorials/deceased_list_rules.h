@@ -2,6 +2,7 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
+#include "desk/held.h"
 #include "desk/screen_context.h"
 
 #include <QDate>
@@ -20,12 +21,16 @@ struct 法要個Form {
     desk::Grid frm21_tbl;
 
     std::vector<QDate> scheduled; // of the rows shown
+    QDate selected;          // scheduled date of the row last clicked; absent when none is, or its memorial is gone
+    bool handedOver = false; // shows the boxes of another screen
 };
 
 // The operations of the list of one deceased's memorials (dnk_no1, dnk_nameg, kak_zokunameg), all in one grid. Messages
 // bear the title "法要 記録".
-// Shows the context's deceased, read from the death register when kak_kaimyoug is empty.
+// Shows the context's deceased as he was handed over, or else read by his key.
 void openDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// What an opening with this context asks for.
+std::optional<desk::AskedRecord> askedDeceased(const desk::ScreenContext& context);
 void clickDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 個別照会: opens 法要明 modal on the row clicked and fills the grid again afterwards.
 void openDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);

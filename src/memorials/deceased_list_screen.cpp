@@ -36,6 +36,7 @@ std::unique_ptr<ui::Screen> 法要個(ui::Workplace& workplace) {
                               {.clicked = screen->run(clickDeceasedMemorial), .opened = open}, 16);
     layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing();
     screen->onOpen(screen->run(openDeceasedMemorials));
+    screen->shows({.asked = askedDeceased, .load = screen->run(openDeceasedMemorials)});
     return screen;
 }
 

@@ -3,6 +3,7 @@
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
 #include "store/table.h"
+#include "values/dates.h"
 #include "values/numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -17,18 +18,8 @@ QString numberText(const std::optional<std::int16_t>& number) {
     return number ? QString::number(*number) : QString();
 }
 
-void reloadDeceased(store::Database& database, desk::ScreenContext& context, desk::Desk& desk) {
-    const auto entry =
-        store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, context.kak_zokunameg);
-    if (!entry) {
-        desk.notify(registerEntryMissing, title);
-        return;
-    }
-    context.publishDeceased(*entry);
-}
-
 void showMemorial(store::Database& database, 法要明Form& form, const store::tbl_hohyo& row, desk::Desk& desk) {
-    form.scheduled = row.tblhoy_kaiki_yymd;
+    form.held.show(row);
     form.frm31_hohyo_mei.text = row.tblhoy_kaiki_mei;
     form.frm31_ygymd.text = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
     if (row.tblhoy_kaiki_rs == 1) {
@@ -57,8 +48,12 @@ void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& d
     fillServiceLists(database, form);
     fillLiving(database, form.施主, context.dnk_no1,
                "ORDER BY tbl_kazoku.tblkzk_sei_ymd ASC, tbl_kazoku.tblkzk_nameg ASC;");
-    if (context.kak_zokunamek.isEmpty())
-        reloadDeceased(database, context, desk);
+    if (!context.kak_handedOver) {
+        if (const auto entry = readEntry(database, context))
+            context.publishDeceased(*entry);
+        else
+            desk.notify(registerEntryMissing, title);
+    }
     showHousehold(form, context);
     form.frm31_zoknameg.text = context.kak_zokunameg;
     showDeceased(database, form, context, desk);
@@ -70,11 +65,23 @@ void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& d
         desk.notify(u"照会者の法要は登録されていません"_s, title);
 }
 
+std::optional<desk::AskedRecord> askedMemorial(const desk::ScreenContext& context) {
+    if (context.dnk_no1 == 0)
+        return {};
+    return desk::AskedRecord{
+        desk::keyText(context.dnk_no1, context.kak_zokunameg, context.hoy_kaiki_yymd),
+        u"%1 %2 %3"_s.arg(context.dnk_no1).arg(context.kak_zokunameg, values::dateText(context.hoy_kaiki_yymd))};
+}
+
+void publishShown(const 法要明Form& form, desk::ScreenContext& context) {
+    context.hoy_kaiki_yymd = form.held ? form.held->tblhoy_kaiki_yymd : values::zeroDate();
+}
+
 void bookOnScheduledDay(法要明Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    if (!form.scheduled.isValid())
+    if (form.held.isNew())
         return;
     store::Database database;
-    calendar::showDate(database, form.予約, form.scheduled, desk);
+    calendar::showDate(database, form.予約, form.held->tblhoy_kaiki_yymd, desk);
 }
 
 void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -83,18 +90,16 @@ void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& d
     if (attempt.reported(desk, title) ||
         !desk.ask(u"入力された内容で法要を変更します。内容を確認して下さい。"_s, title))
         return;
-    if (!store::change(
-            database, store::idxhoy_hohyo, [&form](store::tbl_hohyo& row) { writeService(form, row); }, context.dnk_no1,
-            context.kak_zokunameg, context.hoy_kaiki_yymd)) {
-        desk.notify(memorialMissing, title);
-        return;
-    }
-    desk.notify(u"入力された内容で法要は更新されました。"_s, title);
-    keepWords(database, form);
+    if (desk::change(
+            form.held, database, {title, memorialMissing}, desk,
+            [&form](store::tbl_hohyo& row) { writeService(form, row); }, [&] { keepWords(database, form); }))
+        desk.notify(u"入力された内容で法要は更新されました。"_s, title);
 }
 
-void deleteDetail(法要明Form&, desk::ScreenContext& context, desk::Desk& desk) {
-    deleteMemorial({context.dnk_no1, context.kak_zokunameg, context.hoy_kaiki_yymd}, title, desk);
+void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    store::Database database;
+    if (deleteMemorial(database, form.held, title, desk))
+        publishShown(form, context);
 }
 
 } // namespace memorials

@@ -2,22 +2,25 @@
 
 #include "memorials/service_form.h"
 
-#include <QDate>
-
 namespace memorials {
 
 struct 法要明Form : ServiceForm {
     desk::Text frm31_zoknameg;
 
-    QDate scheduled; // of the memorial shown; absent when none was found
+    desk::Held<store::tbl_hohyo> held;
 };
 
 // The operations of the memorial detail: one memorial, by dnk_no1, kak_zokunameg and hoy_kaiki_yymd. Messages bear the
 // title "法要明細".
-// Shows deceased and memorial; reads the deceased from the death register when kak_zokunamek is empty.
+// Shows deceased and memorial, both read by their keys; the deceased as he was handed over where he was.
 void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// What an opening with this context asks for.
+std::optional<desk::AskedRecord> askedMemorial(const desk::ScreenContext& context);
+// Names the memorial held; none where there is none or it was deleted here.
+void publishShown(const 法要明Form& form, desk::ScreenContext& context);
 void bookOnScheduledDay(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk); // 法要日に予約
-void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);         // 更新
-void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);       // 削除
+// 更新, 削除: only while the file holds the memorial as read.
+void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 } // namespace memorials

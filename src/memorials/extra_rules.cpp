@@ -48,10 +48,27 @@ store::tbl_hohyo newMemorial(const 法要外Form& form, const desk::ScreenContex
     return row;
 }
 
+void showEntry(store::Database& database, 法要外Form& form, const store::tbl_kakocho& entry,
+               desk::ScreenContext& context, desk::Desk& desk) {
+    context.publishDeceased(entry);
+    showHousehold(form, context);
+    showDeceased(database, form, context, desk);
+}
+
 // The list may have been moved without a click.
 void followList(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (form.frm31_zoknameg.currentText() != context.kak_zokunameg)
+    const int line = form.frm31_zoknameg.current;
+    if (form.frm31_zoknameg.currentText() != context.kak_zokunameg ||
+        (line >= 0 && form.entryHouseholds.value(line) != context.dnk_nameg))
         chooseDeceased(form, context, desk);
+}
+
+// From here on the boxes are those of a new memorial.
+void startAnew(法要外Form& form, const desk::ScreenContext& context) {
+    QString whose = desk::householdLabel(context.dnk_no1, context.dnk_no2);
+    if (form.givenDeceased)
+        whose += u' ' + form.frm31_zoknameg.currentText();
+    form.held.showNew(whose);
 }
 
 } // namespace
@@ -60,17 +77,53 @@ void openExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& de
     store::Database database;
     fillServiceLists(database, form);
     fillLiving(database, form.施主, context.dnk_no1, "ORDER BY tbl_kazoku.tblkzk_nameg ASC;");
-    showHousehold(form, context);
-    if (!context.kak_zokunameg.isEmpty()) {
-        form.frm31_zoknameg.items = {context.kak_zokunameg};
+    const bool named = !context.kak_zokunameg.isEmpty();
+    const auto entry = named ? readEntry(database, context) : std::nullopt;
+    if (!context.dnk_handedOver) {
+        if (const auto household = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2))
+            context.publishHousehold(desk::HouseholdBlock::of(*household));
+    }
+    if (entry) {
+        form.givenDeceased = true;
+        form.frm31_zoknameg.items = {entry->tblkak_zokunameg};
+        form.entryHouseholds = {entry->tblkak_dnknameg};
         form.frm31_zoknameg.current = 0;
-        showDeceased(database, form, context, desk);
+        showEntry(database, form, *entry, context, desk);
+        startAnew(form, context);
         return;
     }
-    store::Selection<store::tbl_kakocho> deceased(
-        database, "WHERE tbl_kakocho.tblkak_no = ? ORDER BY tbl_kakocho.tblkak_zokunameg ASC;", context.dnk_no1);
-    while (deceased.next())
-        form.frm31_zoknameg.items << deceased.row().tblkak_zokunameg;
+    context.clearDeceased();
+    showHousehold(form, context);
+    for (const auto& line : store::selectAll<store::tbl_kakocho>(
+             database, "WHERE tbl_kakocho.tblkak_no = ? ORDER BY tbl_kakocho.tblkak_zokunameg ASC;", context.dnk_no1)) {
+        form.frm31_zoknameg.items << line.tblkak_zokunameg;
+        form.entryHouseholds << line.tblkak_dnknameg;
+    }
+    startAnew(form, context);
+    if (named)
+        desk.notify(registerEntryMissing, title);
+}
+
+std::optional<desk::AskedRecord> askedExtra(const 法要外Form& form, const desk::ScreenContext& context) {
+    if (context.dnk_no1 == 0)
+        return {};
+    const bool sameHousehold = form.frm31_no.text == QString::number(context.dnk_no1);
+    if (context.kak_zokunameg.isEmpty()) {
+        if (sameHousehold && !form.givenDeceased)
+            return {};
+        return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+    }
+    const int line = form.frm31_zoknameg.current;
+    if (sameHousehold && line >= 0 && form.frm31_zoknameg.currentText() == context.kak_zokunameg &&
+        form.entryHouseholds.value(line) == context.dnk_nameg)
+        return {};
+    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, context.dnk_no2) + u' ' +
+                                   context.kak_zokunameg);
+}
+
+void nameOpened(const 法要外Form& form, desk::ScreenContext& context) {
+    if (!form.givenDeceased)
+        context.clearDeceased();
 }
 
 void chooseDeceased(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -78,15 +131,15 @@ void chooseDeceased(法要外Form& form, desk::ScreenContext& context, desk::Des
     if (name.isEmpty())
         return;
     store::Database database;
-    const auto entry = store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, name);
+    const auto entry = store::find(database, store::idxkak_kakochou, context.dnk_no1,
+                                   form.entryHouseholds.value(form.frm31_zoknameg.current), name);
     if (entry) {
-        context.publishDeceased(*entry);
-        showDeceased(database, form, context, desk);
+        showEntry(database, form, *entry, context, desk);
         form.frm31_mei_gymd.text = deathText(*entry);
         return;
     }
     // Neither this one nor the one before is chosen now.
-    static_cast<desk::DeceasedBlock&>(context) = {};
+    context.clearDeceased();
     form.frm31_zoknameg.current = -1;
     showDeceased(database, form, context, desk);
     desk.notify(registerEntryMissing, title);
@@ -103,34 +156,62 @@ void registerExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk
         attempt.check(false, form.予約.year, u"法要予定日又は法要実施日を入力して下さい"_s);
     if (attempt.reported(desk, title))
         return;
-    if (isTaken(database, context, values::readDate(form.予約.western.text).value_or(QDate())) ||
-        isTaken(database, context, scheduledDate(form))) {
-        desk.notify(u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s, title);
+    const auto entry = readEntry(database, context);
+    if (!entry) {
+        desk.notify(registerEntryMissing, title);
+        return;
+    }
+    // What is written is what the boxes show.
+    if (desk::DeceasedBlock::of(*entry) != static_cast<const desk::DeceasedBlock&>(context))
+        showEntry(database, form, *entry, context, desk);
+    const auto taken = [&] {
+        return isTaken(database, context, values::readDate(form.予約.western.text).value_or(QDate())) ||
+               isTaken(database, context, scheduledDate(form));
+    };
+    const QString takenAlready = u"指定された法要は既に登録されています。入力した内容をﾁｪｯｸしてください"_s;
+    if (taken()) {
+        desk.notify(takenAlready, title);
         return;
     }
     if (!desk.ask(u"入力された内容で法要を登録します。内容を確認して下さい。"_s, title))
         return;
     const store::tbl_hohyo row = newMemorial(form, context, desk.today());
-    store::Table(database, store::idxhoy_hohyo).insert(row);
-    form.registered = MemorialKey{row.tblhoy_no, row.tblhoy_zokunameg, row.tblhoy_kaiki_yymd};
+    bool written = false;
+    {
+        store::Write write(database);
+        // Another screen may have registered it while the question stood.
+        if (!taken()) {
+            store::Table(database, store::idxhoy_hohyo).insert(row);
+            keepWords(database, form);
+            write.commit();
+            written = true;
+        }
+    }
+    if (!written) {
+        desk.notify(takenAlready, title);
+        return;
+    }
+    form.registered.show(row);
+    form.held.wrote(row);
+    startAnew(form, context);
     form.frm31_ygymd.text = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
     desk.notify(u"指定された法要は登録されました。"_s, title);
-    keepWords(database, form);
 }
 
 void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (!form.registered) {
-        followList(form, context, desk);
-        desk::SaveAttempt attempt(context);
-        store::Database database;
-        calendar::checkDate(database, form.予約, calendar::法要予定日, context, desk);
-        calendar::checkDate(database, form.実施, calendar::法要実施日, context, desk);
-        if (attempt.reported(desk, title))
-            return;
-    }
-    const MemorialKey shown{context.dnk_no1, context.kak_zokunameg, scheduledDate(form)};
-    if (deleteMemorial(form.registered.value_or(shown), title, desk))
-        form.registered.reset();
+    followList(form, context, desk);
+    desk::SaveAttempt attempt(context);
+    store::Database database;
+    calendar::checkDate(database, form.予約, calendar::法要予定日, context, desk);
+    calendar::checkDate(database, form.実施, calendar::法要実施日, context, desk);
+    if (attempt.reported(desk, title))
+        return;
+    auto shown = form.registered.orRead(database, context.dnk_no1, context.kak_zokunameg, scheduledDate(form));
+    if (!deleteMemorial(database, shown, title, desk))
+        return;
+    form.registered = {};
+    form.held.removed();
+    startAnew(form, context);
 }
 
 } // namespace memorials

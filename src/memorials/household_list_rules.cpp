@@ -65,9 +65,9 @@ bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
     const ListedMemorial* row = form.list.selected();
     if (!row)
         return false;
-    context.publishHousehold(form.household);
-    context.dnk_no2 = 0;
+    context.publishHousehold(desk::HouseholdBlock::numbered(form.household.dnk_no1));
     context.dnk_kbn = desk::categoryText(true);
+    context.clearDeceased();
     context.nameDeceased(row->tblhoy_danknameg, row->tblhoy_zokunameg);
     context.hoy_kaiki_yymd = row->tblhoy_kaiki_yymd;
     return true;
@@ -81,35 +81,48 @@ bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
             .columns = columns(),
             .key = [](ListedRow row) { return row.tblhoy_kaiki_yymd; },
             .complete = complete,
+            .exists = [](ListedRow row) { return memorialExists(row); },
             .tableSlots = pagesRemembered},
            QDate(values::firstYear, 1, 1)) {}
 
 void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    form.household = context.dnk_no1;
-    auto shown = static_cast<const desk::HouseholdBlock&>(context);
-    if (shown.dnk_namek.isEmpty()) {
+    form.household = context;
+    form.household.dnk_handedOver = false;
+    if (!context.dnk_handedOver) {
         store::Database database;
-        if (const auto row = store::find(database, store::idxdnk_no, form.household, 0))
-            shown = desk::HouseholdBlock::of(*row);
+        form.household = {};
+        form.household.dnk_no1 = context.dnk_no1;
+        if (const auto row = store::find(database, store::idxdnk_no, context.dnk_no1, 0))
+            form.household = desk::HouseholdBlock::of(*row);
         else
             desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
     }
-    form.frm21_dankag.text = shown.dnk_nameg;
-    form.frm21_toshug.text = shown.dnk_toshug;
-    form.frm21_toshuk.text = shown.dnk_toshuk;
-    form.frm21_jyusho1.text = shown.dnk_jyusho1;
-    form.frm21_chiku.text = shown.dnk_chiku;
-    form.frm21_bikou.text = shown.dnk_bikou;
+    form.frm21_dankag.text = form.household.dnk_nameg;
+    form.frm21_toshug.text = form.household.dnk_toshug;
+    form.frm21_toshuk.text = form.household.dnk_toshuk;
+    form.frm21_jyusho1.text = form.household.dnk_jyusho1;
+    form.frm21_chiku.text = form.household.dnk_chiku;
+    form.frm21_bikou.text = form.household.dnk_bikou;
     form.list.setUp(form.frm21_tbl);
-    form.list.showFirstPage(memorialsOf(form.household), form.frm21_tbl, desk);
+    form.list.showFirstPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk);
+}
+
+std::optional<desk::AskedRecord> askedMemorials(const desk::ScreenContext& context) {
+    if (context.dnk_no1 == 0)
+        return {};
+    return desk::AskedRecord{desk::keyText(context.dnk_no1), QString::number(context.dnk_no1)};
+}
+
+void publishShown(const 法要檀Form& form, desk::ScreenContext& context) {
+    context.publishHousehold(form.household);
 }
 
 void nextHouseholdMemorials(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(memorialsOf(form.household), form.frm21_tbl, desk);
+    form.list.nextPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk);
 }
 
 void previousHouseholdMemorials(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(memorialsOf(form.household), form.frm21_tbl, desk);
+    form.list.previousPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk);
 }
 
 void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -119,9 +132,8 @@ void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext&, desk::Des
 void openHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (!publishSelected(form, context))
         return;
-    context.kak_zokunamek.clear();
     desk.open(u"法要明"_s, desk::Opening::modal,
-              [&form, &desk] { form.list.showFirstPage(memorialsOf(form.household), form.frm21_tbl, desk); });
+              [&form, &desk] { form.list.showFirstPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk); });
 }
 
 void openHouseholdDeceased(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/held.h"
 #include "memorials/listed_memorial.h"
 
 #include <QDate>
@@ -14,15 +15,19 @@ struct 法要檀Form {
     desk::Text frm21_chiku;
     desk::Text frm21_bikou;
     desk::Grid frm21_tbl;
-    std::int16_t household = 0;
+    desk::HouseholdBlock household;               // whose memorials these are
     desk::PagingList<ListedMemorial, QDate> list; // by scheduled date
 
     法要檀Form();
 };
 
 // The operations of the list of a household's memorials, whatever their state. Messages bear the title "檀家法要一覧".
-// Shows the context's household, read from the register when dnk_namek is empty.
+// Shows the context's household as it was handed over, or else read by its number.
 void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// What an opening with this context asks for: a household whole, its branches included.
+std::optional<desk::AskedRecord> askedMemorials(const desk::ScreenContext& context);
+// Publishes the household listed.
+void publishShown(const 法要檀Form& form, desk::ScreenContext& context);
 void nextHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void previousHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);

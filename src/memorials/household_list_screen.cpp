@@ -38,6 +38,10 @@ std::unique_ptr<ui::Screen> 法要檀(ui::Workplace& workplace) {
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased))
         .closing();
     screen->onOpen(screen->run(openHouseholdMemorials));
+    auto* raw = screen.get();
+    screen->shows({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                   .asked = askedMemorials,
+                   .load = screen->run(openHouseholdMemorials)});
     return screen;
 }
 

@@ -2,9 +2,29 @@
 
 #include "store/table.h"
 
+#include <tuple>
+
 using namespace Qt::StringLiterals;
 
 namespace memorials {
+
+MemorialTie MemorialTie::of(const store::tbl_hohyo& row) {
+    return {row.tblhoy_zokunameg, row.tblhoy_kaiki_yymd, row.tblhoy_no};
+}
+
+bool MemorialTie::operator<(const MemorialTie& other) const {
+    return std::tuple(deceased.toUtf8(), scheduled, household) <
+           std::tuple(other.deceased.toUtf8(), other.scheduled, other.household);
+}
+
+bool memorialExists(const store::tbl_hohyo& row) {
+    // One that is scheduled on no day has no key to be looked for by.
+    if (!row.tblhoy_kaiki_yymd.isValid())
+        return true;
+    store::Database database;
+    return store::find(database, store::idxhoy_hohyo, row.tblhoy_no, row.tblhoy_zokunameg, row.tblhoy_kaiki_yymd)
+        .has_value();
+}
 
 QString startTimeText(const store::tbl_hohyo& row) {
     const int minute = row.tblhoy_kaiki_mint.value_or(0);

@@ -8,6 +8,8 @@
 #include "store/database.h"
 #include "store/schema.h"
 
+#include <QDate>
+
 // What the lists of memorials share.
 namespace memorials {
 
@@ -19,6 +21,21 @@ struct ListedMemorial : store::tbl_hohyo {
     QString noticeEra = {};   // of notified ones
     std::optional<store::tbl_danka> household = {};
 };
+
+// What orders memorials of one place in a list: together they are a memorial's key.
+struct MemorialTie {
+    QString deceased; // secular name
+    QDate scheduled;
+    std::int16_t household = 0;
+
+    static MemorialTie of(const store::tbl_hohyo& row);
+    bool operator==(const MemorialTie&) const = default;
+    // In the register's order: names by code point.
+    bool operator<(const MemorialTie& other) const;
+};
+
+// Whether the register still holds the memorial.
+bool memorialExists(const store::tbl_hohyo& row);
 
 // "AM 10：30", a full minute as "00".
 QString startTimeText(const store::tbl_hohyo& row);

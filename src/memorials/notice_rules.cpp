@@ -29,14 +29,17 @@ auto memorialsOf(const 法要通Form& form) {
         store::Selection<store::tbl_hohyo> rows(database,
                                                 "WHERE (tbl_hohyo.tblhoy_kaiki_yymd >= ?) And "
                                                 "(tbl_hohyo.tblhoy_kaiki_yymd <= ?) "
-                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC ;",
+                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC, "
+                                                "tbl_hohyo.tblhoy_zokunameg ASC, tbl_hohyo.tblhoy_no ASC ;",
                                                 std::max(from, key.scheduled), to);
         // The names' order is the register's: by code point.
         const QByteArray name = key.deceased.toUtf8();
         bool found = false;
         while (rows.next()) {
-            found = found || rows.row().tblhoy_zokunameg.toUtf8() >= name;
-            if (found && !take({rows.row()}))
+            const store::tbl_hohyo& row = rows.row();
+            const bool before = key.tie && row.tblhoy_kaiki_yymd == key.scheduled && MemorialTie::of(row) < *key.tie;
+            found = found || (row.tblhoy_zokunameg.toUtf8() >= name && !before);
+            if (found && !take({row}))
                 break;
         }
         return found;
@@ -91,11 +94,16 @@ void markNotified(store::Database& database, const 法要通Form& form, QDate da
             .columns = columns(),
             .key =
                 [](ListedRow row) {
-                    return NoticeKey{row.tblhoy_kaiki_yymd, row.tblhoy_zokunameg};
+                    return NoticeKey{row.tblhoy_kaiki_yymd, row.tblhoy_zokunameg, MemorialTie::of(row)};
+                },
+            .place =
+                [](const NoticeKey& key) {
+                    return NoticeKey{key.scheduled, key.deceased, {}};
                 },
             .listed = isOpenForNotice,
             .complete = [](std::vector<ListedMemorial>& page,
-                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); }},
+                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
+            .exists = [](ListedRow row) { return memorialExists(row); }},
            {}) {}
 
 void openNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -117,8 +125,8 @@ void leaveNoticesTo(法要通Form& form, desk::ScreenContext&, desk::Desk& desk)
 void showNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     if (!checkFrom(form, desk))
         return;
-    form.list.setStart({form.from, {}});
-    form.list.fill(memorialsOf(form), form.frm21_tbl, desk);
+    form.list.setStart({form.from, {}, {}});
+    form.list.showFirstPage(memorialsOf(form), form.frm21_tbl, desk);
 }
 
 void nextNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {

@@ -9,7 +9,8 @@ namespace memorials {
 
 struct NoticeKey {
     QDate scheduled;
-    QString deceased; // secular name
+    QString deceased;               // secular name
+    std::optional<MemorialTie> tie; // of a row; without one the first row of its day and name is meant
 
     bool operator==(const NoticeKey&) const = default;
 };

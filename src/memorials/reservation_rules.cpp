@@ -16,24 +16,28 @@ namespace {
 const QString title = u"法要 予定"_s;
 constexpr int daysShown = 31;
 
-// At or after the key in each of its fields, as the position is searched.
+// At or after the key in each of its fields, as the position is searched; at one place in the order of the ties.
 bool isFrom(const store::tbl_hohyo& row, const ReservationKey& key) {
-    return row.tblhoy_kaiki_rymd >= key.day && row.tblhoy_kaiki_ampm >= key.halfDay &&
-           row.tblhoy_kaiki_hour >= std::optional(key.hour);
+    const std::optional hour(key.hour);
+    if (row.tblhoy_kaiki_rymd < key.day || row.tblhoy_kaiki_ampm < key.halfDay || row.tblhoy_kaiki_hour < hour)
+        return false;
+    return !key.tie || row.tblhoy_kaiki_rymd != key.day || row.tblhoy_kaiki_ampm != key.halfDay ||
+           row.tblhoy_kaiki_hour != hour || !(MemorialTie::of(row) < *key.tie);
 }
 
 auto reservations(const 法要一Form& form) {
     return [from = form.from, to = form.to](const ReservationKey& key, const auto& take) {
         // The first match lies at or after the key in the order of the index, too, and never before the range.
         constexpr auto earliestHour = std::numeric_limits<std::int16_t>::min();
-        const ReservationKey bound = key.day < from ? ReservationKey{from, u""_s, earliestHour} : key;
+        const ReservationKey bound = key.day < from ? ReservationKey{from, u""_s, earliestHour, {}} : key;
         store::Database database;
         store::Selection<store::tbl_hohyo> rows(
             database,
             "INDEXED BY idxhoy_rymd WHERE (tbl_hohyo.tblhoy_kaiki_rymd, tbl_hohyo.tblhoy_kaiki_ampm, "
             "tbl_hohyo.tblhoy_kaiki_hour) >= (?, ?, ?) And tbl_hohyo.tblhoy_kaiki_rymd <= ? "
             "ORDER BY tbl_hohyo.tblhoy_kaiki_rymd ASC, tbl_hohyo.tblhoy_kaiki_ampm ASC, "
-            "tbl_hohyo.tblhoy_kaiki_hour ASC ;",
+            "tbl_hohyo.tblhoy_kaiki_hour ASC, tbl_hohyo.tblhoy_zokunameg ASC, tbl_hohyo.tblhoy_kaiki_yymd ASC, "
+            "tbl_hohyo.tblhoy_no ASC ;",
             bound.day, bound.halfDay, bound.hour, to);
         bool found = false;
         while (rows.next()) {
@@ -85,11 +89,16 @@ bool checkTo(法要一Form& form, desk::Desk& desk) {
             .key =
                 [](ListedRow row) {
                     return ReservationKey{row.tblhoy_kaiki_rymd, row.tblhoy_kaiki_ampm,
-                                          row.tblhoy_kaiki_hour.value_or(0)};
+                                          row.tblhoy_kaiki_hour.value_or(0), MemorialTie::of(row)};
+                },
+            .place =
+                [](const ReservationKey& key) {
+                    return ReservationKey{key.day, key.halfDay, key.hour, {}};
                 },
             .listed = [](ListedRow row) { return row.tblhoy_kaiki_rs == 1 && row.tblhoy_kaiki_s == 0; },
             .complete = [](std::vector<ListedMemorial>& page,
-                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); }},
+                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
+            .exists = [](ListedRow row) { return memorialExists(row); }},
            {}) {}
 
 void openReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -111,8 +120,8 @@ void leaveReservationsTo(法要一Form& form, desk::ScreenContext&, desk::Desk& 
 void showReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
     if (!checkFrom(form, desk) || !checkTo(form, desk))
         return;
-    form.list.setStart({form.from, u""_s, 0});
-    form.list.fill(reservations(form), form.frm21_tbl, desk);
+    form.list.setStart({form.from, u""_s, 0, {}});
+    form.list.showFirstPage(reservations(form), form.frm21_tbl, desk);
 }
 
 void nextReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {

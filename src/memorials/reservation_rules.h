@@ -10,6 +10,7 @@ struct ReservationKey {
     QDate day;
     QString halfDay; // tblhoy_kaiki_ampm
     std::int16_t hour = 0;
+    std::optional<MemorialTie> tie = {}; // of a row; without one the first row of its hour is meant
 
     bool operator==(const ReservationKey&) const = default;
 };
@@ -30,7 +31,7 @@ struct 法要一Form {
 void openReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveReservationsFrom(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveReservationsTo(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-// 表示: lists the range from its start. The pages seen before stay remembered.
+// 表示: lists the range from its start and forgets the pages seen before.
 void showReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void nextReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void previousReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);

@@ -137,14 +137,17 @@ void holdAsBooked(ServiceForm& form) {
     form.実施.western.text = form.予約.western.text;
 }
 
-bool deleteMemorial(const MemorialKey& key, const QString& title, desk::Desk& desk) {
-    if (!desk.ask(u"指定された法要を削除します。内容を確認して下さい。"_s, title))
+bool deleteMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
+                    desk::Desk& desk) {
+    if (!desk.ask(u"指定された法要を削除します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
+        !desk::remove(memorial, database, {title, memorialMissing}, desk))
         return false;
-    store::Database database;
-    const bool deleted = key.scheduled.isValid() &&
-                         store::remove(database, store::idxhoy_hohyo, key.household, key.deceased, key.scheduled);
-    desk.notify(deleted ? u"削除処理を終了しました。"_s : memorialMissing, title);
-    return deleted;
+    desk.notify(u"削除処理を終了しました。"_s, title);
+    return true;
+}
+
+std::optional<store::tbl_kakocho> readEntry(store::Database& database, const desk::ScreenContext& context) {
+    return store::find(database, store::idxkak_kakochou, context.dnk_no1, context.dnk_nameg, context.kak_zokunameg);
 }
 
 } // namespace memorials

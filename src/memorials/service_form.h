@@ -2,6 +2,7 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
+#include "desk/held.h"
 #include "desk/save_attempt.h"
 #include "desk/screen_context.h"
 #include "store/database.h"
@@ -9,12 +10,6 @@
 
 // What 法要明 and 法要外 share: the deceased, the booking and the holding of one memorial service.
 namespace memorials {
-
-struct MemorialKey {
-    std::int16_t household = 0;
-    QString deceased; // secular name
-    QDate scheduled;
-};
 
 struct ServiceForm {
     desk::Text frm31_no;
@@ -66,14 +61,18 @@ desk::SaveAttempt CheckMemorialInput(store::Database& database, ServiceForm& for
 // lowered; place, 施主, relationship, offering and remarks always.
 void writeService(const ServiceForm& form, store::tbl_hohyo& row);
 
-// Adds relationship and place to the master lists when they are new.
+// Adds relationship and place to the master lists when they are new; meant for the write of the memorial.
 void keepWords(store::Database& database, const ServiceForm& form);
 
 // 予約通り実施: the held date becomes the reservation's.
 void holdAsBooked(ServiceForm& form);
 
-// 削除: asks, deletes and tells. True when the memorial was deleted.
-bool deleteMemorial(const MemorialKey& key, const QString& title, desk::Desk& desk);
+// 削除: asks, deletes the memorial where the file holds it as read, and tells. True when it was deleted.
+bool deleteMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
+                    desk::Desk& desk);
+
+// The entry of the death register that the context names; nothing where there is none.
+std::optional<store::tbl_kakocho> readEntry(store::Database& database, const desk::ScreenContext& context);
 
 inline const QString memorialMissing = QStringLiteral("指定された法要を読めませんません。DBの整合性を確認して下さい");
 inline const QString registerEntryMissing = QStringLiteral("過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。");

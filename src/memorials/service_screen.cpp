@@ -44,8 +44,10 @@ void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
         .options(u"開始時間"_s, {},
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
+        .numeric()
         .note(u"時"_s)
         .combo(HOSHIREN_CONTROL(form, 開始分), 3)
+        .numeric()
         .note(u"分"_s)
         .row(u"場所"_s)
         .combo(HOSHIREN_CONTROL(form, frm31_法要場所), 14);
@@ -97,6 +99,9 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
         .action(u"削除"_s, u"削除"_s, screen->run(deleteDetail))
         .closing();
     screen->onOpen(screen->run(openDetail));
+    screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                       .asked = askedMemorial,
+                       .load = screen->run(openDetail)});
     return screen;
 }
 
@@ -124,6 +129,9 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
         .action(u"削除"_s, u"削除"_s, screen->run(deleteExtra))
         .closing();
     screen->onOpen(screen->run(openExtra));
+    screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameOpened(raw->form(), context); },
+                       .asked = [raw](const desk::ScreenContext& context) { return askedExtra(raw->form(), context); },
+                       .load = screen->run(openExtra)});
     return screen;
 }
 

@@ -67,7 +67,7 @@ QString LabelRun::printLabel(const LabelAddress& address) {
 void LabelRun::putFitted(double x, double top, const QString& text) {
     if (text.isEmpty())
         return;
-    const double width = font_.width(text);
+    const double width = font_.width(withoutTrailingBlanks(text));
     const double points = width > textRoom ? std::max(leastPoints, fullPoints * textRoom / width) : fullPoints;
     const double setWidth = width * points / fullPoints;
     sheets_.back().push_back({x, top, points, setWidth > textRoom ? textRoom / setWidth : 1.0, text});
