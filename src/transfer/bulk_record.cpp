@@ -146,12 +146,7 @@ bool BulkRecord::rejectEmpty(int number, const QString& message) {
 
 std::optional<std::int16_t> BulkRecord::number(int number) const {
     const QString& text = field(number);
-    if (text.isEmpty())
-        return std::int16_t{0};
-    // A number that names a row is never rounded.
-    if (text.contains(u'.') || text.contains(u'．'))
-        return {};
-    return values::readInt16(text);
+    return text.isEmpty() ? std::int16_t{0} : values::readKeyNumber(text);
 }
 
 std::vector<QString> BulkRecord::errorLine(std::span<const int> numbers) const {
