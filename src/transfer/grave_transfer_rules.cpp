@@ -199,8 +199,10 @@ Stored GraveImport::StoreGraveRecord(BulkRecord& record) {
         return Stored::asNew;
     }
     graves_.seek(store::Seek::equal, *number);
-    changed_.insert(*number);
-    return rewritten(graves_, row, record);
+    const Stored stored = rewritten(graves_, row, record);
+    if (stored == Stored::asChange)
+        changed_.insert(*number);
+    return stored;
 }
 
 void GraveImport::settle() {
