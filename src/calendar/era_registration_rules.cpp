@@ -86,6 +86,7 @@ void showEraOfYear(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) 
     const auto year = values::readInt16(form.fnen_snen.text);
     store::Database database;
     const auto found = year ? eraOfYear(database, *year) : std::nullopt;
+    form.fnen_snen.question = true;
     if (found && found->covers) {
         form.fnen_snen.colour = Colour::black;
         form.fnen_nengo.text = found->era.tblnen_nengo;
