@@ -17,6 +17,7 @@ namespace {
 const QString badCode = u"文字コードに誤りがあります"_s;
 const QString badCount = u"項目数に誤りがあります"_s;
 const QString badQuotes = u"引用符に誤りがあります"_s;
+const QString lineBreak = u"項目の中に改行があります"_s;
 
 std::vector<transfer::BulkRecord> readAll(QByteArray bytes, int fieldCount) {
     QBuffer device(&bytes);
@@ -108,7 +109,16 @@ TEST(BulkReader, Records) {
     } cases[] = {
         {"empty file", "", {}},
         {"line ends", "1,2\r\n3,4\n5,6\r7,8", {u"1|2"_s, u"3|4"_s, u"5|6"_s, u"7|8"_s}},
-        {"an empty line is a record", "1,2\r\n\r\n\n", {u"1|2"_s, u"||"_s + badCount, u"||"_s + badCount}},
+        {"an empty line is a record",
+         "1,2\r\n\r\n3,4\n\n5,6",
+         {u"1|2"_s, u"||"_s + badCount, u"3|4"_s, u"||"_s + badCount, u"5|6"_s}},
+        {"a blank last line is none", "1,2\r\n\r\n", {u"1|2"_s}},
+        {"nor is one of blanks", "1,2\r\n\n \t", {u"1|2"_s, u"||"_s + badCount}},
+        {"a file of one line end", "\r\n", {}},
+        {"^Z behind the last line end", "1,2\r\n\x1A", {u"1|2"_s}},
+        {"^Z behind a blank line", "1,2\r\n\r\n\x1A\x1A", {u"1|2"_s}},
+        {"^Z behind the last field", "1,2\x1A", {u"1|2"_s}},
+        {"^Z elsewhere is text", "1\x1A,\x1A\n3,4\x1A\r\n", {u"1\u001A|\u001A"_s, u"3|4\u001A"_s}},
         {"blanks", " a b , \" c \" \r\n\t,\t\"\"\r\n", {u"a b| c "_s, u"|"_s}},
         {"full-width blanks stay", "\x81\x40\x8C\xB4\x81\x40,\xA0\r\n", {u"　原　|〓|"_s + badCode + u"|2"_s}},
         {"commas and quotation marks",
@@ -121,6 +131,17 @@ TEST(BulkReader, Records) {
         {"unmatched quotation mark ends with its line",
          "\"a,b\r\n\"c\",\"d\r\ne,f\r\n",
          {u"a,b||"_s + badCount, u"c|d|"_s + badQuotes + u"|2"_s, u"e|f"_s}},
+        {"line breaks between quotation marks",
+         "\"a\nb\",c\r\nd,\"\"\"e\r\n\r\n\"\"f\"\r\ng,h\r\n\"i\n\x95\",j\r\nk,l",
+         {u"a\nb|c|"_s + lineBreak + u"|1"_s, u"d|\"e\n\n\"f|"_s + lineBreak + u"|2"_s, u"g|h"_s,
+          u"i\n〓|j|"_s + badCode + u"|1"_s, u"k|l"_s}},
+        {"lines that make no record together stand for themselves",
+         "a,\"b\nc\nd,e\n\"f\ng\",h,i\nj,k\n\"l\n",
+         {u"a|b|"_s + badQuotes + u"|2"_s, u"c||"_s + badCount, u"d|e"_s, u"f||"_s + badCount, u"g\"|h|"_s + badCount,
+          u"j|k"_s, u"l||"_s + badCount}},
+        {"a record between two stray quotation marks is not swallowed",
+         "a,\"b\nc,d\ne\"\n",
+         {u"a|b|"_s + badQuotes + u"|2"_s, u"c|d"_s, u"e\"||"_s + badCount}},
         {"text behind a quoted field",
          "\"a\"b,c\r\n\"\"d,e\r\nf,g\r\n",
          {u"ab|c|"_s + badQuotes + u"|1"_s, u"d|e|"_s + badQuotes + u"|1"_s, u"f|g"_s}},
@@ -175,11 +196,12 @@ TEST(BulkWriter, Fields) {
         QString text;
         QByteArray bytes;
         bool referred;
+        int lookAlikes = 0;
     } cases[] = {
         {u""_s, "", false},
         {u"表 ソ 十"_s, "\x95\x5C \x83\x5C \x8F\x5C", false},
         {u"\"引用\", O'Hara"_s, "\"\"\x88\xF8\x97\x70\"\", O'Hara", false},
-        {u"\u301C\u2212\u2014\u2016\u00A5"_s, "\x81\x60\x81\x7C\x81\x5C\x81\x61\x81\x8F", false},
+        {u"\u301C\u2212\u2014\u2016\u00A5"_s, "\x81\x60\x81\x7C\x81\x5C\x81\x61\x81\x8F", false, 5},
         {u"\uFA11\uFA19\u795E㈱\\~"_s, "\xFA\xB1\xFB~\x90_\x87\x8A\\~", false},
         {u"𠮷&鷗\u00A0"_s, "&#x20BB7;&&#x9DD7;&#xA0;", true},
         {u"一\r\n二"_s, "\x88\xEA&#xD;&#xA;\x93\xF1", true},
@@ -189,7 +211,9 @@ TEST(BulkWriter, Fields) {
     for (const auto& c : cases) {
         QByteArray bytes;
         const std::vector<QString> fields{c.text, u"x"_s};
-        EXPECT_EQ(transfer::appendRecord(bytes, fields), c.referred) << c.text.toStdString();
+        const transfer::Altered altered = transfer::appendRecord(bytes, fields);
+        EXPECT_EQ(altered.referred, c.referred) << c.text.toStdString();
+        EXPECT_EQ(altered.lookAlikes, c.lookAlikes) << c.text.toStdString();
         EXPECT_EQ(bytes.toPercentEncoding(), ("\"" + c.bytes + "\",\"x\"\r\n").toPercentEncoding())
             << c.text.toStdString();
     }

@@ -57,4 +57,19 @@ TEST_F(MasterScreen, SavesChangesAndDeletes) {
     }
 }
 
+TEST_F(MasterScreen, AnEntryChangedElsewhereIsReadAgain) {
+    press(screenName, u"場所"_s);
+    clickCell(screenName, u"マスタ一"_s, 2, 0);
+    execute(u"UPDATE マスタ SET マ_名称 = '新しい名' WHERE マ_区分 = 3 AND マ_NO = 2"_s);
+    QEvent toTheFront(QEvent::WindowActivate);
+    QApplication::sendEvent(&screen(screenName), &toTheFront);
+    EXPECT_EQ(control<QLabel>(screenName, u"お知らせ文"_s).text(), u"この記録はほかの画面で変更されています。"_s);
+    press(screenName, u"読み直す"_s);
+    EXPECT_EQ(text(screenName, u"登録NO"_s) + text(screenName, u"登録名称"_s), u"2新しい名"_s);
+    EXPECT_EQ(cell(screenName, u"マスタ一"_s, 2, 3), u"新しい名"_s);
+    answer(u"入力内容を削除します。"_s, title, true);
+    expect(u"表示内容は削除されました。"_s, title);
+    press(screenName, u"削除"_s);
+}
+
 } // namespace

@@ -139,6 +139,8 @@ TEST_F(TransferScreens, AnExportComesBackAsItWas) {
         press(c.import, u"更新"_s);
         expect(c.again, c.importTitle);
         press(c.import, u"確定"_s);
+        EXPECT_EQ(control<QLabel>(c.import, u"お知らせ文"_s).text(),
+                  u"新しい記録 0 件、書き換えた記録 %1 件"_s.arg(c.rows));
         EXPECT_EQ(query(u"SELECT count(*) FROM %1 WHERE %2 = '2026-11-22'"_s.arg(c.table, c.date)),
                   QString::number(c.rows));
         execute(u"UPDATE %1 SET %2 = '2001-02-03'"_s.arg(c.table, c.date));

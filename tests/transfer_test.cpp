@@ -306,15 +306,23 @@ TEST_F(Transfer, NumbersFromTheFile) {
     importHouseholds(refusing);
     EXPECT_EQ(errorFile(16),
               QStringList(u"**7|**|新|ハラ||587-3050|川端1丁目||071||新町|原　美代|ハラ ミヨ||備考|"_s + taken + u'|'));
+    EXPECT_EQ(desk.informed, QStringList{u"新しい記録 2 件、書き換えた記録 0 件"_s});
     const QString numbers = u"SELECT tbldnk_no1, tbldnk_no2, tbldnk_nameg FROM tbl_danka ORDER BY 1, 2"_s;
     EXPECT_EQ(query(numbers), u"7,0,山田|7,1,原|9,0,原"_s);
     EXPECT_EQ(query(u"SELECT count(*) FROM マスタ WHERE マ_区分 = 2 AND マ_名称 = '新町'"_s), u"0"_s);
     EXPECT_EQ(counter(u"檀家"_s), u"9"_s);
     desk.expect(u"檀家さん 3 件を登録しました"_s, householdTitle);
     importHouseholds(updating);
+    EXPECT_EQ(desk.informed.last(), u"新しい記録 0 件、書き換えた記録 3 件"_s);
     EXPECT_EQ(query(numbers), u"7,0,新|7,1,原|9,0,原"_s);
     EXPECT_EQ(query(u"SELECT tbldnk_addymd FROM tbl_danka WHERE tbldnk_nameg = '新'"_s), u"2026-11-22"_s);
     EXPECT_EQ(query(u"SELECT count(*) FROM マスタ WHERE マ_区分 = 2 AND マ_名称 = '新町'"_s), u"1"_s);
+    // A row that cannot be rewritten without loss costs its own record alone.
+    execute(u"PRAGMA ignore_check_constraints = ON; UPDATE tbl_danka SET tbldnk_addymd = '?' WHERE tbldnk_no1 = 9"_s);
+    desk.expect(u"檀家さん 3 件中 1 がエラーで登録されませんでした"_s, householdTitle);
+    importHouseholds(updating);
+    EXPECT_EQ(errorFile(16).filter(u"この記録には読めない日付があり"_s).size(), 1);
+    EXPECT_EQ(query(u"SELECT tbldnk_addymd FROM tbl_danka ORDER BY 1"_s), u"2026-11-22|2026-11-22|?"_s);
 }
 
 TEST_F(Transfer, TheLastNumbers) {
@@ -383,10 +391,42 @@ TEST_F(Transfer, GravesOfOnePlace) {
     desk.expect(u"お墓登録 1 件を登録しました"_s, graveTitle);
     importGraves(transfer::GraveImportMode::update);
     EXPECT_EQ(query(placed), u"1,一,1|2,新,0|3,二,1"_s);
-    execute(u"DELETE FROM tbl_ohaka WHERE tblhak_no = 2"_s);
+    EXPECT_EQ(desk.informed.last(), u"新しい記録 0 件、書き換えた記録 1 件"_s);
+
+    // Whatever the register has of a place: no record of a file takes another one's row.
+    const auto live = with(goodGrave, {{8, u"今"_s}});
+    const QString vacant = u"DELETE FROM tbl_ohaka; UPDATE tbl_hatsuban SET tblno_sumino = 0"_s;
+    const QString oneLive = vacant + u"; INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2) "
+                                     "VALUES (7, '東', '001')"_s;
+    const struct {
+        QString there;
+        std::vector<std::vector<QString>> records;
+        QString after;
+    } brought[] = {
+        {vacant, {live, disposed(u"一"_s)}, u"1,今,0|2,一,1"_s},
+        {vacant, {disposed(u"一"_s), live, disposed(u"二"_s)}, u"1,一,1|2,今,0|3,二,1"_s},
+        {oneLive, {live, disposed(u"一"_s)}, u"1,一,1|7,今,0"_s},
+        {oneLive, {disposed(u"一"_s), live}, u"1,今,0|7,一,1"_s},
+        {oneLive, {disposed(u"一"_s)}, u"7,一,1"_s},
+    };
+    for (const auto& c : brought) {
+        execute(c.there);
+        put(u"in.csv"_s, lines(c.records));
+        desk.expect(u"お墓登録 %1 件を登録しました"_s.arg(c.records.size()), graveTitle);
+        importGraves(transfer::GraveImportMode::update);
+        EXPECT_EQ(query(placed).toStdString(), c.after.toStdString());
+    }
+    execute(vacant);
+    put(u"in.csv"_s, lines({disposed(u"一"_s), live}));
+    desk.expect(u"お墓登録 2 件中 1 がエラーで登録されませんでした"_s, graveTitle);
+    importGraves(transfer::GraveImportMode::reject);
+    EXPECT_EQ(query(placed), u"1,一,1"_s);
+
+    execute(u"UPDATE tbl_ohaka SET tblhak_no = 3; UPDATE tbl_hatsuban SET tblno_sumino = 3"_s);
+    put(u"in.csv"_s, lines({with(goodGrave, {{8, u"新"_s}})}));
     desk.expect(u"お墓登録 1 件中 1 がエラーで登録されませんでした"_s, graveTitle);
     importGraves(transfer::GraveImportMode::reject);
-    execute(u"UPDATE tbl_hatsuban SET tblno_sumino = 0 WHERE tblno_key2 = 'お墓'"_s);
+    execute(u"UPDATE tbl_hatsuban SET tblno_sumino = 2 WHERE tblno_key2 = 'お墓'"_s);
     put(u"in.csv"_s, lines({with(goodGrave, {{2, u"別"_s}})}));
     desk.expect(u"お墓登録 1 件中 1 がエラーで登録されませんでした"_s, graveTitle);
     importGraves(transfer::GraveImportMode::update);
@@ -408,6 +448,8 @@ TEST_F(Transfer, WhatTheCodePageDoesNotHoldComesBack) {
         u"次の 1 件にはシフトJISにない文字又は改行があります。文字参照（&#x5409; の形）で出力しました。\n\n5-0 𠮷田\"'"_s,
         u"檀家出力"_s);
     EXPECT_EQ(transfer::ExportHouseholds(path(u"in.csv"_s), desk), 2);
+    EXPECT_EQ(desk.informed, QStringList{u"形の似た文字 1 字を、シフトJISにある ￥ ― － ～ ∥ に置き換えて出力しました"
+                                         "（1 件：5-0 𠮷田\"'）"_s});
     EXPECT_TRUE(get(u"in.csv"_s)
                     .startsWith("\"4\",\"0\",\"\x8E\x52\x93\x63\",\"\x83\x84\x83\x7D\x83_\",\"1\",\"\x92h\x89\xC6\","))
         << get(u"in.csv"_s).left(60).toPercentEncoding().toStdString();
@@ -426,6 +468,7 @@ TEST_F(Transfer, NothingIsTouchedBeforeYes) {
     put(u"err.csv"_s, "old");
     desk.answer(householdQuestion, householdTitle, false);
     EXPECT_FALSE(importHouseholds(automatic));
+    EXPECT_EQ(desk.lastPreset, desk::Preset::no);
     EXPECT_EQ(get(u"err.csv"_s), "old");
     EXPECT_EQ(query(u"SELECT count(*) FROM tbl_danka"_s), u"1"_s);
     // Files that cannot be used are told before the question.

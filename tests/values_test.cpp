@@ -31,6 +31,9 @@ TEST(Numbers, ReadsWhatPeopleTypeAndNothingElse) {
     EXPECT_EQ(values::readInt16(u"-32768"), -32768);
     EXPECT_EQ(values::readInt16(u"32767.5"), std::nullopt);
     EXPECT_EQ(values::readMoney(u"2147483648"), std::nullopt);
+    EXPECT_EQ(values::readKeyNumber(u"－１２"), -12);
+    for (const char16_t* wrong : {u"1.5", u"２．０", u"5.", u"32768", u""})
+        EXPECT_EQ(values::readKeyNumber(wrong), std::nullopt) << QString::fromUtf16(wrong).toStdString();
 }
 
 TEST(Numbers, WritesMoneyAndLeavesNamesAlone) {

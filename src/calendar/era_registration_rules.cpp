@@ -51,8 +51,33 @@ store::tbl_nengo typed(const 年号登Form& form) {
             values::readInt16(form.fnen_enen.text).value()};
 }
 
-bool exists(store::Database& database, const 年号登Form& form) {
-    return store::find(database, store::idxnen_nengo, form.fnen_nengo.text).has_value();
+desk::Refusal refusal() {
+    return {title, eraMissing};
+}
+
+std::optional<store::tbl_nengo> namedEra(store::Database& database, const 年号登Form& form) {
+    return store::find(database, store::idxnen_nengo, form.fnen_nengo.text);
+}
+
+// The era of the name box: as the screen shows it, else as the file holds it now. Nothing, with the message, where
+// there is none.
+std::optional<desk::Held<store::tbl_nengo>> addressed(const 年号登Form& form, desk::Desk& desk) {
+    store::Database database;
+    const auto stored = namedEra(database, form);
+    desk::Held<store::tbl_nengo> era;
+    if (form.held && form.held.bears(form.fnen_nengo.text))
+        era = form.held;
+    else if (stored)
+        era.show(*stored);
+    if (desk::refused(stored ? desk::Standing::asRead : desk::Standing::gone, era, refusal(), desk))
+        return {};
+    return era;
+}
+
+void showYears(年号登Form& form, const store::tbl_nengo& era) {
+    form.fnen_snen.text = QString::number(era.tblnen_snen);
+    form.fnen_enen.text = QString::number(era.tblnen_enen);
+    form.held.show(era);
 }
 
 } // namespace
@@ -61,11 +86,11 @@ void showEraOfYear(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) 
     const auto year = values::readInt16(form.fnen_snen.text);
     store::Database database;
     const auto found = year ? eraOfYear(database, *year) : std::nullopt;
+    form.fnen_snen.question = true;
     if (found && found->covers) {
         form.fnen_snen.colour = Colour::black;
         form.fnen_nengo.text = found->era.tblnen_nengo;
-        form.fnen_snen.text = QString::number(found->era.tblnen_snen);
-        form.fnen_enen.text = QString::number(found->era.tblnen_enen);
+        showYears(form, found->era);
         return;
     }
     form.fnen_snen.colour = Colour::darkRed;
@@ -73,19 +98,31 @@ void showEraOfYear(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) 
         form.fnen_nengo.text.clear();
         form.fnen_snen.text = QString::number(*year);
         form.fnen_enen.text.clear();
+        form.held.showNew();
     }
     desk.notify(noEraOfYear, title);
 }
 
 void showYearsOfEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     store::Database database;
-    const auto era = store::find(database, store::idxnen_nengo, form.fnen_nengo.text);
+    const auto era = namedEra(database, form);
     if (!era) {
         desk.notify(eraMissing, title);
         return;
     }
-    form.fnen_snen.text = QString::number(era->tblnen_snen);
-    form.fnen_enen.text = QString::number(era->tblnen_enen);
+    showYears(form, *era);
+}
+
+void openEras(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
+    form.held.showNew();
+}
+
+void showNamedEra(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
+    store::Database database;
+    if (const auto era = namedEra(database, form))
+        showYears(form, *era);
+    else
+        form.held.showNew();
 }
 
 void registerEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -93,43 +130,56 @@ void registerEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     checks.check(!form.fnen_nengo.text.isEmpty(), form.fnen_nengo, u"年号を入力して下さい。"_s);
     if (checks.failed())
         return;
-    store::Database database;
-    checks.check(!exists(database, form), form.fnen_nengo, u"この年号はすでに登録されています。確認して下さい。"_s);
+    const QString duplicate = u"この年号はすでに登録されています。確認して下さい。"_s;
+    {
+        store::Database database;
+        checks.check(!namedEra(database, form), form.fnen_nengo, duplicate);
+    }
     checkYears(form, checks);
     if (checks.failed() || !desk.ask(u"入力ﾃﾞｰﾀで登録します。内容を確認して下さい。"_s, title))
         return;
-    store::Table(database, store::idxnen_nengo).insert(typed(form));
+    const store::tbl_nengo row = typed(form);
+    bool appeared = false;
+    {
+        store::Database database;
+        store::Write write(database);
+        store::Table eras(database, store::idxnen_nengo);
+        appeared = eras.seekKeysOf(row);
+        if (!appeared) {
+            eras.insert(row);
+            write.commit();
+        }
+    }
+    checks.check(!appeared, form.fnen_nengo, duplicate);
+    if (checks.failed())
+        return;
+    form.held.wrote(row);
     desk.notify(u"指定された年号は登録されました。"_s, title);
 }
 
 void changeEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    store::Database database;
-    if (!exists(database, form)) {
-        desk.notify(eraMissing, title);
+    auto era = addressed(form, desk);
+    if (!era)
         return;
-    }
     Checks checks(desk);
     checkYears(form, checks);
     if (checks.failed() || !desk.ask(u"入力ﾃﾞｰﾀで更新します。内容を確認して下さい。"_s, title))
         return;
-    {
-        store::Write write(database);
-        store::remove(database, store::idxnen_nengo, form.fnen_nengo.text);
-        store::Table(database, store::idxnen_nengo).insert(typed(form));
-        write.commit();
-    }
+    store::Database database;
+    if (!desk::change(*era, database, refusal(), desk, [&form](store::tbl_nengo& row) { row = typed(form); }))
+        return;
+    form.held = *era;
     desk.notify(u"指定された年号は更新されました。"_s, title);
 }
 
 void deleteEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    auto era = addressed(form, desk);
+    if (!era || !desk.ask(u"登録内容を削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
+        return;
     store::Database database;
-    if (!exists(database, form)) {
-        desk.notify(eraMissing, title);
+    if (!desk::remove(*era, database, refusal(), desk))
         return;
-    }
-    if (!desk.ask(u"登録内容を削除します。内容を確認して下さい。"_s, title))
-        return;
-    store::remove(database, store::idxnen_nengo, form.fnen_nengo.text);
+    form.held = *era;
     desk.notify(u"指定された年号は削除されました。"_s, title);
 }
 

@@ -18,6 +18,7 @@ struct Control {
     bool first = false;    // asked to come first in the tab order; taken back when it has been moved
     bool keyboard = false; // asked to take the keyboard when the operation ends
     bool whole = false;    // its text is then chosen whole, so that typing replaces it
+    bool question = false; // what was typed into it asked for the record now shown: it is not kept as unsaved
 
     void moveToFront() { first = keyboard = true; }
 };

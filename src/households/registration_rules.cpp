@@ -23,12 +23,8 @@ struct Numbers {
 };
 
 std::optional<Numbers> numbersOf(const 檀家登Form& form) {
-    const auto number = [](const QString& text) {
-        // A number that names a household is never rounded.
-        return text.contains(u'.') || text.contains(u'．') ? std::nullopt : values::readInt16(text);
-    };
-    const auto no1 = number(form.frm01_no.text);
-    const auto no2 = number(form.frm01_eno.text);
+    const auto no1 = values::readKeyNumber(form.frm01_no.text);
+    const auto no2 = values::readKeyNumber(form.frm01_eno.text);
     if (!no1 || !no2)
         return {};
     return Numbers{*no1, *no2};

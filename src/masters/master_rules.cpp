@@ -28,10 +28,58 @@ template <class Use> void walk(store::Database& database, Category category, Use
     }
 }
 
+desk::Refusal refusal() {
+    return {title, u"指定された名称は登録されていません。"_s};
+}
+
 Category chosen(const マスター登Form& form) {
     if (form.地区.chosen)
         return Category::地区;
     return form.場所.chosen ? Category::場所 : Category::続柄;
+}
+
+QString captionOf(Category category) {
+    switch (category) {
+    case Category::続柄:
+        return u"続柄"_s;
+    case Category::地区:
+        return u"地区"_s;
+    case Category::場所:
+        return u"場所"_s;
+    }
+    return {};
+}
+
+// The number in the box, which must be whole and at least 1.
+std::optional<std::int16_t> typedNumber(const マスター登Form& form) {
+    const auto no = values::readKeyNumber(form.登録NO.text);
+    return no && *no >= 1 ? no : std::nullopt;
+}
+
+void checkNumber(マスター登Form& form, desk::SaveAttempt& attempt) {
+    attempt.check(typedNumber(form).has_value(), form.登録NO, u"登録NOに正しく入力してください"_s);
+}
+
+// The entry that category and number name: as the screen shows it, else as the file holds it now; a new one where there
+// is none.
+desk::Held<store::マスタ> addressed(const マスター登Form& form, std::int16_t no) {
+    store::Database database;
+    desk::Held<store::マスタ> entry;
+    const auto stored = store::find(database, store::key_マスタ, number(chosen(form)), no);
+    const bool shown = form.held && form.held.bears(number(chosen(form)), no);
+    // One that another register does not have is no new one.
+    if (shown && (stored || form.held.registerReplaced()))
+        entry = form.held;
+    else if (stored)
+        entry.show(*stored);
+    return entry;
+}
+
+void show(マスター登Form& form, const store::マスタ& entry) {
+    form.登録NO.text = QString::number(entry.マ_NO);
+    form.登録名称.text = entry.マ_名称;
+    form.登録略称.text = entry.マ_略称;
+    form.held.show(entry);
 }
 
 void fillGrid(store::Database& database, マスター登Form& form) {
@@ -85,8 +133,21 @@ void chooseCategory(マスター登Form& form, desk::ScreenContext&, desk::Desk&
     for (desk::Text* box : {&form.登録NO, &form.登録名称, &form.登録略称})
         box->text.clear();
     form.マスタ一.rows.clear();
+    form.held.showNew(captionOf(chosen(form)));
     store::Database database;
     fillGrid(database, form);
+}
+
+void showNamedEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const QString typed = form.登録NO.text;
+    chooseCategory(form, context, desk);
+    form.登録NO.text = typed;
+    const auto no = typedNumber(form);
+    store::Database database;
+    const auto entry =
+        no ? store::find(database, store::key_マスタ, number(chosen(form)), *no) : std::optional<store::マスタ>();
+    if (entry)
+        show(form, *entry);
 }
 
 void pickEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -99,41 +160,59 @@ void pickEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& desk
     store::Database database;
     const auto entry = store::find(database, store::key_マスタ, form.マスタ一.cell(clicked, 0).toInt(), no.toInt());
     if (!entry) {
-        desk.notify(u"指定された名称は登録されていません。"_s, title);
+        desk.notify(refusal().gone, title);
         return;
     }
     form.マスタ一.highlighted = clicked;
-    form.登録NO.text = QString::number(entry->マ_NO);
-    form.登録名称.text = entry->マ_名称;
-    form.登録略称.text = entry->マ_略称;
+    show(form, *entry);
 }
 
 void saveEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    const auto no = values::readInt16(form.登録NO.text);
     desk::SaveAttempt attempt(context);
-    attempt.check(no.has_value(), form.登録NO, u"登録NOに正しく入力してください"_s);
+    checkNumber(form, attempt);
     attempt.required(form.登録名称, u"登録名称に入力してください"_s);
     attempt.required(form.登録略称, u"登録略称に入力してください"_s);
-    if (attempt.reported(desk, title) || !desk.ask(u"入力内容で更新します。"_s, title))
+    if (attempt.reported(desk, title))
+        return;
+    const store::マスタ row{number(chosen(form)), typedNumber(form).value(), form.登録名称.text, form.登録略称.text};
+    auto entry = addressed(form, row.マ_NO);
+    if (!desk.ask(u"入力内容で更新します。"_s, title))
         return;
     store::Database database;
-    const store::マスタ row{number(chosen(form)), *no, form.登録名称.text, form.登録略称.text};
-    if (!store::change(
-            database, store::key_マスタ, [&row](store::マスタ& stored) { stored = row; }, row.マ_区分, row.マ_NO))
-        store::Table(database, store::key_マスタ).insert(row);
+    if (entry.isNew()) {
+        bool appeared = false;
+        {
+            store::Write write(database);
+            store::Table entries(database, store::key_マスタ);
+            appeared = entries.seekKeysOf(row);
+            if (!appeared) {
+                entries.insert(row);
+                write.commit();
+            }
+        }
+        if (desk::refused(appeared ? desk::Standing::changed : desk::Standing::asRead, entry, refusal(), desk))
+            return;
+        entry.wrote(row);
+    } else if (!desk::change(entry, database, refusal(), desk, [&row](store::マスタ& stored) { stored = row; })) {
+        return;
+    }
+    form.held = entry;
     desk.notify(u"名称は更新(登録)されました。"_s, title);
     fillGrid(database, form);
 }
 
-void deleteEntry(マスター登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    if (!desk.ask(u"入力内容を削除します。"_s, title))
+void deleteEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    desk::SaveAttempt attempt(context);
+    checkNumber(form, attempt);
+    if (attempt.reported(desk, title))
         return;
-    const auto no = values::readInt16(form.登録NO.text);
+    auto entry = addressed(form, typedNumber(form).value());
+    if (!desk.ask(u"入力内容を削除します。"_s, title, desk::Preset::no))
+        return;
     store::Database database;
-    if (!no || !store::remove(database, store::key_マスタ, number(chosen(form)), *no)) {
-        desk.notify(u"指定された名称は登録されていません。"_s, title);
+    if (!desk::remove(entry, database, refusal(), desk))
         return;
-    }
+    form.held = entry;
     desk.notify(u"表示内容は削除されました。"_s, title);
     fillGrid(database, form);
 }

@@ -13,17 +13,21 @@ std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
     auto& form = screen->form();
     const ui::Operation choose = screen->run(chooseCategory);
     ui::Layout layout(*screen);
-    layout.frame().row().options(u"Frame1"_s, u"マスター種類"_s,
-                                 {{HOSHIREN_CONTROL(form, 続柄), u"続柄"_s},
-                                  {HOSHIREN_CONTROL(form, 地区), u"地区"_s},
-                                  {HOSHIREN_CONTROL(form, 場所), u"場所"_s}},
-                                 choose);
+    layout.frame()
+        .row()
+        .options(u"Frame1"_s, u"マスター種類"_s,
+                 {{HOSHIREN_CONTROL(form, 続柄), u"続柄"_s},
+                  {HOSHIREN_CONTROL(form, 地区), u"地区"_s},
+                  {HOSHIREN_CONTROL(form, 場所), u"場所"_s}},
+                 choose)
+        .namesRecord(3);
     layout.frame()
         .row(u"マスター一覧"_s, u"Label1"_s)
         .grid(HOSHIREN_CONTROL(form, マスタ一), {.clicked = screen->run(pickEntry)}, 12);
     layout.frame()
         .row(u"登録NO"_s)
         .number(HOSHIREN_CONTROL(form, 登録NO), 4)
+        .namesRecord()
         .row(u"登録名称"_s)
         .text(HOSHIREN_CONTROL(form, 登録名称), 20)
         .row(u"登録略称"_s)
@@ -33,6 +37,7 @@ std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
         .action(u"削除"_s, u"削除"_s, screen->run(deleteEntry))
         .closing();
     screen->onOpen(screen->run(openMasters));
+    screen->showsHeld({.lookUp = screen->run(showNamedEntry)});
     return screen;
 }
 

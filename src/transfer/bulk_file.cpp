@@ -42,14 +42,14 @@ ExportFile::ExportFile(const QString& path) : file_(path) {
         fail();
 }
 
-bool ExportFile::write(std::span<const QString> fields) {
-    const bool referred = appendRecord(bytes_, fields);
+Altered ExportFile::write(std::span<const QString> fields) {
+    const Altered altered = appendRecord(bytes_, fields);
     if (bytes_.size() >= bufferSize) {
         if (file_.write(bytes_) != bytes_.size())
             fail();
         bytes_.resize(0);
     }
-    return referred;
+    return altered;
 }
 
 void ExportFile::commit() {

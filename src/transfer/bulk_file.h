@@ -26,8 +26,7 @@ class ExportFile {
   public:
     explicit ExportFile(const QString& path);
 
-    // True when a character reference had to be written.
-    bool write(std::span<const QString> fields);
+    Altered write(std::span<const QString> fields);
     void commit();
 
   private:

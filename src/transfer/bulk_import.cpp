@@ -21,6 +21,11 @@ bool refusedIf(bool wrong, const QString& message, const QString& title, desk::D
     return wrong;
 }
 
+Stored rejected(BulkRecord& record, const QString& message, std::initializer_list<int> numbers) {
+    record.reject(message, numbers);
+    return Stored::rejected;
+}
+
 namespace {
 
 constexpr int fieldCount = 17;
@@ -57,7 +62,7 @@ class Run {
         if (!record.rejected())
             target_->check(record);
         if (!record.rejected())
-            target_->store(record);
+            reading_.changed += target_->store(record) == Stored::asChange;
         if (record.rejected()) {
             ++reading_.rejected;
             errors_.write(record.errorLine(job_.errorFields));
@@ -65,9 +70,7 @@ class Run {
     }
 
     int percent() const { return size_ > 0 ? static_cast<int>(reader_.bytesRead() * 100 / size_) : 100; }
-    QString status() const {
-        return u"登録 %1 件　エラー %2 件"_s.arg(counts_.read - counts_.rejected).arg(counts_.rejected);
-    }
+    QString status() const { return u"登録 %1 件　エラー %2 件"_s.arg(counts_.stored()).arg(counts_.rejected); }
 
     const ImportJob& job_;
     ErrorFile& errors_;
@@ -90,6 +93,16 @@ QString report(const ImportJob& job, const ImportCounts& counts) {
 bool numberLeft(const QString& kind) {
     store::Database database;
     return desk::Counter(database, kind).propose().has_value();
+}
+
+// Whether the register holds anything that the office has entered.
+bool inUse() {
+    store::Database database;
+    return database.engine()
+               .execAndGet("SELECT EXISTS (SELECT 1 FROM tbl_danka) OR EXISTS (SELECT 1 FROM tbl_kazoku) OR "
+                           "EXISTS (SELECT 1 FROM tbl_kakocho) OR EXISTS (SELECT 1 FROM tbl_ohaka) OR "
+                           "EXISTS (SELECT 1 FROM tbl_hohyo)")
+               .getInt() != 0;
 }
 
 } // namespace
@@ -124,9 +137,9 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
         desk.notify(desk::noNumberLeft, job.title);
         return {};
     }
-    if (!job.question.isEmpty() && !desk.ask(job.question, job.title))
+    if (!job.question.isEmpty() && !desk.ask(job.question, job.title, desk::Preset::no))
         return {};
-    if (!job.emptyingTable.empty() && !desk::copyBefore(desk, job.title))
+    if (inUse() && !desk::copyBefore(desk, job.title))
         return {};
 
     store::Database database;
@@ -145,11 +158,12 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
     } catch (const std::exception& failure) {
         throw store::Error(0, store::explain(failure) +
                                   u"\n\n%1 件目までは処理済みです（登録 %2 件、エラー %3 件）。"_s.arg(counts.read)
-                                      .arg(counts.read - counts.rejected)
+                                      .arg(counts.stored())
                                       .arg(counts.rejected));
     }
     desk.notify((complete ? QString() : u"途中で中止しました。\n"_s) + report(job, counts), job.title,
                 desk::Icon::none);
+    desk.inform(u"新しい記録 %1 件、書き換えた記録 %2 件"_s.arg(counts.stored() - counts.changed).arg(counts.changed));
     return counts;
 }
 

@@ -25,14 +25,33 @@ bool refusedIf(bool wrong, const QString& message, const QString& title, desk::D
 struct ImportCounts {
     int read = 0;
     int rejected = 0;
+    int changed = 0; // of a row that was there; the others that were not rejected are new
+
+    int stored() const { return read - rejected; }
 };
+
+// What became of a record.
+enum class Stored { rejected, asNew, asChange };
+
+// Rejects the record.
+Stored rejected(BulkRecord& record, const QString& message, std::initializer_list<int> numbers);
+
+// Rewrites the table's current row; rejects the record where what the row holds cannot be read and would be lost.
+template <class Table, class Row> Stored rewritten(Table& table, const Row& row, BulkRecord& record) {
+    try {
+        table.edit(row);
+    } catch (const store::Error& unreadable) {
+        return rejected(record, unreadable.message(), {});
+    }
+    return Stored::asChange;
+}
 
 // What one import checks and stores; lives on the import's connection. Both reject the records that they do not accept.
 class ImportTarget {
   public:
     virtual ~ImportTarget() = default;
-    virtual void check(BulkRecord& record) = 0; // writes nothing
-    virtual void store(BulkRecord& record) = 0; // a rejected record has written nothing
+    virtual void check(BulkRecord& record) = 0;   // writes nothing
+    virtual Stored store(BulkRecord& record) = 0; // a rejected record has written nothing
     virtual void settle() = 0; // before each commit: writes the counter, ends every read that is still open
 };
 
@@ -68,7 +87,9 @@ struct ImportJob {
 // Runs the import and reports it under the title. Records are read, checked and stored one after the other; a rejected
 // one goes to the error file at once. What the progress counts as stored is stored: neither a cancel nor the end of the
 // process takes it back, and what is stored is always the beginning of the accepted records.
-// Before a table is emptied the register is copied (desk::copyBefore).
+// The bar then tells how many records were new and how many changed one that was there.
+// A register that holds anything is copied first (desk::copyBefore). The question whether to empty a table is answered
+// No unless the user chooses otherwise.
 // Nothing on No, and, with a message, when no number is left to issue after emptying or when input, error file and
 // register are not different files. Throws store::Error when a file cannot be used or the register fails: where that
 // happens before the first record, the files and the table are as they were; later, the message says how many records

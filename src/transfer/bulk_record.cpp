@@ -17,6 +17,10 @@ namespace {
 
 constexpr qint64 blockSize = qint64{256} * 1024;
 constexpr qsizetype longestLine = 1 << 20; // bytes kept of a record; what is longer is no register's file
+// Lines looked at behind a quotation mark that is not closed on its own line.
+constexpr std::size_t mostLinesOfRecord = 64;
+constexpr char fileEnd = '\x1A'; // ^Z, with which old programs end a text file, or fill its last block
+constexpr qsizetype mostFileEnds = 4096;
 constexpr auto byteOrderMark = "\xEF\xBB\xBF"_L1;
 constexpr QChar undecodable = QChar::ReplacementCharacter;
 constexpr QChar missingGlyph = u'〓'; // what a Japanese printer sets for a character he does not have
@@ -100,31 +104,31 @@ void appendReference(QByteArray& bytes, char32_t character) {
     bytes += "&#x" + QByteArray::number(static_cast<qulonglong>(character), 16).toUpper() + ';';
 }
 
-bool appendField(QByteArray& bytes, QStringView field) {
-    bool referred = false;
+void appendField(QByteArray& bytes, QStringView field, Altered& altered) {
     const auto refer = [&](char32_t character) {
         appendReference(bytes, character);
-        referred = true;
+        altered.referred = true;
     };
     bytes += '"';
     for (qsizetype at = 0; at < field.size(); ++at) {
         const QChar c = field[at];
+        const char16_t written = lookAlike(c.unicode());
         if (c == u'"') {
             bytes += "\"\"";
         } else if (c == u'\r' || c == u'\n' || (c == u'&' && referenceAt(field.sliced(at)).length > 0)) {
             refer(c.unicode());
         } else if (c.isHighSurrogate() && at + 1 < field.size() && field[at + 1].isLowSurrogate()) {
             refer(QChar::surrogateToUcs4(c, field[++at]));
-        } else if (const auto held = cp932::encode(lookAlike(c.unicode()))) {
+        } else if (const auto held = cp932::encode(written)) {
             if (*held > 0xFF)
                 bytes += static_cast<char>(*held >> 8);
             bytes += static_cast<char>(*held & 0xFF);
+            altered.lookAlikes += written != c.unicode();
         } else {
             refer(c.isSurrogate() ? undecodable.unicode() : c.unicode());
         }
     }
     bytes += '"';
-    return referred;
 }
 
 } // namespace
@@ -146,12 +150,7 @@ bool BulkRecord::rejectEmpty(int number, const QString& message) {
 
 std::optional<std::int16_t> BulkRecord::number(int number) const {
     const QString& text = field(number);
-    if (text.isEmpty())
-        return std::int16_t{0};
-    // A number that names a row is never rounded.
-    if (text.contains(u'.') || text.contains(u'．'))
-        return {};
-    return values::readInt16(text);
+    return text.isEmpty() ? std::int16_t{0} : values::readKeyNumber(text);
 }
 
 std::vector<QString> BulkRecord::errorLine(std::span<const int> numbers) const {
@@ -171,84 +170,167 @@ bool BulkReader::next(BulkRecord& record) {
     record.error.clear();
     record.marked.clear();
     record.fields.clear();
-    if (!readLine())
+    if (!takeLine()) {
+        bytesRead_ = consumed_ + at_;
         return false;
-    const bool decoded = decodeLine();
-    int count = 0;
-    int unmatched = 0;
-    split(record, count, unmatched);
-    record.fields.resize(static_cast<std::size_t>(fieldCount_));
-    if (!decoded) {
-        record.reject(u"文字コードに誤りがあります"_s, {});
+    }
+    Shape shape = parse(line_.bytes, record);
+    const bool joined = joinLines(record, shape);
+    bytesRead_ = line_.end;
+    const auto markFieldsWith = [this, &record](QChar wrong) {
         for (int number = 1; number <= fieldCount_; ++number) {
-            QString& field = record.fields[static_cast<std::size_t>(number - 1)];
-            if (field.contains(undecodable))
+            if (record.field(number).contains(wrong))
                 record.marked.push_back(number);
-            field.replace(undecodable, missingGlyph);
         }
-    } else if (count != fieldCount_ || overlong_) {
+    };
+    if (!shape.decoded) {
+        record.reject(u"文字コードに誤りがあります"_s, {});
+        markFieldsWith(undecodable);
+        for (QString& field : record.fields)
+            field.replace(undecodable, missingGlyph);
+    } else if (shape.count != fieldCount_ || line_.overlong) {
         record.reject(u"項目数に誤りがあります"_s, {});
-    } else if (unmatched > 0) {
-        record.reject(u"引用符に誤りがあります"_s, {unmatched});
+    } else if (shape.wrong > 0) {
+        record.reject(u"引用符に誤りがあります"_s, {shape.lastWrong});
+    } else if (joined) {
+        record.reject(u"項目の中に改行があります"_s, {});
+        markFieldsWith(u'\n');
     }
     return true;
 }
 
-// Takes the bytes of the next line, without its end, into line_. A byte of value CR or LF is a line end wherever it
-// stands: neither ends a character of two bytes.
-bool BulkReader::readLine() {
-    line_.resize(0);
-    overlong_ = false;
-    bool some = false;
-    while (at_ < block_.size() || fill()) {
-        if (std::exchange(afterCr_, false) && block_[at_] == '\n') {
-            ++at_;
-            continue;
+BulkReader::Shape BulkReader::parse(QByteArrayView bytes, BulkRecord& record) {
+    const bool decoded = decode(bytes);
+    record.fields.clear();
+    Shape shape = split(record);
+    shape.decoded = decoded;
+    record.fields.resize(static_cast<std::size_t>(fieldCount_));
+    return shape;
+}
+
+// Where a field is open at the end of line_, the lines that follow may be the rest of it. They are taken for that when
+// they make the record complete; a line that is a record by itself is not swallowed by a quotation mark too many.
+bool BulkReader::joinLines(BulkRecord& record, Shape& shape) {
+    if (!shape.open || shape.wrong > 1 || shape.count > fieldCount_ || line_.overlong)
+        return false;
+    QByteArray bytes = line_.bytes;
+    for (std::size_t more = 0; more < mostLinesOfRecord; ++more) {
+        if (more == ahead_.size()) {
+            Line following;
+            if (!readLine(following))
+                return false;
+            ahead_.push_back(std::move(following));
         }
+        const Line& following = ahead_[more];
+        bytes += '\n';
+        bytes += following.bytes;
+        if (following.overlong || bytes.size() > longestLine)
+            return false;
+        BulkRecord whole;
+        const Shape joined = parse(bytes, whole);
+        if (complete(joined)) {
+            record.fields = std::move(whole.fields);
+            shape = joined;
+            line_.end = following.end;
+            ahead_.erase(ahead_.begin(), ahead_.begin() + static_cast<std::ptrdiff_t>(more) + 1);
+            return true;
+        }
+        BulkRecord alone;
+        if (!joined.open || joined.wrong > 1 || complete(parse(following.bytes, alone)))
+            return false;
+    }
+    return false;
+}
+
+// The next line into line_; false at the end.
+bool BulkReader::takeLine() {
+    if (ahead_.empty())
+        return readLine(line_);
+    line_ = std::move(ahead_.front());
+    ahead_.pop_front();
+    return true;
+}
+
+// Takes the bytes of the next line, without its end; false at the end of the file, where a last line of nothing but
+// blanks is none. A byte of value CR or LF is a line end wherever it stands: neither
+// ends a character of two bytes.
+bool BulkReader::readLine(Line& line) {
+    line.bytes.resize(0);
+    line.overlong = false;
+    bool some = false;
+    bool ended = false;
+    while (!ended && !atEnd()) {
         some = true;
         const char* const begin = block_.constData() + at_;
         const char* const end = block_.constData() + block_.size();
         const char* const stop = std::find_if(begin, end, [](char c) { return c == '\r' || c == '\n'; });
         const qsizetype length = stop - begin;
-        const qsizetype kept = std::min(length, longestLine - line_.size());
-        overlong_ = overlong_ || kept < length;
-        line_.append(begin, kept);
+        const qsizetype kept = std::min(length, longestLine - line.bytes.size());
+        line.overlong = line.overlong || kept < length;
+        line.bytes.append(begin, kept);
         at_ += length;
-        if (stop != end) {
+        ended = stop != end;
+        if (ended) {
             afterCr_ = *stop == '\r';
             ++at_;
-            return true;
         }
     }
-    return some;
+    line.end = consumed_ + at_;
+    const bool blank = std::ranges::all_of(line.bytes, [](char c) { return isBlank(QLatin1Char(c)); });
+    return some && !(blank && atEnd());
 }
 
-bool BulkReader::fill() {
-    consumed_ += block_.size();
-    at_ = 0;
-    block_.resize(blockSize);
-    const qint64 got = device_.read(block_.data(), blockSize);
-    block_.resize(std::max<qint64>(got, 0));
-    if (got < 0)
-        throw store::Error(
-            0, u"入力ファイルを最後まで読めません。ファイルを確認して下さい。\n\n（%1）"_s.arg(device_.errorString()));
-    if (!std::exchange(started_, true) && block_.startsWith(byteOrderMark)) {
-        utf8_ = true;
-        at_ = byteOrderMark.size();
+// Whether nothing follows. An LF that belongs to the line end before is passed over.
+bool BulkReader::atEnd() {
+    while (at_ < block_.size() || fill()) {
+        if (!std::exchange(afterCr_, false) || block_[at_] != '\n')
+            return false;
+        ++at_;
     }
-    // A block may hold nothing but the mark.
-    return at_ < block_.size() || (!block_.isEmpty() && fill());
+    return true;
 }
 
-// Decodes line_ into text_; what cannot be decoded becomes U+FFFD. A NUL is no text: files of other encodings have it.
-bool BulkReader::decodeLine() {
+// Reads the next block, which holds something, or gives false. ^Z at the end of a block wait for what follows: at the
+// end of the file they go.
+bool BulkReader::fill() {
+    do {
+        consumed_ += block_.size();
+        at_ = 0;
+        block_.resize(waitingEnds_ + blockSize);
+        std::fill_n(block_.data(), waitingEnds_, fileEnd);
+        const qint64 got = device_.read(block_.data() + waitingEnds_, blockSize);
+        if (got < 0)
+            throw store::Error(0, u"入力ファイルを最後まで読めません。ファイルを確認して下さい。\n\n（%1）"_s.arg(
+                                      device_.errorString()));
+        if (got == 0) {
+            block_.resize(0);
+            consumed_ += std::exchange(waitingEnds_, 0);
+            return false;
+        }
+        block_.resize(waitingEnds_ + got);
+        waitingEnds_ = 0;
+        while (waitingEnds_ < std::min(mostFileEnds, block_.size()) &&
+               block_[block_.size() - 1 - waitingEnds_] == fileEnd)
+            ++waitingEnds_;
+        block_.chop(waitingEnds_);
+        if (!std::exchange(started_, true) && block_.startsWith(byteOrderMark)) {
+            utf8_ = true;
+            at_ = byteOrderMark.size();
+        }
+    } while (at_ == block_.size());
+    return true;
+}
+
+// Decodes the bytes into text_; what cannot be decoded becomes U+FFFD. A NUL is no text: files of other encodings have
+// it.
+bool BulkReader::decode(QByteArrayView bytes) {
     bool good = true;
     if (utf8_) {
-        text_ = QString::fromUtf8(line_);
-        good = line_.isValidUtf8();
+        text_ = QString::fromUtf8(bytes);
+        good = bytes.isValidUtf8();
     } else {
         text_.resize(0);
-        good = cp932::decode(line_, text_);
+        good = cp932::decode(bytes, text_);
     }
     if (text_.contains(QChar(u'\0'))) {
         text_.replace(QChar(u'\0'), undecodable);
@@ -257,13 +339,13 @@ bool BulkReader::decodeLine() {
     return good;
 }
 
-// Splits text_ into fields; gives how many there are and the number of the last one whose quotation marks are wrong, 0
-// when none is. Fields beyond the layout's are counted, not kept.
-void BulkReader::split(BulkRecord& record, int& count, int& unmatched) {
+// Splits text_ into fields. Those beyond the layout's are counted, not kept.
+BulkReader::Shape BulkReader::split(BulkRecord& record) const {
+    Shape shape;
     const QStringView line = text_;
     const bool referring = line.contains("&#"_L1);
     for (qsizetype at = 0; at >= 0;) {
-        ++count;
+        ++shape.count;
         while (at < line.size() && isBlank(line[at]))
             ++at;
         QString field;
@@ -285,11 +367,14 @@ void BulkReader::split(BulkRecord& record, int& count, int& unmatched) {
         const qsizetype comma = line.indexOf(u',', at);
         const QStringView rest = withoutBlanks(comma < 0 ? line.sliced(at) : line.sliced(at, comma - at));
         // Behind a closing quotation mark nothing may follow.
-        if (quoted && (!closed || !rest.isEmpty()))
-            unmatched = count;
+        if (quoted && (!closed || !rest.isEmpty())) {
+            ++shape.wrong;
+            shape.lastWrong = shape.count;
+        }
+        shape.open = quoted && !closed;
         if (!rest.isEmpty())
             field += rest;
-        if (count <= fieldCount_) {
+        if (shape.count <= fieldCount_) {
             if (referring)
                 readReferencesBack(field);
             // An empty field is a null text, which leaves absent texts of a row absent.
@@ -297,17 +382,18 @@ void BulkReader::split(BulkRecord& record, int& count, int& unmatched) {
         }
         at = comma < 0 ? -1 : comma + 1;
     }
+    return shape;
 }
 
-bool appendRecord(QByteArray& bytes, std::span<const QString> fields) {
-    bool referred = false;
+Altered appendRecord(QByteArray& bytes, std::span<const QString> fields) {
+    Altered altered;
     for (const QString& field : fields) {
         if (&field != fields.data())
             bytes += ',';
-        referred = appendField(bytes, field) || referred;
+        appendField(bytes, field, altered);
     }
     bytes += "\r\n";
-    return referred;
+    return altered;
 }
 
 } // namespace transfer

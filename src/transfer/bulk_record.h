@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <deque>
 #include <initializer_list>
 #include <optional>
 #include <span>
@@ -34,40 +35,71 @@ struct BulkRecord {
 
 // Reads records from a device open for reading. The text is decoded strictly, as the Windows Japanese code page or,
 // behind a byte-order mark, as UTF-8. A record ends at its line end (CR LF, LF or CR) whatever its quotes; an empty
-// line is a record. Fields in quotation marks hold commas and doubled quotation marks, others lose the blanks around
-// them; character references (&#x20BB7;) are read back in both.
+// line is a record, but not the last one of the file. Fields in quotation marks hold commas and doubled quotation
+// marks, others lose the blanks around them; character references (&#x20BB7;) are read back in both. ^Z at the end of
+// the file is no part of it.
 class BulkReader {
   public:
     BulkReader(QIODevice& device, int fieldCount);
 
     // Reads the next record; false at the end. A record with undecodable bytes, with another number of fields, or with
-    // quotation marks that do not match comes out rejected. Throws store::Error when the device fails.
+    // quotation marks that do not match comes out rejected. Lines that only together make a record, because there is a
+    // line break between its quotation marks, come out as one rejected record. Throws store::Error when the device
+    // fails.
     bool next(BulkRecord& record);
 
-    qint64 bytesRead() const { return consumed_ + at_; }
+    // To the end of the last record read; of the file after the last one.
+    qint64 bytesRead() const { return bytesRead_; }
 
   private:
-    bool readLine();
+    struct Line {
+        QByteArray bytes;
+        bool overlong = false;
+        qint64 end = 0; // its place in the file
+    };
+    // How the text of a record fell into fields.
+    struct Shape {
+        int count = 0;
+        int wrong = 0;     // fields whose quotation marks are wrong
+        int lastWrong = 0; // number of the last one
+        bool open = false; // the last field's quotation mark is not closed
+        bool decoded = false;
+    };
+
+    bool atEnd();
     bool fill();
-    bool decodeLine();
-    void split(BulkRecord& record, int& count, int& unmatched);
+    bool readLine(Line& line);
+    bool takeLine();
+    Shape parse(QByteArrayView bytes, BulkRecord& record);
+    bool complete(const Shape& shape) const { return shape.count == fieldCount_ && shape.wrong == 0; }
+    bool joinLines(BulkRecord& record, Shape& shape);
+    bool decode(QByteArrayView bytes);
+    Shape split(BulkRecord& record) const;
 
     QIODevice& device_;
     const int fieldCount_;
     QByteArray block_;
-    qsizetype at_ = 0;    // next byte of the block
-    qint64 consumed_ = 0; // bytes of the blocks before
-    QByteArray line_;
+    qsizetype at_ = 0;          // next byte of the block
+    qint64 consumed_ = 0;       // bytes of the blocks before
+    qsizetype waitingEnds_ = 0; // ^Z read, which may be the end
+    Line line_;
+    std::deque<Line> ahead_; // lines read behind it
+    qint64 bytesRead_ = 0;
     QString text_;
     bool utf8_ = false;
     bool started_ = false;
     bool afterCr_ = false; // the last line ended with CR: an LF that follows belongs to it
-    bool overlong_ = false;
+};
+
+// What a bulk file holds otherwise than the register does.
+struct Altered {
+    bool referred = false; // a character was written as a reference
+    int lookAlikes = 0;    // characters written as the one that the code page holds in their place
 };
 
 // Appends one record to the bytes of a bulk file: every field in quotation marks, CR LF at the end. Five characters
 // that the code page holds under another code point are written as that one; others that it does not hold, line breaks,
-// and what looks like a character reference are written as references. True when a reference was written.
-bool appendRecord(QByteArray& bytes, std::span<const QString> fields);
+// and what looks like a character reference are written as references.
+Altered appendRecord(QByteArray& bytes, std::span<const QString> fields);
 
 } // namespace transfer

@@ -124,7 +124,8 @@ GraveImport::GraveImport(store::Database& database, GraveImportMode mode, QDate 
 
 // The grave that a record of this place belongs to. A place may have several rows, a live one and disposed ones: the
 // record is that of a row of its own disposal state, and of several such of one that no record of this file has changed
-// yet.
+// yet. An update never takes a row that this file brought for the row of another of its records: neither one that it
+// inserted, nor one that it changed to the other state.
 std::optional<store::tbl_ohaka> GraveImport::graveAt(const BulkRecord& record) {
     const QString& section = record.field(1);
     const QString& lot = record.field(2);
@@ -135,7 +136,10 @@ std::optional<store::tbl_ohaka> GraveImport::graveAt(const BulkRecord& record) {
         if (row.tblhak_banchi1 != section || row.tblhak_banchi2 != lot)
             break;
         const bool sameState = (row.tblhak_haiki_kbn == disposed) == (disposalFlag(record) == disposed);
-        const int rank = (sameState ? 0 : 2) + (written_.contains(row.tblhak_no) ? 1 : 0);
+        const bool changed = changed_.contains(row.tblhak_no);
+        if (mode_ == GraveImportMode::update && (inserted_.contains(row.tblhak_no) || (changed && !sameState)))
+            continue;
+        const int rank = (sameState ? 0 : 2) + (changed ? 1 : 0);
         if (!best || rank < bestRank) {
             best = row;
             bestRank = rank;
@@ -144,17 +148,17 @@ std::optional<store::tbl_ohaka> GraveImport::graveAt(const BulkRecord& record) {
     return best;
 }
 
-void GraveImport::StoreGraveRecord(BulkRecord& record) {
+Stored GraveImport::StoreGraveRecord(BulkRecord& record) {
     std::optional<store::tbl_ohaka> found;
     if (mode_ != GraveImportMode::afterEmptying)
         found = graveAt(record);
     if (found && mode_ == GraveImportMode::reject)
-        return record.reject(u"同一区画+整理番号が存在します"_s, {1, 2});
+        return rejected(record, u"同一区画+整理番号が存在します"_s, {1, 2});
     const auto number = found ? found->tblhak_no : counter_.next();
     if (!number)
-        return record.reject(desk::noNumberLeft, {});
+        return rejected(record, desk::noNumberLeft, {});
     if (!found && graves_.seek(store::Seek::equal, *number))
-        return record.reject(u"指定されたお墓番号は既に登録されています"_s, {});
+        return rejected(record, u"指定されたお墓番号は既に登録されています"_s, {});
 
     store::tbl_ohaka row = found.value_or(store::tbl_ohaka());
     const auto take = [&record](QDate& date, int field) {
@@ -191,11 +195,14 @@ void GraveImport::StoreGraveRecord(BulkRecord& record) {
     if (!found) {
         graves_.insert(row);
         counter_.used(*number);
-        return;
+        inserted_.insert(*number);
+        return Stored::asNew;
     }
     graves_.seek(store::Seek::equal, *number);
-    graves_.edit(row);
-    written_.insert(*number);
+    const Stored stored = rewritten(graves_, row, record);
+    if (stored == Stored::asChange)
+        changed_.insert(*number);
+    return stored;
 }
 
 void GraveImport::settle() {

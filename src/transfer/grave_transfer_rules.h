@@ -46,12 +46,12 @@ class GraveImport : public ImportTarget {
     GraveImport(store::Database& database, GraveImportMode mode, QDate today);
 
     void check(BulkRecord& record) override { CheckGraveRecord(record); }
-    void store(BulkRecord& record) override { StoreGraveRecord(record); }
+    Stored store(BulkRecord& record) override { return StoreGraveRecord(record); }
     void settle() override;
 
     // Writes a record that has passed its check; a new grave with the next number. Rejects one whose place is there, or
     // for which no number is left.
-    void StoreGraveRecord(BulkRecord& record);
+    Stored StoreGraveRecord(BulkRecord& record);
 
   private:
     std::optional<store::tbl_ohaka> graveAt(const BulkRecord& record);
@@ -61,7 +61,8 @@ class GraveImport : public ImportTarget {
     store::Table<store::tbl_ohaka, QString, QString> places_;
     store::Table<store::tbl_ohaka, std::int16_t> graves_;
     ImportCounter counter_;
-    QSet<std::int16_t> written_; // graves that this import has changed
+    QSet<std::int16_t> inserted_; // numbers of the graves that this import has brought
+    QSet<std::int16_t> changed_;  // and of those that it has changed
 };
 
 // The button 確定 of both screens.

@@ -115,7 +115,7 @@ HouseholdImport::HouseholdImport(store::Database& database, HouseholdOptions opt
     : database_(database), options_(options), today_(today), households_(database, store::idxdnk_no),
       counter_(database, u"檀家"_s) {}
 
-void HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
+Stored HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
     std::int16_t no1 = 0;
     std::int16_t no2 = 0;
     bool found = false;
@@ -124,11 +124,11 @@ void HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
         no2 = record.number(2).value_or(0);
         found = households_.seek(store::Seek::equal, no1, no2);
         if (found && !options_.update)
-            return record.reject(u"同一檀家番号が存在します"_s, {1, 2});
+            return rejected(record, u"同一檀家番号が存在します"_s, {1, 2});
     } else if (const auto number = counter_.next()) {
         no1 = *number;
     } else {
-        return record.reject(desk::noNumberLeft, {1});
+        return rejected(record, desk::noNumberLeft, {1});
     }
 
     store::tbl_danka row;
@@ -153,16 +153,17 @@ void HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
     row.tbldnk_oyano = std::int16_t{0};
     row.tbldnk_bunkekbn = u"0"_s;
     row.tbldnk_addymd = today_;
-    if (found)
-        households_.edit(row);
-    else
+    if (!found)
         households_.insert(row);
+    else if (rewritten(households_, row, record) == Stored::rejected)
+        return Stored::rejected;
 
     counter_.used(no1);
     if (!districts_.contains(row.tbldnk_chiku)) {
         masters::MST設定(database_, masters::Category::地区, row.tbldnk_chiku);
         districts_.insert(row.tbldnk_chiku);
     }
+    return found ? Stored::asChange : Stored::asNew;
 }
 
 void HouseholdImport::settle() {

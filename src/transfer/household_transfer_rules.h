@@ -51,12 +51,12 @@ class HouseholdImport : public ImportTarget {
     HouseholdImport(store::Database& database, HouseholdOptions options, QDate today);
 
     void check(BulkRecord& record) override { CheckHouseholdRecord(record, options_.numbered); }
-    void store(BulkRecord& record) override { StoreHouseholdRecord(record); }
+    Stored store(BulkRecord& record) override { return StoreHouseholdRecord(record); }
     void settle() override;
 
     // Writes a record that has passed its check, with its counter and its district; rejects one whose number is there,
     // or for which no number is left.
-    void StoreHouseholdRecord(BulkRecord& record);
+    Stored StoreHouseholdRecord(BulkRecord& record);
 
   private:
     store::Database& database_;

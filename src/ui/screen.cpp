@@ -367,7 +367,17 @@ void Screen::settle(const std::optional<Draft>& before) {
         workplace_.drafts.drop(objectName(), recordKey_);
         workplace_.drafts.drop(objectName(), record.key());
     } else if (filled && before) {
-        workplace_.drafts.keep(*before);
+        Draft draft = *before;
+        for (const Binding& binding : bindings_) {
+            if (binding.control && binding.control->question)
+                draft.typed.removeAll(binding.widget->objectName());
+        }
+        if (!draft.typed.isEmpty())
+            workplace_.drafts.keep(std::move(draft));
+    }
+    for (const Binding& binding : bindings_) {
+        if (binding.control)
+            binding.control->question = false;
     }
     if (ended || filled) {
         takeBaseline();

@@ -97,6 +97,10 @@ std::optional<std::int16_t> readInt16(QStringView text) {
     return narrowed<std::int16_t>(readWhole(text));
 }
 
+std::optional<std::int16_t> readKeyNumber(QStringView text) {
+    return halfWidth(text).contains(u'.') ? std::nullopt : readInt16(text);
+}
+
 std::optional<std::int32_t> readMoney(QStringView text) {
     return narrowed<std::int32_t>(readWhole(text));
 }

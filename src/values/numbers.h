@@ -20,6 +20,10 @@ namespace values {
 // readWhole() limited to -32768..32767; nothing outside.
 [[nodiscard]] std::optional<std::int16_t> readInt16(QStringView text);
 
+// The 16-bit number of a record: a text with a decimal point denotes none, for a number that names a record is never
+// rounded.
+[[nodiscard]] std::optional<std::int16_t> readKeyNumber(QStringView text);
+
 // readWhole() limited to 32 bits; whole yen. Nothing outside.
 [[nodiscard]] std::optional<std::int32_t> readMoney(QStringView text);
 

@@ -59,6 +59,7 @@ void TestDesk::notify(const QString& text, const QString& title, desk::Icon icon
 
 bool TestDesk::ask(const QString& text, const QString& title, desk::Preset preset) {
     lastPreset = preset;
+    whileAsked();
     return take(text, title, true);
 }
 

@@ -41,7 +41,8 @@ class TestDesk : public desk::Desk {
 
     desk::Icon lastIcon = desk::Icon::none;
     desk::Preset lastPreset = desk::Preset::yes;
-    QStringList informed; // what was told in the bar
+    QStringList informed;                     // what was told in the bar
+    std::function<void()> whileAsked = [] {}; // what others do while a question stands
 
   private:
     struct Expected {
