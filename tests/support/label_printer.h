@@ -10,12 +10,15 @@
 class TestFont : public printing::LabelFont {
   public:
     double width(const QString& text) const override {
+        measured += text.size();
         double width = 0;
         for (const QChar c : text)
             width += c.unicode() < 0x80 ? 2 : 4;
         return width;
     }
     bool canPrint(char32_t character) const override { return character < 0x10000 && character != U'鷗'; }
+
+    mutable qsizetype measured = 0; // characters
 };
 
 // Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file`.
