@@ -21,15 +21,15 @@ class TestFont : public printing::LabelFont {
     mutable qsizetype measured = 0; // characters
 };
 
-// Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file`.
+// Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file` or are `waiting`.
 class TestPrinter : public printing::LabelPrinter {
   public:
     const printing::LabelFont& font() const override { return font_; }
-    QString print(const std::vector<printing::LabelSheet>& sheets) override {
+    printing::PrintedJob print(const std::vector<printing::LabelSheet>& sheets) override {
         if (!refusal.isEmpty())
             throw printing::PrintFailure(refusal);
         jobs.push_back(sheets);
-        return file;
+        return {file, waiting};
     }
     // The texts of a job's lines at this place below the tops of their labels, in millimetres.
     QStringList lines(std::size_t job, double below) const {
@@ -45,6 +45,7 @@ class TestPrinter : public printing::LabelPrinter {
 
     QString refusal;
     QString file;
+    QString waiting;
     std::vector<std::vector<printing::LabelSheet>> jobs;
 
   private:
