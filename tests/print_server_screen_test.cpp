@@ -82,6 +82,7 @@ TEST_F(PrintServer, TakesThePdfWholeAndPrintsItAsItIs) {
 TEST_F(PrintServer, TellsWhatBecomesOfAJob) {
     const TestPrintServer server({{"closed", "prints", "Accepting No\n"},
                                   {"torn", "fails"},
+                                  {"jammed", "fails", "ErrorPolicy stop-printer\n"},
                                   {"paperless", "lacks paper"},
                                   {"stopped", "prints", "State Stopped\nStateMessage cleaning\n"}});
     struct {
@@ -91,6 +92,7 @@ TEST_F(PrintServer, TellsWhatBecomesOfAJob) {
     } const cases[] = {
         {"closed", u"理由：このプリンターは印刷を受け付けない設定になっています。"_s, {}},
         {"torn", u"理由：印刷サーバーが印刷を取り消しました。"_s, {}},
+        {"jammed", {}, u"理由：プリンターが止まっています。"_s},
         {"paperless", {}, u"理由：用紙がありません。"_s},
         {"stopped", {}, u"理由：プリンターが止まっています。（cleaning）"_s},
     };
@@ -102,7 +104,7 @@ TEST_F(PrintServer, TellsWhatBecomesOfAJob) {
             << each.queue.constData() << ": " << failure.toStdString() << job.waiting.toStdString();
         EXPECT_EQ(job.file, QString());
     }
-    EXPECT_EQ(server.openJobs(), 2); // those that wait
+    EXPECT_EQ(server.openJobs(), 3); // those that wait
 }
 
 TEST_F(PrintServer, CountsNothingThatTheServerDoesNotHoldWhole) {
@@ -123,6 +125,29 @@ TEST_F(PrintServer, CountsNothingThatTheServerDoesNotHoldWhole) {
         EXPECT_EQ(server.document("labels").isEmpty(), !whole);
         EXPECT_EQ(server.openJobs(), 0);
     }
+}
+
+TEST_F(PrintServer, TellsOfAJobThatIsLostAfterItWasTaken) {
+    TestPrintServer server({{"held", "prints", "Option job-hold-until indefinite\n"}});
+    const auto later = [](const std::function<void()>& act) {
+        return [act](QWidget& window) { QTimer::singleShot(700ms, &window, act); };
+    };
+    onWindow(u"印刷中"_s, later([&] { server.forgetJobs("held"); }));
+    print();
+    EXPECT_TRUE(failure.contains(u"宛名が印刷サーバーから消えました。"_s)) << failure.toStdString();
+    EXPECT_TRUE(print().waiting.contains(u"印刷サーバーで保留になっています。"_s)) << failure.toStdString();
+    onWindow(u"印刷中"_s, later([&] { server.stop(); }));
+    print();
+    EXPECT_TRUE(failure.contains(u"印刷サーバーとの接続が切れました。"_s)) << failure.toStdString();
+    EXPECT_TRUE(failure.endsWith(u"それを捨てて、もう一度印刷して下さい。"_s)) << failure.toStdString();
+}
+
+TEST_F(PrintServer, TakesAJobBackWhenTheServerFallsSilent) {
+    const TestPrintServer server({{"paperless", "lacks paper", {}}});
+    BreakingWire wire(server.port(), BreakingWire::Breaks::never);
+    print(1500ms);
+    EXPECT_TRUE(failure.startsWith(u"印刷サーバーの返事がありません。"_s)) << failure.toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([&server] { return server.openJobs() == 0; }));
 }
 
 TEST_F(PrintServer, StaysAwakeBesideAServerThatDoesNotAnswer) {

@@ -20,6 +20,7 @@
 #include <QPushButton>
 #include <QSaveFile>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSettings>
 #include <QVBoxLayout>
 
@@ -208,6 +209,7 @@ PdfJob pdfBesideRegister(QDate today) {
 // printers before it shows anything.
 class SheetView : public QWidget {
   public:
+    // At least one sheet.
     SheetView(Face face, std::vector<LabelSheet> sheets) : face_(std::move(face)), sheets_(std::move(sheets)) {
         QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
         policy.setHeightForWidth(true);
@@ -223,18 +225,22 @@ class SheetView : public QWidget {
     }
 
     bool hasHeightForWidth() const override { return true; }
-    int heightForWidth(int width) const override { return static_cast<int>(width * paperHeight / paperWidth); }
+    int heightForWidth(int width) const override {
+        return 2 * edge + static_cast<int>((width - 2 * edge) * paperHeight / paperWidth);
+    }
 
   protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.fillRect(rect(), Qt::white);
-        if (sheet_ < count())
-            face_.paint(painter, sheets_[static_cast<std::size_t>(sheet_)], width() / paperWidth * millimetresAnInch);
+        const int wide = width() - 2 * edge;
+        painter.fillRect(edge, edge, wide, heightForWidth(width()) - 2 * edge, Qt::white);
+        painter.translate(edge, edge);
+        face_.paint(painter, sheets_[static_cast<std::size_t>(sheet_)], wide / paperWidth * millimetresAnInch);
     }
 
   private:
+    static constexpr int edge = 32;           // of the desk that the sheet lies on, pixels
     static constexpr double paperWidth = 210; // A4, millimetres
     static constexpr double paperHeight = 297;
 
@@ -256,7 +262,8 @@ class PreviewWindow : public PaintedPrinter {
         auto* room = new QScrollArea;
         room->setWidget(view);
         room->setWidgetResizable(true);
-        room->setBackgroundRole(QPalette::Mid);
+        view->setBackgroundRole(QPalette::Mid);
+        view->setAutoFillBackground(true);
         room->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
         auto* count = new QLabel;
         count->setObjectName(u"枚目"_s);
@@ -270,8 +277,9 @@ class PreviewWindow : public PaintedPrinter {
         QPushButton* previous = button(u"前ページ"_s);
         QPushButton* next = button(u"後ページ"_s);
         QPushButton* close = button(u"終了"_s);
-        const auto showSheet = [view, count, previous, next](int sheet) {
+        const auto showSheet = [view, room, count, previous, next](int sheet) {
             view->show(sheet);
+            room->verticalScrollBar()->setValue(0);
             count->setText(u"%1 / %2 枚目"_s.arg(sheet + 1).arg(view->count()));
             previous->setEnabled(sheet > 0);
             next->setEnabled(sheet + 1 < view->count());
@@ -354,8 +362,6 @@ class ServerJob : public PaintedPrinter {
     static inline const QString chosenQueue = u"printing/queue"_s;
     static inline const QString toldWaiting =
         u"宛名はプリンター「%1」に送りましたが、まだ印刷されていません。\n理由：%2\nプリンターが動けば印刷されます。もう一度送る必要はありません。"_s;
-
-    
 
     Queue chosenOf(const std::vector<Queue>& queues, ServerWindow& window) const {
         if (const auto standard = std::ranges::find(queues, true, &Queue::standard); standard != queues.end())

@@ -137,8 +137,14 @@ void LabelRun::putBroken(double x, double top, const QString& text) {
             lines.push_back(text);
     } else {
         LineBreaker breaker(text, font_);
-        while (!breaker.lay(textRoom * fullPoints / points, lines) && points > leastPoints)
-            points -= 0.5;
+        const auto fitsAt = [&](double size) { return breaker.lay(textRoom * fullPoints / size, lines); };
+        if (!fitsAt(fullPoints)) {
+            constexpr double step = 0.5;
+            // What does not fit at the least size fits at none between.
+            points = fitsAt(leastPoints) ? fullPoints - step : leastPoints;
+            while (!fitsAt(points) && points > leastPoints)
+                points -= step;
+        }
     }
     for (const QString& line : lines) {
         const double setWidth = font_.width(withoutTrailingBlanks(line)) * points / fullPoints;

@@ -19,7 +19,7 @@ namespace {
 // ASCII: some servers hand a title on in the code page of the printer.
 constexpr auto jobTitle = "Hoshiren labels";
 constexpr auto connecting = 10s;
-// Who waits has given up long before; until then this side can still take a job back.
+// Who waits gives up long before. So long this side tries to take the job back then.
 constexpr auto lingering = 60s;
 constexpr auto watching = 3s;
 constexpr auto betweenLooks = 200ms;
@@ -89,10 +89,11 @@ PrintFailure cannotAsk(const QString& reason) {
 
 const QString brokenOff = u"印刷サーバーとの接続が切れました。"_s;
 
-// A connection to the server.
+// A connection to the server. It is kept up while somebody waits for the answer, or while a job is taken back.
 class Server {
   public:
-    explicit Server(Conversation& conversation) : conversation_(conversation) {
+    explicit Server(Conversation& conversation, bool takesBack = false)
+        : conversation_(conversation), takesBack_(takesBack) {
         // libcups would ask for a password on the terminal.
         cupsSetPasswordCB2([](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
                            nullptr);
@@ -101,10 +102,8 @@ class Server {
             httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(), 1, most, nullptr));
         if (!connection_)
             return;
-        const auto goOn = [](http_t*, void* spoken) {
-            return static_cast<Conversation*>(spoken)->silence() < lingering ? 1 : 0;
-        };
-        httpSetTimeout(connection_.get(), 1.0, goOn, &conversation_);
+        const auto goOn = [](http_t*, void* server) { return static_cast<Server*>(server)->goesOn() ? 1 : 0; };
+        httpSetTimeout(connection_.get(), 0.5, goOn, this);
     }
 
     bool connected() const { return connection_ != nullptr; }
@@ -120,8 +119,14 @@ class Server {
         return answer;
     }
 
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
   private:
+    bool goesOn() const { return conversation_.silence() < lingering && (takesBack_ || !conversation_.hasGivenUp()); }
+
     Conversation& conversation_;
+    const bool takesBack_;
     Connection connection_;
 };
 
@@ -243,6 +248,8 @@ class Job {
                 throw failure(brokenOff);
             return waiting;
         } catch (const PrintFailure& failure) {
+            conversation_.heard(); // from now on it is time for this
+            server_.emplace(conversation_, true);
             // Where the server answers, no label will come any more.
             if (!ask(requestFor(IPP_OP_CANCEL_JOB, queue_, job_), "/jobs/") && conversation_.wasSent())
                 throw PrintFailure(failure.message + u'\n' + remarkOnLateLabels());

@@ -21,7 +21,8 @@ class TestFont : public printing::LabelFont {
     mutable qsizetype measured = 0; // characters
 };
 
-// Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file` or are `waiting`.
+// Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file` or are
+// `waiting`.
 class TestPrinter : public printing::LabelPrinter {
   public:
     const printing::LabelFont& font() const override { return font_; }

@@ -54,6 +54,10 @@ void write(const QString& path, const QByteArray& text) {
         throw std::runtime_error("cannot be written: " + path.toStdString());
 }
 
+http_t* connectTo(int port) {
+    return httpConnect2("127.0.0.1", port, nullptr, AF_UNSPEC, HTTP_ENCRYPTION_IF_REQUESTED, 1, 5000, nullptr);
+}
+
 int freePort() {
     QTcpServer any;
     any.listen(QHostAddress::LocalHost);
@@ -146,13 +150,18 @@ QByteArray TestPrintServer::document(const QByteArray& queue) const {
 }
 
 int TestPrintServer::openJobs() const {
-    http_t* connection =
-        httpConnect2("127.0.0.1", port_, nullptr, AF_UNSPEC, HTTP_ENCRYPTION_IF_REQUESTED, 1, 5000, nullptr);
+    http_t* connection = connectTo(port_);
     cups_job_t* jobs = nullptr;
     const int count = cupsGetJobs2(connection, &jobs, nullptr, 0, CUPS_WHICHJOBS_ACTIVE);
     cupsFreeJobs(count, jobs);
     httpClose(connection);
     return count;
+}
+
+void TestPrintServer::forgetJobs(const QByteArray& queue) const {
+    http_t* connection = connectTo(port_);
+    cupsCancelJob2(connection, queue.constData(), CUPS_JOBID_ALL, 1);
+    httpClose(connection);
 }
 
 QByteArray TestPrintServer::read(const QByteArray& file) const {
@@ -190,10 +199,10 @@ void BreakingWire::incomingConnection(qintptr handle) {
     });
     connect(server, &QTcpSocket::readyRead, program, [=, this] {
         const QByteArray piece = server->readAll();
-        if (breaks_ == Breaks::beforeTheAnswer && *passed > question)
-            cut();
-        else
+        if (*passed <= question)
             program->write(piece);
+        else if (breaks_ == Breaks::beforeTheAnswer)
+            cut();
     });
     connect(program, &QTcpSocket::disconnected, server, &QTcpSocket::disconnectFromHost);
     connect(server, &QTcpSocket::disconnected, program, &QTcpSocket::disconnectFromHost);

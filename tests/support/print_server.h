@@ -29,6 +29,8 @@ class TestPrintServer {
     QByteArray document(const QByteArray& queue) const;
     // How many jobs could still print something.
     int openJobs() const;
+    // Forgets every job of a queue, as when its spool is lost.
+    void forgetJobs(const QByteArray& queue) const;
 
   private:
     QByteArray read(const QByteArray& file) const;
@@ -41,10 +43,10 @@ class TestPrintServer {
 // A wire to a print server that breaks while a document passes.
 class BreakingWire : public QTcpServer {
   public:
-    enum class Breaks { withinDocument, beforeTheAnswer };
+    enum class Breaks { withinDocument, beforeTheAnswer, never };
     BreakingWire(int port, Breaks breaks);
 
-    int broken = 0; // times
+    int broken = 0; // times; a wire that never breaks keeps the answer to a document to itself
 
   private:
     void incomingConnection(qintptr handle) override;
