@@ -143,7 +143,8 @@ TEST_F(PrintServer, TellsOfAJobThatIsLostAfterItWasTaken) {
 }
 
 TEST_F(PrintServer, TakesAJobBackWhenTheServerFallsSilent) {
-    const TestPrintServer server({{"paperless", "lacks paper", {}}});
+    const TestPrintServer::Queue queue{"paperless", "lacks paper"};
+    const TestPrintServer server({queue});
     BreakingWire wire(server.port(), BreakingWire::Breaks::never);
     print(1500ms);
     EXPECT_TRUE(failure.startsWith(u"印刷サーバーの返事がありません。"_s)) << failure.toStdString();
