@@ -1,6 +1,6 @@
 #include "printing/label_painter.h"
 #include "support/print_server.h"
-#include "support/register_fixture.h"
+#include "support/screen_fixture.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -114,13 +114,13 @@ TEST_F(PrintServer, CountsNothingThatTheServerDoesNotHoldWhole) {
         EXPECT_TRUE(failure.contains(u"ディスクの空きを確認して下さい。"_s)) << failure.toStdString();
         EXPECT_EQ(server.openJobs(), 0);
     }
-    for (const auto breaks : {BreakingWire::Breaks::withinDocument, BreakingWire::Breaks::beforeTheAnswer}) {
+    for (const auto fault : {FaultyWire::Fault::breaksWithinDocument, FaultyWire::Fault::breaksBeforeAnswer}) {
         const TestPrintServer server({{"labels"}});
-        BreakingWire wire(server.port(), breaks);
+        FaultyWire wire(server.port(), fault);
         print();
         EXPECT_GE(wire.broken, 1);
         // An answer that is lost is asked for again.
-        const bool whole = breaks == BreakingWire::Breaks::beforeTheAnswer;
+        const bool whole = fault == FaultyWire::Fault::breaksBeforeAnswer;
         EXPECT_EQ(failure.isEmpty(), whole) << failure.toStdString();
         EXPECT_EQ(server.document("labels").isEmpty(), !whole);
         EXPECT_EQ(server.openJobs(), 0);
@@ -145,7 +145,7 @@ TEST_F(PrintServer, TellsOfAJobThatIsLostAfterItWasTaken) {
 TEST_F(PrintServer, TakesAJobBackWhenTheServerFallsSilent) {
     const TestPrintServer::Queue queue{"paperless", "lacks paper"};
     const TestPrintServer server({queue});
-    BreakingWire wire(server.port(), BreakingWire::Breaks::never);
+    FaultyWire wire(server.port(), FaultyWire::Fault::silentAfterDocument);
     print(1500ms);
     EXPECT_TRUE(failure.startsWith(u"印刷サーバーの返事がありません。"_s)) << failure.toStdString();
     EXPECT_TRUE(QTest::qWaitFor([&server] { return server.openJobs() == 0; }));
@@ -228,6 +228,28 @@ TEST_F(PrintServer, WritesAPdfWhereNoPrinterIs) {
     qputenv("CUPS_SERVER", "127.0.0.1:1");
     EXPECT_EQ(print().file, path(u"宛名_20261122_3.pdf"_s));
     EXPECT_EQ(failure, QString());
+}
+
+class PrintedNotices : public ScreenFixture {};
+
+TEST_F(PrintedNotices, AreMarkedOnlyWhenTheServerHoldsThem) {
+    {
+        store::Database database;
+        store::Table(database, store::idxdnk_no).insert(sampleHousehold(1));
+    }
+    execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_kaiki_yymd, tblhoy_kaiki_s, tblhoy_kaiki_rs, tblhoy_tsuchi_s, "
+            "tblhoy_zokunameg) VALUES (1, '2026-12-01', 0, 0, 0, '山田　キヨ')"_s);
+    const TestPrintServer server({{"closed", "prints", "Accepting No\n"}, {"open"}});
+    open(u"法要通"_s);
+    qputenv("LPDEST", "closed");
+    expectBeginning(u"プリンター「Printer closed」に印刷できません。"_s, u"宛名印刷"_s);
+    press(u"法要通"_s, u"通知"_s);
+    EXPECT_EQ(query(u"SELECT tblhoy_tsuchi_s FROM tbl_hohyo"_s), u"0"_s);
+    qputenv("LPDEST", "open");
+    press(u"法要通"_s, u"通知"_s);
+    qunsetenv("LPDEST");
+    EXPECT_EQ(query(u"SELECT tblhoy_tsuchi_s FROM tbl_hohyo"_s), u"1"_s);
+    EXPECT_FALSE(server.document("open").isEmpty());
 }
 
 } // namespace

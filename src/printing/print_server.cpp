@@ -247,12 +247,12 @@ class Job {
             if (!conversation_.conclude())
                 throw failure(brokenOff);
             return waiting;
-        } catch (const PrintFailure& failure) {
+        } catch (const PrintFailure& told) {
             conversation_.heard(); // from now on it is time for this
             server_.emplace(conversation_, true);
             // Where the server answers, no label will come any more.
             if (!ask(requestFor(IPP_OP_CANCEL_JOB, queue_, job_), "/jobs/") && conversation_.wasSent())
-                throw PrintFailure(failure.message + u'\n' + remarkOnLateLabels());
+                throw PrintFailure(told.message + u'\n' + remarkOnLateLabels());
             throw;
         }
     }
@@ -281,9 +281,11 @@ class Job {
         if (!succeeded(answer))
             throw QueueRefused(cannotPrint(queue_, reasonOf(lastRefusal())));
         job_ = numberOf(answer, "job-id").value_or(0);
+        // Without a number the next requests would mean whatever the queue prints at the time.
+        if (job_ <= 0)
+            throw failure(inJapanese(IPP_STATUS_ERROR_INTERNAL));
     }
 
-    // An answer that is lost is no failure yet: the job's state tells whether the document is there.
     void send() {
         Message request = requestFor(IPP_OP_SEND_DOCUMENT, queue_, job_);
         addText(request, IPP_TAG_OPERATION, IPP_TAG_MIMETYPE, "document-format", "application/pdf");
@@ -307,13 +309,16 @@ class Job {
             conversation_.heard();
             return;
         }
-        const Refusal refusal = lastRefusal();
-        const bool full = httpGetStatus(connection) == HTTP_STATUS_REQUEST_TOO_LARGE;
+        Refusal refusal = lastRefusal();
+        status = httpGetStatus(connection);
         server_.reset();
-        if (full)
-            throw failure(reasonOf({IPP_STATUS_ERROR_REQUEST_ENTITY, refusal.words}));
-        if (answer)
+        if (status == HTTP_STATUS_REQUEST_TOO_LARGE) // the server's disk is full, or its limit reached
+            refusal.status = IPP_STATUS_ERROR_REQUEST_ENTITY;
+        if (answer || status >= HTTP_STATUS_BAD_REQUEST)
             throw failure(reasonOf(refusal));
+        if (!conversation_.wasSent())
+            throw failure(brokenOff);
+        // The answer is lost, not the document: the job's state tells whether it is there.
     }
 
     // Follows the job while it starts; gives the reason when it waits.

@@ -169,12 +169,12 @@ QByteArray TestPrintServer::read(const QByteArray& file) const {
     return found.open(QIODevice::ReadOnly) ? found.readAll() : QByteArray();
 }
 
-BreakingWire::BreakingWire(int port, Breaks breaks) : port_(port), breaks_(breaks) {
+FaultyWire::FaultyWire(int port, Fault fault) : port_(port), fault_(fault) {
     listen(QHostAddress::LocalHost);
     qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(serverPort()));
 }
 
-void BreakingWire::incomingConnection(qintptr handle) {
+void FaultyWire::incomingConnection(qintptr handle) {
     auto* program = new QTcpSocket(this);
     program->setSocketDescriptor(handle);
     auto* server = new QTcpSocket(this);
@@ -189,7 +189,7 @@ void BreakingWire::incomingConnection(qintptr handle) {
     const auto passed = std::make_shared<qsizetype>(0);
     connect(program, &QTcpSocket::readyRead, server, [=, this] {
         const QByteArray piece = program->readAll();
-        if (breaks_ == Breaks::withinDocument && *passed + piece.size() > question) {
+        if (fault_ == Fault::breaksWithinDocument && *passed + piece.size() > question) {
             server->write(piece.first(question - *passed));
             cut();
             return;
@@ -201,7 +201,7 @@ void BreakingWire::incomingConnection(qintptr handle) {
         const QByteArray piece = server->readAll();
         if (*passed <= question)
             program->write(piece);
-        else if (breaks_ == Breaks::beforeTheAnswer)
+        else if (fault_ == Fault::breaksBeforeAnswer)
             cut();
     });
     connect(program, &QTcpSocket::disconnected, server, &QTcpSocket::disconnectFromHost);

@@ -40,17 +40,17 @@ class TestPrintServer {
     int port_ = 0;
 };
 
-// A wire to a print server that breaks while a document passes.
-class BreakingWire : public QTcpServer {
+// A wire to a print server that fails when a document passes.
+class FaultyWire : public QTcpServer {
   public:
-    enum class Breaks { withinDocument, beforeTheAnswer, never };
-    BreakingWire(int port, Breaks breaks);
+    enum class Fault { breaksWithinDocument, breaksBeforeAnswer, silentAfterDocument };
+    FaultyWire(int port, Fault fault);
 
-    int broken = 0; // times; a wire that never breaks keeps the answer to a document to itself
+    int broken = 0; // times
 
   private:
     void incomingConnection(qintptr handle) override;
 
     int port_;
-    Breaks breaks_;
+    Fault fault_;
 };
