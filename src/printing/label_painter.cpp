@@ -24,6 +24,7 @@
 #include <QSettings>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <future>
 #include <thread>
 

@@ -243,7 +243,7 @@ class Job {
         create();
         try {
             send();
-            const QString waiting = watch();
+            QString waiting = watch();
             if (!conversation_.conclude())
                 throw failure(brokenOff);
             return waiting;
@@ -355,7 +355,7 @@ class Job {
             if (state == IPP_JSTATE_COMPLETED)
                 return {};
             begun = begun || state == IPP_JSTATE_PROCESSING;
-            const QString waiting = waitingFor(job, state, begun, last);
+            QString waiting = waitingFor(job, state, begun, last);
             if (last || !waiting.isEmpty())
                 return waiting;
         }
@@ -380,7 +380,7 @@ class Job {
             return {};
         const QStringList reasons = keywordsOf(job, "job-printer-state-reasons") +
                                     (printer ? keywordsOf(printer, "printer-state-reasons") : QStringList());
-        if (const QString trouble = troubleOf(reasons); !trouble.isEmpty())
+        if (QString trouble = troubleOf(reasons); !trouble.isEmpty())
             return trouble;
         if (stopped)
             return u"プリンターが止まっています。"_s + inBrackets(textOf(printer, "printer-state-message"));
