@@ -77,7 +77,9 @@ TEST_F(AddressLabels, TellsOfTheFileOfMissingCharactersAndOfAPrinterThatFails) {
     addHousehold(30000, 0, u"𠮷田 鷗外"_s);
     addMemorials(u"(1, '2026-12-01', 0, 0, 0), (30000, '2026-12-02', 0, 0, 0)"_s);
     printer.file = u"宛名.pdf"_s;
+    printer.waiting = u"用紙がありません。"_s;
     desk.expect(u"プリンターがないため、宛名をPDFファイルに書き出しました。\n宛名.pdf"_s, title);
+    desk.expect(u"用紙がありません。"_s, title);
     desk.expect(u"印刷できない文字を〓にした宛名があります。\n檀家番号 30000：𠮷鷗"_s, title);
     EXPECT_EQ(print({2026, 12, 1}, {2026, 12, 31}), LabelOutcome::handedOver);
     printer.refusal = u"紙がありません"_s;

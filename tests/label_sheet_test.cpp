@@ -69,6 +69,16 @@ TEST_F(LabelSheet, BreaksAddressLine2IntoTheFreeLinesBelow) {
     }
 }
 
+TEST_F(LabelSheet, MeasuresALongTextNoMoreThanAFewTimes) {
+    for (const QString& letter : {u"字"_s, u"x"_s, u"あ い"_s}) {
+        font.measured = 0;
+        const QString text = letter.repeated(5000 / letter.size());
+        const auto lines = linesOf({{}, text, {}, text});
+        EXPECT_EQ(lines.size(), 5U);
+        EXPECT_LT(font.measured, 5 * 5000) << letter.toStdString();
+    }
+}
+
 TEST_F(LabelSheet, ReplacesWhatTheFontLacks) {
     const auto lines = linesOf({u"1\n2\t3"_s, u"𠮷田 鷗外 鷗"_s, u"辻\U000E0100"_s, {}});
     EXPECT_EQ(lines[0].text, u"1 2 3"_s);

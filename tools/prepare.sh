@@ -8,10 +8,10 @@ fail() {
 }
 
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlitecpp-dev libsqlite3-dev libgtest-dev mdbtools-dev
-    libglib2.0-dev)
+    libglib2.0-dev libcups2-dev)
 PROGRAM_PACKAGES=(qt6-translations-l10n fonts-noto-cjk)
 DISPLAY_PACKAGES=(xvfb)
-TEST_PACKAGES=(sqlite3 poppler-utils desktop-file-utils appstream man-db)
+TEST_PACKAGES=(sqlite3 poppler-utils cups-daemon desktop-file-utils appstream man-db)
 
 # Installs those of the named Debian packages that dpkg does not know as installed.
 install_missing() {

@@ -31,7 +31,7 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
         .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
                 [raw] { previewNotices(raw->form(), *printing::preview(raw), raw->desk()); })
         .action(u"通知"_s, u"通知処理"_s,
-                [raw] { notifyRange(raw->form(), *printing::defaultPrinter(raw->desk().today()), raw->desk()); })
+                [raw] { notifyRange(raw->form(), *printing::defaultPrinter(raw, raw->desk().today()), raw->desk()); })
         .gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openNoticeDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openNoticeHousehold))

@@ -91,16 +91,19 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
         desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
     if (run.isEmpty())
         return LabelOutcome::noLabel;
-    QString file;
+    PrintedJob job;
     try {
-        file = printer.print(run.sheets());
+        job = printer.print(run.sheets());
     } catch (const PrintFailure& failure) {
         desk.notify(failure.message, title);
         return LabelOutcome::failed;
     }
-    if (!file.isEmpty())
-        desk.notify(u"プリンターがないため、宛名をPDFファイルに書き出しました。\n"_s + QDir::toNativeSeparators(file),
+    if (!job.file.isEmpty())
+        desk.notify(u"プリンターがないため、宛名をPDFファイルに書き出しました。\n"_s +
+                        QDir::toNativeSeparators(job.file),
                     title);
+    if (!job.waiting.isEmpty())
+        desk.notify(job.waiting, title);
     if (!missing.empty())
         desk.notify(u"印刷できない文字を〓にした宛名があります。\n"_s + namesOf(missing), title);
     return LabelOutcome::handedOver;

@@ -20,8 +20,8 @@ enum class LabelOutcome {
 
 // Prints one label for every memorial open for notice, or for every grave with a billing date, from the one date to the
 // other (both included), in the order of their dates. Marks nothing. Messages bear the title "宛名印刷": a household
-// that cannot be found (its record gets no label and takes no place), characters that the font lacks, and the name of
-// the file where the job went into one.
+// that cannot be found (its record gets no label and takes no place), characters that the font lacks, the name of the
+// file where the job went into one, and why it waits at the printer.
 LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk);
 
 // The same on a preview, which tells when there is nothing to show.

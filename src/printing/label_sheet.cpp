@@ -44,6 +44,62 @@ QString withoutTrailingBlanks(QStringView text) {
     return text.toString();
 }
 
+// Breaks one text where the language allows it, inside a word only when the word alone is wider than the room. Blanks
+// at a break hang over the edge. No more of the text is measured than what the lines hold, however long it is.
+class LineBreaker {
+  public:
+    LineBreaker(const QString& text, const LabelFont& font)
+        : text_(text), font_(font), breaks_(QTextBoundaryFinder::Line, text) {
+        QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
+        while (letters.toNextBoundary() > 0)
+            ends_.push_back(letters.position());
+    }
+
+    // Lays the text out in lines of this room, in millimetres at 10 points. The lines joined are the text: where they
+    // are too few, the last one takes the rest. True when every line fits.
+    bool lay(double room, std::vector<QString>& lines) {
+        lines.clear();
+        qsizetype start = 0;
+        while (start < text_.size() && lines.size() < linesOfAddress2) {
+            const qsizetype end = endOfLine(start, room);
+            lines.push_back(text_.sliced(start, end - start));
+            start = end;
+        }
+        lines.back() += QStringView(text_).sliced(start);
+        return start == text_.size();
+    }
+
+  private:
+    qsizetype endOfLine(qsizetype start, double room) {
+        const auto first = std::upper_bound(ends_.begin(), ends_.end(), start);
+        const auto fits = [&](qsizetype end) {
+            return font_.width(withoutTrailingBlanks(QStringView(text_).sliced(start, end - start))) <= room;
+        };
+        // A longer piece is the wider one: strides find one that is too wide, halving finds the last that fits.
+        auto good = first;
+        auto wide = ends_.end();
+        for (std::ptrdiff_t stride = 32; wide - good > 1; stride *= 2) {
+            const auto next = good + std::min(stride, wide - good - 1);
+            if (!fits(*next)) {
+                wide = next;
+                break;
+            }
+            good = next;
+        }
+        while (wide - good > 1) {
+            const auto middle = good + (wide - good) / 2;
+            (fits(*middle) ? good : wide) = middle;
+        }
+        breaks_.setPosition(*good);
+        return !breaks_.isAtBoundary() && breaks_.toPreviousBoundary() > start ? breaks_.position() : *good;
+    }
+
+    const QString& text_;
+    const LabelFont& font_;
+    QTextBoundaryFinder breaks_;
+    std::vector<qsizetype> ends_; // of the letters
+};
+
 } // namespace
 
 QString LabelRun::printLabel(const LabelAddress& address) {
@@ -75,50 +131,26 @@ void LabelRun::putFitted(double x, double top, const QString& text) {
 
 void LabelRun::putBroken(double x, double top, const QString& text) {
     double points = fullPoints;
-    std::vector<QString> lines = broken(text, textRoom);
-    while (lines.size() > linesOfAddress2 && points > leastPoints) {
-        points -= 0.5;
-        lines = broken(text, textRoom * fullPoints / points);
-    }
-    if (lines.size() > linesOfAddress2) {
-        // Nothing is left out: the last line takes the rest and is set narrower.
-        for (std::size_t i = linesOfAddress2; i < lines.size(); ++i)
-            lines[linesOfAddress2 - 1] += lines[i];
-        lines.resize(linesOfAddress2);
+    std::vector<QString> lines;
+    if (font_.width(withoutTrailingBlanks(text)) <= textRoom) {
+        if (!text.isEmpty())
+            lines.push_back(text);
+    } else {
+        LineBreaker breaker(text, font_);
+        const auto fitsAt = [&](double size) { return breaker.lay(textRoom * fullPoints / size, lines); };
+        if (!fitsAt(fullPoints)) {
+            constexpr double step = 0.5;
+            // What does not fit at the least size fits at none between.
+            points = fitsAt(leastPoints) ? fullPoints - step : leastPoints;
+            while (!fitsAt(points) && points > leastPoints)
+                points -= step;
+        }
     }
     for (const QString& line : lines) {
         const double setWidth = font_.width(withoutTrailingBlanks(line)) * points / fullPoints;
         sheets_.back().push_back({x, top, points, setWidth > textRoom ? textRoom / setWidth : 1.0, line});
         top += linePitch;
     }
-}
-
-// Breaks where the language allows it, inside a word only when the word alone is wider than the room. `room` is in
-// millimetres at 10 points. The pieces joined are the text; blanks at a break hang over the edge.
-std::vector<QString> LabelRun::broken(const QString& text, double room) const {
-    std::vector<QString> lines;
-    QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
-    QTextBoundaryFinder breaks(QTextBoundaryFinder::Line, text);
-    qsizetype start = 0;
-    while (start < text.size()) {
-        const QStringView rest = QStringView(text).sliced(start);
-        qsizetype end = text.size();
-        if (font_.width(withoutTrailingBlanks(rest)) > room) {
-            letters.setPosition(start);
-            end = letters.toNextBoundary();
-            for (qsizetype next = letters.toNextBoundary(); next >= 0; next = letters.toNextBoundary()) {
-                if (font_.width(withoutTrailingBlanks(rest.first(next - start))) > room)
-                    break;
-                end = next;
-            }
-            breaks.setPosition(end);
-            if (!breaks.isAtBoundary() && breaks.toPreviousBoundary() > start)
-                end = breaks.position();
-        }
-        lines.push_back(text.sliced(start, end - start));
-        start = end;
-    }
-    return lines;
 }
 
 } // namespace printing

@@ -56,7 +56,6 @@ class LabelRun {
   private:
     void putFitted(double x, double top, const QString& text);
     void putBroken(double x, double top, const QString& text);
-    std::vector<QString> broken(const QString& text, double room) const;
 
     const LabelFont& font_;
     std::vector<LabelSheet> sheets_;

@@ -10,23 +10,27 @@
 class TestFont : public printing::LabelFont {
   public:
     double width(const QString& text) const override {
+        measured += text.size();
         double width = 0;
         for (const QChar c : text)
             width += c.unicode() < 0x80 ? 2 : 4;
         return width;
     }
     bool canPrint(char32_t character) const override { return character < 0x10000 && character != U'鷗'; }
+
+    mutable qsizetype measured = 0; // characters
 };
 
-// Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file`.
+// Keeps the jobs it is handed; refuses them with a message when told to, and says that they went into `file` or are
+// `waiting`.
 class TestPrinter : public printing::LabelPrinter {
   public:
     const printing::LabelFont& font() const override { return font_; }
-    QString print(const std::vector<printing::LabelSheet>& sheets) override {
+    printing::PrintedJob print(const std::vector<printing::LabelSheet>& sheets) override {
         if (!refusal.isEmpty())
             throw printing::PrintFailure(refusal);
         jobs.push_back(sheets);
-        return file;
+        return {file, waiting};
     }
     // The texts of a job's lines at this place below the tops of their labels, in millimetres.
     QStringList lines(std::size_t job, double below) const {
@@ -42,6 +46,7 @@ class TestPrinter : public printing::LabelPrinter {
 
     QString refusal;
     QString file;
+    QString waiting;
     std::vector<std::vector<printing::LabelSheet>> jobs;
 
   private:

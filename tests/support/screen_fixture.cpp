@@ -16,6 +16,8 @@ ScreenFixture::~ScreenFixture() {
 int main(int argc, char* argv[]) {
     ::testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // Nothing is printed on the printer of whoever runs the tests.
+    qputenv("CUPS_SERVER", "/nonexistent");
     QApplication application(argc, argv);
     app::prepare(application);
     return RUN_ALL_TESTS();
