@@ -17,5 +17,9 @@ int showNames();
 int writeNames();
 
 // Makes a register from an older file (a Jet database), beside it. Status 1 when a row could not be taken or the new
-// register contradicts itself. A program that was built without the library for such files throws.
+// register contradicts itself, or when there is none because the older file is damaged.
 int convertRegister(const QString& file);
+
+// What convertRegister runs in a process of its own: reads the file into a new register at the path. Status 3 when it
+// was made and something could not be taken; throws when it could not be made, and leaves a part of it.
+int convertInto(const QString& file, const QString& draft);

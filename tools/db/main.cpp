@@ -95,32 +95,33 @@ int info(const QString& path) {
     return 0;
 }
 
-#ifndef HOSHIREN_READS_JET
-} // namespace
-
-int convertRegister(const QString&) {
-    throw store::Error(0, u"このプログラムは以前の形式（Jet データベース）を読めるように作られていません。"_s);
-}
-
-namespace {
-#endif
-
 struct Command {
     QString name;
     int arguments;
-    std::function<int(const QString&)> run;
+    std::function<int(const QString&, const QString&)> run;
 };
 
+template <int (*run)(const QString&)> int withOne(const QString& argument, const QString&) {
+    return run(argument);
+}
+
+template <int (*run)()> int alone(const QString&, const QString&) {
+    return run();
+}
+
+// The last one is the tool's own: what convert runs in another process.
 const Command commands[] = {
-    {u"create"_s, 1, create},
-    {u"check"_s, 1, check},
-    {u"info"_s, 1, info},
-    {u"convert"_s, 1, convertRegister},
-    {u"backup"_s, 0, [](const QString&) { return backUp(); }},
-    {u"list"_s, 0, [](const QString&) { return listBackups(); }},
-    {u"restore"_s, 1, restoreRegister},
-    {u"names"_s, 0, [](const QString&) { return showNames(); }},
-    {u"names"_s, 1, [](const QString& option) { return option == u"--write"_s ? writeNames() : usageStatus; }},
+    {u"create"_s, 1, withOne<create>},
+    {u"check"_s, 1, withOne<check>},
+    {u"info"_s, 1, withOne<info>},
+    {u"convert"_s, 1, withOne<convertRegister>},
+    {u"backup"_s, 0, alone<backUp>},
+    {u"list"_s, 0, alone<listBackups>},
+    {u"restore"_s, 1, withOne<restoreRegister>},
+    {u"names"_s, 0, alone<showNames>},
+    {u"names"_s, 1,
+     [](const QString& option, const QString&) { return option == u"--write"_s ? writeNames() : usageStatus; }},
+    {u"convert-apart"_s, 2, convertInto},
 };
 
 } // namespace
@@ -132,7 +133,7 @@ int main(int argc, char** argv) {
     try {
         for (const Command& command : commands)
             if (arguments.value(1) == command.name && arguments.size() == command.arguments + 2)
-                status = command.run(arguments.value(2));
+                status = command.run(arguments.value(2), arguments.value(3));
     } catch (const std::exception& failure) {
         say(stderr, store::explain(failure));
         return 1;
