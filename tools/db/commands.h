@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-// The commands of hoshiren-db; all but the last work on the register in the current folder. Each gives the program's
-// exit status and prints what it did; what fails is thrown.
+// The commands of hoshiren-db; those without a file work on the register in the current folder. Each gives the
+// program's exit status and prints what it did; what fails is thrown.
 
 // One line in the terminal's encoding.
 void say(FILE* where, const QString& text);
@@ -15,6 +15,9 @@ int listBackups();
 int restoreRegister(const QString& file);
 int showNames();
 int writeNames();
+
+// Brings a register to the newest layout.
+int upgrade(const QString& file);
 
 // Makes a register from an older file (a Jet database), beside it. Status 1 when a row could not be taken or the new
 // register contradicts itself, or when there is none because the older file is damaged.

@@ -20,6 +20,7 @@ constexpr auto usage =
     u"  hoshiren-db create ファイル    新しい登録簿を作ります\n"
     u"  hoshiren-db check ファイル     登録簿に損傷や矛盾がないかを調べます\n"
     u"  hoshiren-db info ファイル      登録簿の内容の概要を示します\n"
+    u"  hoshiren-db upgrade [ファイル] 控えを作り、古い版の登録簿を今の版に進めます\n"
     u"  hoshiren-db convert ファイル   以前の形式（Jet データベース）から新しい登録簿を隣に作ります\n"
     u"今の場所にある登録簿 Hoshiren.mdb について:\n"
     u"  hoshiren-db backup             控えを作ります\n"
@@ -115,6 +116,8 @@ const Command commands[] = {
     {u"check"_s, 1, withOne<check>},
     {u"info"_s, 1, withOne<info>},
     {u"convert"_s, 1, withOne<convertRegister>},
+    {u"upgrade"_s, 1, withOne<upgrade>},
+    {u"upgrade"_s, 0, [](const QString&, const QString&) { return upgrade(store::Database::registerPath()); }},
     {u"backup"_s, 0, alone<backUp>},
     {u"list"_s, 0, alone<listBackups>},
     {u"restore"_s, 1, withOne<restoreRegister>},
