@@ -1,6 +1,7 @@
 #include "targets.h"
 
 #include "calendar/eras.h"
+#include "db/jet_reader.h"
 #include "transfer/bulk_record.h"
 #include "values/dates.h"
 #include "values/numbers.h"
@@ -167,6 +168,25 @@ void eraRoundTrip(QByteArrayView bytes) {
     const QString year = QString::fromUtf8(rest.sliced(rest.size() / 2));
     const QString western = calendar::元号変換(eraTable(), era, year, error, desk);
     require(western.isEmpty() == (error == 1) && desk.messages == error, "what cannot be converted is told");
+}
+
+void jetFile(QByteArrayView bytes) {
+    QByteArray copy = bytes.toByteArray();
+    QBuffer file(&copy);
+    file.open(QIODevice::ReadOnly);
+    try {
+        jet::Database database(file);
+        for (const jet::Table& table : database.tables()) {
+            qint64 rows = 0;
+            database.read(table, [&](const std::vector<jet::Value>& values) {
+                require(values.size() == table.columns.size(), "a row has a value for each column");
+                ++rows;
+            });
+            require(rows <= bytes.size(), "a table has no more rows than the file has bytes");
+        }
+    } catch (const store::Error&) {
+        // A damaged file is refused.
+    }
 }
 
 } // namespace fuzz

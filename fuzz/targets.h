@@ -18,11 +18,14 @@ void bulkFile(QByteArrayView bytes);
 void typedTexts(QByteArrayView bytes);
 // Dates to their era form and back; era years as typed.
 void eraRoundTrip(QByteArrayView bytes);
+// A Jet database, whole or damaged: every table is read to its end or the file refused.
+void jetFile(QByteArrayView bytes);
 
 inline constexpr Target targets[] = {
     {"bulk_file", bulkFile},
     {"typed_texts", typedTexts},
     {"era_round_trip", eraRoundTrip},
+    {"jet_file", jetFile},
 };
 
 } // namespace fuzz

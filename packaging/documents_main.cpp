@@ -1,5 +1,5 @@
 // hoshiren-documents: starts Hoshiren on the register in the user's own folder. The desktop's menu entry calls it,
-// since a menu entry knows no current directory.
+// since a menu entry knows no current directory. Offers to bring an older register to the program's layout.
 #include "app/application.h"
 #include "app/first_start.h"
 #include "desk/desk.h"
@@ -17,7 +17,7 @@ int main(int argc, char* argv[]) {
     app::prepare(application);
     const QDir documents(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
     const QString folder = documents.filePath(u"Hoshiren"_s);
-    if (!app::offerRegister(folder))
+    if (!app::offerRegister(folder) || !app::offerUpgrade(folder))
         return 0;
     const QString program = QDir(QCoreApplication::applicationDirPath()).filePath(u"hoshiren"_s);
     if (QProcess::startDetached(program, {}, folder))

@@ -80,6 +80,75 @@ TEST_F(Consistency, TellsEachFaultInOneLine) {
     }
 }
 
+TEST_F(Consistency, NamesWhateverDiffersFromANewRegister) {
+    // The statement of a table or query, with a part of it replaced, in the place of the one that is there.
+    const auto altered = [](const char16_t* table, const char16_t* from, const char16_t* to) {
+        return u"PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = replace(sql, '%2', '%3') WHERE name = '%1'"_s
+            .arg(QString::fromUtf16(table), QString::fromUtf16(from).replace(u'\'', u"''"_s),
+                 QString::fromUtf16(to).replace(u'\'', u"''"_s));
+    };
+    const std::pair<QString, QString> planted[] = {
+        {u"DROP TABLE tbl_nengo"_s, u"表 tbl_nengo がありません。"_s},
+        {u"CREATE TABLE 覚書 (a TEXT)"_s, u"表 覚書 は登録簿のものではありません。"_s},
+        {u"ALTER TABLE tbl_danka DROP COLUMN tbldnk_fax"_s, u"表 tbl_danka に列 tbldnk_fax がありません。"_s},
+        {u"ALTER TABLE tbl_danka ADD COLUMN 余分 TEXT"_s,
+         u"表 tbl_danka の列「余分 TEXT」は登録簿のものではありません。"_s},
+        {u"ALTER TABLE tbl_danka RENAME COLUMN tbldnk_fax TO 余分"_s, u"表 tbl_danka に列 tbldnk_fax がありません。"_s},
+        {altered(u"tbl_danka", u"tbldnk_tel TEXT", u"tbldnk_tel INTEGER"),
+         u"表 tbl_danka の列 tbldnk_tel が違います: 「INTEGER」（正しくは「TEXT」）"_s},
+        {altered(u"tbl_kazoku", u"tblkzk_nameg TEXT NOT NULL", u"tblkzk_nameg TEXT"),
+         u"表 tbl_kazoku の列 tblkzk_nameg が違います: 「TEXT DEFAULT ''」（正しくは「TEXT NOT NULL DEFAULT ''」）"_s},
+        {altered(u"tbl_nengo", u"tblnen_snen INTEGER NOT NULL DEFAULT 0", u"tblnen_snen INTEGER NOT NULL DEFAULT 1"),
+         u"表 tbl_nengo の列 tblnen_snen が違います"_s},
+        {altered(u"tbl_ohaka", u"tblhak_no BETWEEN -32768 AND 32767", u"tblhak_no BETWEEN -32768 AND 99999"),
+         u"表 tbl_ohaka の列 tblhak_no が違います"_s},
+        {altered(u"tbl_danka", u" CHECK (tbldnk_addymd IS date(tbldnk_addymd, '+0 days'))", u""),
+         u"表 tbl_danka の列 tbldnk_addymd が違います"_s},
+        {altered(u"tbl_danka", u"tbldnk_tel TEXT,\n  tbldnk_fax TEXT", u"tbldnk_fax TEXT,\n  tbldnk_tel TEXT"),
+         u"表 tbl_danka の列の順序が違います。"_s},
+        {altered(u"マスタ", u") STRICT", u")"), u"表 マスタ の種類が違います: 「」（正しくは「STRICT」）"_s},
+        {altered(u"tbl_danka", u"\n) STRICT", u", CHECK (tbldnk_no1 > 0)) STRICT"),
+         u"表 tbl_danka の列「CHECK ( tbldnk_no1 > 0 )」は登録簿のものではありません。"_s},
+        {u"DROP INDEX idxkzk_no"_s, u"索引 idxkzk_no がありません。"_s},
+        {u"CREATE INDEX ix ON tbl_danka (tbldnk_tel)"_s, u"索引 ix は登録簿のものではありません。"_s},
+        {u"DROP INDEX idxdnk_no; CREATE INDEX idxdnk_no ON tbl_danka (tbldnk_no1, tbldnk_no2)"_s,
+         u"索引 idxdnk_no が違います"_s},
+        {u"DROP INDEX idxhak_banchi12; CREATE INDEX idxhak_banchi12 ON tbl_ohaka (tblhak_banchi2, tblhak_banchi1)"_s,
+         u"索引 idxhak_banchi12 が違います"_s},
+        {u"DROP INDEX idxhoy_yymd; CREATE INDEX idxhoy_yymd ON tbl_hohyo (tblhoy_kaiki_yymd DESC)"_s,
+         u"索引 idxhoy_yymd が違います"_s},
+        {u"DROP INDEX idxhoy_rymd; CREATE INDEX idxhoy_rymd ON tbl_hohyo (tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, "
+         "tblhoy_kaiki_hour)"_s,
+         u"索引 idxhoy_rymd が違います"_s},
+        {u"DROP VIEW qrydnk_aa"_s, u"クエリ qrydnk_aa がありません。"_s},
+        {u"CREATE VIEW 一覧 AS SELECT 1"_s, u"クエリ 一覧 は登録簿のものではありません。"_s},
+        {altered(u"qrydnk_ka", u"'か' AND 'ご'", u"'か' AND 'け'"), u"クエリ qrydnk_ka の内容が違います。"_s},
+        {u"DROP VIEW qrydnk_sa; CREATE TABLE qrydnk_sa (a TEXT)"_s,
+         u"クエリ qrydnk_sa がありません。|表 qrydnk_sa は登録簿のものではありません。"_s},
+        {u"CREATE TRIGGER t AFTER UPDATE ON tbl_danka BEGIN DELETE FROM tbl_kazoku; END"_s,
+         u"トリガー t は登録簿のものではありません。"_s},
+        {u"CREATE TRIGGER t INSTEAD OF DELETE ON qrydnk_ha BEGIN SELECT 1; END"_s,
+         u"トリガー t は登録簿のものではありません。"_s},
+    };
+    for (const auto& [difference, lines] : planted) {
+        QFile::remove(store::Database::registerPath());
+        store::createRegister(store::Database::registerPath());
+        execute(difference);
+        const QString found = faults().join(u'|');
+        EXPECT_TRUE(found.contains(lines)) << difference.toStdString() << "\n" << found.toStdString();
+    }
+}
+
+TEST_F(Consistency, WhatAFileBringsAlongDoesNotRun) {
+    fill();
+    execute(u"CREATE TRIGGER t AFTER UPDATE ON tbl_danka BEGIN DELETE FROM tbl_kazoku; END"_s);
+    execute(u"UPDATE tbl_danka SET tbldnk_tel = '03'"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_kazoku"_s), u"1"_s);
+    // A query under the register's own name that reaches beyond its tables.
+    execute(u"DROP VIEW qrydnk_ya; CREATE VIEW qrydnk_ya AS SELECT name FROM pragma_database_list"_s);
+    EXPECT_THROW(query(u"SELECT * FROM qrydnk_ya"_s), SQLite::Exception);
+}
+
 TEST_F(Consistency, DatabaseToolMakesAndLooksOverARegister) {
     EXPECT_EQ(tool({u"create"_s, u"new.mdb"_s}).first, 0);
     EXPECT_EQ(tool({u"check"_s, u"new.mdb"_s}), std::pair(0, u"異常はありません。\n"_s));

@@ -1,7 +1,8 @@
+#include "support/older_register.h"
 #include "support/screen_fixture.h"
 
 #include "app/first_start.h"
-#include "store/database.h"
+#include "store/backup.h"
 
 #include <QDir>
 
@@ -34,6 +35,34 @@ TEST_F(FirstStart, MakesARegisterOnlyWhenItIsWanted) {
     ASSERT_TRUE(QFile::resize(file, 14));
     EXPECT_TRUE(app::offerRegister(folder));
     EXPECT_EQ(QFileInfo(file).size(), 14);
+}
+
+TEST_F(FirstStart, BringsAnOlderRegisterToTheNewestWhenItIsWanted) {
+    const QString folder = directory.path();
+    const QString own = path(u"Hoshiren.mdb"_s);
+    const auto answerUpgrade = [&](bool yes) {
+        answer(u"登録簿はこのプログラムより古い版です。\n\n%1\n\n控えを作ってから、新しい版に進めますか？\n"
+               "進めた登録簿は、前のプログラムでは開けません。"_s.arg(QDir::toNativeSeparators(own)),
+               u"Hoshiren"_s, yes);
+    };
+    EXPECT_TRUE(app::offerUpgrade(folder));
+    makeOlder(own, 2);
+    answerUpgrade(false);
+    EXPECT_FALSE(app::offerUpgrade(folder, olderSteps));
+    EXPECT_TRUE(store::isOlder(own));
+    EXPECT_TRUE(store::backupsOf(own).empty());
+
+    answerUpgrade(true);
+    expect(
+        u"登録簿の版 %1 から進める手順がありません。登録簿のファイルか確認して下さい。"_s.arg(store::layoutVersion - 2),
+        u"Hoshiren"_s);
+    EXPECT_FALSE(app::offerUpgrade(folder, {}));
+
+    answerUpgrade(true);
+    expectBeginning(u"登録簿を新しい版に進めました。"_s, u"Hoshiren"_s);
+    EXPECT_TRUE(app::offerUpgrade(folder, olderSteps));
+    EXPECT_FALSE(store::isOlder(own));
+    EXPECT_EQ(store::backupsOf(own).size(), 1);
 }
 
 TEST_F(FirstStart, TellsWhenTheFolderCannotBeMade) {

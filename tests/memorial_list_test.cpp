@@ -347,8 +347,7 @@ TEST_F(Notices, SayTwiceThatNothingLiesAhead) {
 
 TEST_F(Notices, MarkAllOrNone) {
     addDaily(3, u"2026-12-01"_s, false);
-    execute(u"CREATE TRIGGER full BEFORE UPDATE ON tbl_hohyo WHEN NEW.tblhoy_zokunameg = '003' "
-            "BEGIN SELECT RAISE(FAIL, 'disk full'); END"_s);
+    refuseRows(u"tbl_hohyo"_s, u"tblhoy_zokunameg = '003' AND tblhoy_tsuchi_s = 1"_s);
     try {
         notifyRange(form, printer, desk);
         ADD_FAILURE() << "no failure";

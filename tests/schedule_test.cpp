@@ -53,8 +53,7 @@ TEST_F(Schedule, WritesWholeRowsOfThoseNotThereYet) {
 }
 
 TEST_F(Schedule, IsWrittenWholeOrNotAtAll) {
-    execute(u"CREATE TRIGGER full BEFORE INSERT ON tbl_hohyo WHEN NEW.tblhoy_kaiki_mei = '50回忌' "
-            "BEGIN SELECT RAISE(ABORT, 'disk'); END"_s);
+    refuseRows(u"tbl_hohyo"_s, u"tblhoy_kaiki_mei = '50回忌'"_s);
     EXPECT_THROW(memorials::RegisterSchedule(entry, desk), std::exception);
     EXPECT_EQ(days(), QString());
 }

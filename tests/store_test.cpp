@@ -119,9 +119,14 @@ TEST_F(Store, SaysWhatIsWrongWithTheFile) {
         EXPECT_EQ(read(), contents);
     }
     write(bytes);
-    execute(u"PRAGMA user_version = 2"_s);
-    EXPECT_TRUE(message().contains(u"新しい版"_s)) << message().toStdString();
-    write(bytes);
+    for (const auto& [version, words] : {std::pair(store::layoutVersion + 1, u"新しい版で作られて"_s),
+                                         {store::layoutVersion - 1, u"「hoshiren-db upgrade Hoshiren.mdb」"_s}}) {
+        execute(u"PRAGMA user_version = %1"_s.arg(version));
+        const QByteArray other = read();
+        EXPECT_TRUE(message().contains(words)) << message().toStdString();
+        EXPECT_EQ(read(), other);
+        write(bytes);
+    }
     SQLite::Database other(file.toStdString(), SQLite::OPEN_READWRITE);
     other.exec("BEGIN EXCLUSIVE");
     EXPECT_TRUE(message().contains(u"使用中"_s)) << message().toStdString();

@@ -7,8 +7,8 @@ fail() {
     exit 1
 }
 
-BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlitecpp-dev libsqlite3-dev libgtest-dev mdbtools-dev
-    libglib2.0-dev libcups2-dev)
+BUILD_PACKAGES=(g++ cmake ninja-build pkg-config qt6-base-dev libsqlitecpp-dev libsqlite3-dev libgtest-dev
+    libcups2-dev)
 PROGRAM_PACKAGES=(qt6-translations-l10n fonts-noto-cjk)
 DISPLAY_PACKAGES=(xvfb)
 TEST_PACKAGES=(sqlite3 poppler-utils cups-daemon desktop-file-utils appstream man-db)

@@ -33,4 +33,28 @@ bool offerRegister(const QString& folder) {
     return true;
 }
 
+bool offerUpgrade(const QString& folder, const store::UpgradeSteps& steps) {
+    const QString title = u"Hoshiren"_s;
+    const QString path = QDir(folder).filePath(u"Hoshiren.mdb"_s);
+    if (!store::isOlder(path))
+        return true;
+    if (!ui::askQuestion(nullptr,
+                         u"登録簿はこのプログラムより古い版です。\n\n%1\n\n"
+                         "控えを作ってから、新しい版に進めますか？\n"
+                         "進めた登録簿は、前のプログラムでは開けません。"_s.arg(QDir::toNativeSeparators(path)),
+                         title))
+        return false;
+    try {
+        const store::Upgrade upgrade = store::upgradeRegister(path, QDateTime::currentDateTime(), steps);
+        ui::showMessage(nullptr,
+                        u"登録簿を新しい版に進めました。\n\n前の登録簿の控えはここにあります:\n%1"_s.arg(
+                            QDir::toNativeSeparators(upgrade.copy)),
+                        title, desk::Icon::none);
+    } catch (const std::exception& failure) {
+        ui::showMessage(nullptr, store::explain(failure), title, desk::Icon::exclamation);
+        return false;
+    }
+    return true;
+}
+
 } // namespace app

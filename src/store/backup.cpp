@@ -112,7 +112,7 @@ void keepFile(const QString& from, const QString& to) {
 // cannot be opened has nothing to end; its side files are kept with it.
 void settle(const QString& path) {
     try {
-        Database database(path);
+        Database database(path, Layouts::olderToo);
         database.engine().exec("PRAGMA journal_mode = DELETE");
         database.engine().exec("BEGIN EXCLUSIVE");
         database.engine().exec("ROLLBACK");
@@ -128,7 +128,7 @@ void settle(const QString& path) {
 } // namespace
 
 Copy::Copy(const QString& source, const QString& target)
-    : target_(target), draft_(target + draftEnding), register_(std::in_place, source) {
+    : target_(target), draft_(target + draftEnding), register_(std::in_place, source, Layouts::olderToo) {
     if (QFileInfo::exists(target))
         throw Error(0, u"「%1」は既にあります。上書きはしません。"_s.arg(QDir::toNativeSeparators(target)));
     // A wait for locks belongs to the caller, between two parts.

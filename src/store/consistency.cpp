@@ -1,9 +1,6 @@
 #include "store/consistency.h"
 
-#include "store/embedded_data.h"
-
-#include <map>
-#include <set>
+#include "store/layout.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,32 +17,6 @@ void findDamage(Database& database, QStringList& faults) {
     while (check.executeStep())
         if (const QString found = text(check.getColumn(0)); found != u"ok"_s)
             faults += u"ファイルの損傷: %1"_s.arg(found);
-}
-
-// Tables, indexes and queries by their kind and name.
-std::set<QString> layoutOf(SQLite::Database& engine) {
-    static const std::map<QString, QString> kinds = {
-        {u"table"_s, u"表"_s}, {u"index"_s, u"索引"_s}, {u"view"_s, u"クエリ"_s}, {u"trigger"_s, u"トリガー"_s}};
-    std::set<QString> layout;
-    SQLite::Statement list(engine, "SELECT type, name FROM sqlite_master WHERE name NOT LIKE 'sqlite~_%' ESCAPE '~'");
-    while (list.executeStep())
-        layout.insert(kinds.at(text(list.getColumn(0))) + u' ' + text(list.getColumn(1)));
-    return layout;
-}
-
-// True when all that the register needs is there, so that its rows can be looked at.
-bool hasWholeLayout(Database& database, QStringList& faults) {
-    SQLite::Database fresh(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-    fresh.exec(embedded_schema);
-    const auto present = layoutOf(database.engine());
-    bool whole = true;
-    for (const QString& name : layoutOf(fresh)) {
-        if (!present.contains(name)) {
-            faults += u"%1 がありません。"_s.arg(name);
-            whole = false;
-        }
-    }
-    return whole;
 }
 
 // A statement that selects contradicting rows, and the line made of each: a % and the number of the column.
@@ -87,7 +58,9 @@ constexpr Contradiction contradictions[] = {
 
 void findFaults(Database& database, QStringList& faults) {
     findDamage(database, faults);
-    if (!hasWholeLayout(database, faults))
+    const LayoutDifferences differences = compareLayout(database.engine());
+    faults += differences.wrong + differences.extra;
+    if (!differences.readable)
         return;
     for (const auto& [statement, line] : contradictions) {
         SQLite::Statement rows(database.engine(), statement);

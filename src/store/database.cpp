@@ -110,17 +110,27 @@ QString explain(const std::exception& failure) {
     return u"処理に失敗しました。\n\n（%1）"_s.arg(QString::fromUtf8(failure.what()));
 }
 
-Database::Database(const QString& path) : engine_(openExisting(path)) {
+Database::Database(const QString& path, Layouts layouts) : engine_(openExisting(path)) {
     sqlite3* handle = engine_.getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    // A register has no triggers, and its queries call nothing that reaches beyond it: what a file brings along does
+    // not run. A prepared file could do anything in the user's name otherwise.
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     try {
         engine_.exec("PRAGMA synchronous = EXTRA");
         if (pragma(engine_, "application_id") != applicationId) {
             refuseForeignFile(path);
             throw Error(SQLITE_NOTADB, withEngineWords(sentenceFor(SQLITE_NOTADB), SQLITE_NOTADB, u"application_id"_s));
         }
-        if (pragma(engine_, "user_version") > layoutVersion)
+        const int layout = layoutOf(*this);
+        if (layout < layoutVersion && layouts == Layouts::newest)
+            throw Error(
+                0,
+                u"登録簿ファイル「%1」はこのプログラムより古い版です。何も変えていません。端末で「hoshiren-db upgrade %2」を実行すると、控えを作ってから新しい版に進めます。そのあとで起動して下さい。"_s
+                    .arg(QDir::toNativeSeparators(path), QFileInfo(path).fileName()));
+        if (layout > layoutVersion)
             throw Error(
                 0,
                 u"登録簿ファイル「%1」はこのプログラムより新しい版で作られています。新しい版のプログラムで開いて下さい。"_s
@@ -129,6 +139,10 @@ Database::Database(const QString& path) : engine_(openExisting(path)) {
         refuseForeignFile(path);
         throw;
     }
+}
+
+int layoutOf(Database& database) {
+    return pragma(database.engine(), "user_version");
 }
 
 QString Database::registerPath() {

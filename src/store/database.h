@@ -13,7 +13,7 @@
 namespace store {
 
 constexpr int applicationId = 0x486F7368; // "Hosh"
-constexpr int layoutVersion = 1;
+constexpr int layoutVersion = 1;          // the newest layout's number
 
 // A failure of the register's file. The message is one Japanese text: what happened and what the user can do, the
 // engine's own words and code behind it.
@@ -32,13 +32,16 @@ class Error : public std::runtime_error {
 // Turns a failure of the engine, of this store, or any other standard exception into the text shown to the user.
 QString explain(const std::exception& failure);
 
+enum class Layouts { newest, olderToo };
+
 // The register's file, open read-write. Throws Error when the file is missing, of another format (a Jet file is named
-// as such), empty, of a newer layout, or cannot be opened; it is never created or altered in its layout here. Waits up
-// to two seconds for locks. Everything is released on destruction.
+// as such), empty, of a newer layout, of an older one where that is not asked for, or cannot be opened; it is never
+// created or altered in its layout here. Waits up to two seconds for locks. Triggers that the file may hold do not run.
+// Everything is released on destruction.
 class Database {
   public:
     Database() : Database(registerPath()) {}
-    explicit Database(const QString& path);
+    explicit Database(const QString& path, Layouts layouts = Layouts::newest);
 
     SQLite::Database& engine() { return engine_; }
 
@@ -50,6 +53,9 @@ class Database {
   private:
     SQLite::Database engine_;
 };
+
+// The number of the register's layout.
+int layoutOf(Database& database);
 
 // One write that is undone whole unless commit() is reached.
 class Write {

@@ -6,5 +6,7 @@ namespace store {
 extern const char* const embedded_schema;
 extern const char* const embedded_nengo;
 extern const char* const embedded_master;
+// The steps of data/upgrades/ in their order, ended by a null pointer.
+extern const char* const embedded_upgrades[];
 
 } // namespace store

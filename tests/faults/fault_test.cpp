@@ -6,6 +6,8 @@
 #include "households/registration_rules.h"
 #include "sample/sample_register.h"
 #include "store/backup.h"
+#include "store/layout.h"
+#include "support/older_register.h"
 #include "transfer/grave_transfer_rules.h"
 #include "transfer/household_transfer_rules.h"
 
@@ -108,12 +110,18 @@ void restoreRegister(desk::Desk& desk) {
         store::restore(in(u"../other.mdb"_s), store::Database::registerPath(), {today, QTime(12, 0)});
 }
 
+void upgradeRegister(desk::Desk& desk) {
+    if (desk.ask(u"?"_s, {}))
+        store::upgradeRegister(store::Database::registerPath(), {today, QTime(12, 0)}, olderSteps);
+}
+
 struct Operation {
     const char* name;
     void (*run)(desk::Desk&);
     int steps;                      // writes of its own, each whole or not there, one after each Yes
     const char* imported = nullptr; // a table whose rows may be the first of those that a whole run gives
     const char* counter = nullptr;
+    int olderBy = 0; // steps that the register lacks
 };
 
 void PrintTo(const Operation& operation, std::ostream* out) {
@@ -126,6 +134,7 @@ const Operation operations[] = {
     {"registration", registerHousehold, 1},
     {"erasure", eraseHousehold, 5},
     {"restore", restoreRegister, 1},
+    {"upgrade", upgradeRegister, 1, nullptr, nullptr, 3},
 };
 
 std::string word(SQLite::Database& engine, const std::string& sql) {
@@ -134,7 +143,7 @@ std::string word(SQLite::Database& engine, const std::string& sql) {
 
 // All that a register holds, in short.
 QByteArray stateOf(const QString& path) {
-    store::Database database(path);
+    store::Database database(path, store::Layouts::olderToo);
     QCryptographicHash hash(QCryptographicHash::Sha1);
     SQLite::Statement tables(database.engine(), "SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name");
     while (tables.executeStep()) {
@@ -161,6 +170,8 @@ class Faults : public ::testing::TestWithParam<Operation> {
         firstLines(u"households.csv"_s, households);
         firstLines(u"graves.csv"_s, graves);
         sample::makeRegister(directory.filePath(u"base.mdb"_s), 60, today);
+        if (GetParam().olderBy > 0)
+            makeOlder(directory.filePath(u"base.mdb"_s), GetParam().olderBy);
         sample::makeRegister(directory.filePath(u"other.mdb"_s), 30, today);
         store::Database::setRegisterPath(in(u"Hoshiren.mdb"_s));
         for (int yes = 0; yes <= GetParam().steps; ++yes) {
@@ -194,8 +205,11 @@ class Faults : public ::testing::TestWithParam<Operation> {
             store::bringBackToOneFile(store::Database::registerPath());
             const QByteArray state = stateOf(store::Database::registerPath());
             const auto known = std::find(states.begin(), states.end(), state);
-            store::Database database;
+            store::Database database(store::Database::registerPath(), store::Layouts::olderToo);
             EXPECT_EQ(word(database.engine(), "PRAGMA integrity_check"), "ok");
+            // Only a register of the program's own number has its layout, and that whole.
+            EXPECT_EQ(store::layoutOf(database) == store::layoutVersion,
+                      store::compareLayout(database.engine()).wrong.isEmpty());
             if (known == states.end())
                 checkBeginning(database);
             EXPECT_TRUE(!succeeded || state == states.back()) << "reported as done and not there";
@@ -392,7 +406,7 @@ TEST_P(Faults, AnotherProcessHoldsTheLock) {
         ASSERT_EQ(pipe(ready), 0);
         const pid_t holder = fork();
         if (holder == 0) {
-            store::Database database;
+            store::Database database(store::Database::registerPath(), store::Layouts::olderToo);
             database.engine().exec("BEGIN EXCLUSIVE");
             const bool told = ::write(ready[1], "x", 1) == 1;
             usleep(static_cast<useconds_t>(seconds) * 1'000'000);

@@ -1,5 +1,7 @@
 #include "support/jet_file.h"
 
+#include "transfer/cp932.h"
+
 #include <QFile>
 #include <QtEndian>
 
@@ -7,11 +9,23 @@
 
 using namespace Qt::StringLiterals;
 
+// Sizes and places in which the versions differ.
+struct JetFile::Layout {
+    qsizetype page;
+    qsizetype rowCount;
+    qsizetype tableRows, tableType, counts, indexes, map, columns;
+    qsizetype indexEntry, columnEntry, number, variable, flags, fixed;
+    bool wide; // texts and counts of two bytes
+    quint32 key;
+};
+
 namespace {
 
-constexpr qsizetype pageSize = 4096;
 constexpr quint32 catalogPage = 2;
-constexpr int firstRow = 14; // of a data page: where the places of its rows are listed
+constexpr int indexes = 3; // of every table, none of them described
+constexpr int deletedRow = 0xc000;
+constexpr int movedRow = 0x4000;
+constexpr int reachedByItsOldPlace = 0x8000;
 
 template <class T> QByteArray little(T value) {
     QByteArray bytes(sizeof(T), 0);
@@ -59,33 +73,14 @@ bool fixed(JetFile::Type type) {
 }
 
 int sizeOf(JetFile::Type type) {
-    return type == JetFile::wholeShort ? 2 : type == JetFile::wholeLong ? 4 : 8;
+    return type == JetFile::yesNo ? 0 : type == JetFile::wholeShort ? 2 : type == JetFile::wholeLong ? 4 : 8;
 }
 
-// Rows stand from the end of a page towards its beginning.
-QByteArray dataPage(quint32 owner, const std::vector<QByteArray>& rows, int deletedFrom) {
-    QByteArray page(pageSize, 0);
-    page[0] = 1;
-    page[1] = 1;
-    put(page, 4, owner);
-    put(page, 12, static_cast<quint16>(rows.size()));
-    qsizetype end = pageSize;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        end -= rows[i].size();
-        page.replace(end, rows[i].size(), rows[i]);
-        const auto mark = static_cast<int>(i) >= deletedFrom ? 0xc000 : 0;
-        put(page, firstRow + 2 * static_cast<qsizetype>(i), static_cast<quint16>(end | mark));
-    }
-    return page;
-}
-
-// The header page is masked with a fixed key.
-void mask(QByteArray& page, qsizetype from, qsizetype count) {
-    const uchar key[] = {0xc7, 0xda, 0x39, 0x6b};
+void mask(QByteArray& page, qsizetype from, qsizetype count, const QByteArray& key) {
     uchar state[256];
     std::iota(std::begin(state), std::end(state), uchar{0});
     for (int i = 0, j = 0; i < 256; ++i) {
-        j = (j + state[i] + key[i % 4]) & 255;
+        j = (j + state[i] + static_cast<uchar>(key[i % key.size()])) & 255;
         std::swap(state[i], state[j]);
     }
     for (int n = 0, i = 0, j = 0; n < count; ++n) {
@@ -98,12 +93,49 @@ void mask(QByteArray& page, qsizetype from, qsizetype count) {
 
 } // namespace
 
-JetFile::JetFile() : pages_(3, QByteArray(pageSize, 0)) {
+JetFile::JetFile(Version version)
+    : layout_([version]() -> const Layout& {
+          static const Layout access97{2048, 8, 12, 20, 21, 31, 35, 43, 8, 18, 1, 3, 13, 14, false, 0x1234567};
+          static const Layout access2000{4096, 12, 16, 40, 41, 51, 55, 63, 12, 25, 5, 7, 15, 21, true, 0};
+          return version == Version::access97 ? access97 : access2000;
+      }()),
+      pages_(3, QByteArray(layout_.page, 0)) {
     QByteArray& header = pages_[0];
     header.replace(0, 4, QByteArray("\0\1\0\0", 4));
     header.replace(4, 15, "Standard Jet DB");
-    header[0x14] = 1;
-    mask(header, 0x18, 128);
+    header[0x14] = layout_.wide ? 1 : 0;
+    put(header, 0x3e, layout_.key);
+    mask(header, 0x18, layout_.wide ? 128 : 126, "\xc7\xda\x39\x6b");
+}
+
+QByteArray JetFile::stored(const QString& text) const {
+    if (layout_.wide)
+        return wide(text);
+    QByteArray bytes;
+    for (const QChar unit : text) {
+        const quint16 code = transfer::cp932::encode(unit.unicode()).value();
+        if (code > 0xff)
+            bytes += static_cast<char>(code >> 8);
+        bytes += static_cast<char>(code & 0xff);
+    }
+    return bytes;
+}
+
+// Rows with their marks stand from the end of a page towards its beginning.
+QByteArray JetFile::dataPage(quint32 owner, const std::vector<std::pair<QByteArray, int>>& rows) const {
+    QByteArray page(layout_.page, 0);
+    page[0] = 1;
+    page[1] = 1;
+    put(page, 4, owner);
+    put(page, layout_.rowCount, static_cast<quint16>(rows.size()));
+    qsizetype end = layout_.page;
+    qsizetype at = layout_.rowCount;
+    for (const auto& [bytes, rowMark] : rows) {
+        end -= bytes.size();
+        page.replace(end, bytes.size(), bytes);
+        put(page, at += 2, static_cast<quint16>(end | rowMark));
+    }
+    return page;
 }
 
 quint32 JetFile::addPage(const QByteArray& page) {
@@ -115,122 +147,170 @@ QByteArray JetFile::longTextHead(const QByteArray& bytes) {
     const auto length = static_cast<quint32>(bytes.size());
     if (length <= 64)
         return little(length | 0x80000000) + QByteArray(8, 0) + bytes;
-    constexpr qsizetype part = 4000;
+    constexpr quint32 owner = 0x4c41564c;
+    const qsizetype part = layout_.page - 50;
     if (length <= part)
-        return little(length | 0x40000000) + little(addPage(dataPage(0x4c41564c, {bytes}, 1)) << 8) + QByteArray(4, 0);
+        return little(length | 0x40000000) + little(addPage(dataPage(owner, {{bytes, 0}})) << 8) + QByteArray(4, 0);
     // A chain, its last part first: each part begins with the place of the next one.
     quint32 next = 0;
     for (qsizetype at = (bytes.size() - 1) / part * part; at >= 0; at -= part)
-        next = addPage(dataPage(0x4c41564c, {little(next) + bytes.mid(at, part)}, 1)) << 8;
+        next = addPage(dataPage(owner, {{little(next) + bytes.mid(at, part), 0}})) << 8;
     return little(length) + little(next) + QByteArray(4, 0);
 }
 
-QByteArray JetFile::rowBytes(const std::vector<Column>& columns, const Row& row) {
+QByteArray JetFile::rowBytes(const std::vector<Column>& columns, const Row& row, std::size_t number) {
     QByteArray fixedPart;
     std::vector<QByteArray> variable;
-    QByteArray notNull(static_cast<qsizetype>(columns.size() + 7) / 8, 0);
-    for (std::size_t i = 0; i < columns.size(); ++i) {
+    const auto there = static_cast<std::size_t>(
+        std::count_if(columns.begin(), columns.end(), [&](const Column& column) { return column.since <= number; }));
+    QByteArray notNull(static_cast<qsizetype>(there + 7) / 8, 0);
+    for (std::size_t i = 0; i < there; ++i) {
         const Cell& cell = row[i];
-        if (cell.index() != 0)
+        const auto* whole = std::get_if<qint64>(&cell);
+        if (columns[i].type == yesNo ? whole && *whole != 0 : cell.index() != 0)
             setBit(notNull, i);
         QByteArray bytes(fixed(columns[i].type) ? sizeOf(columns[i].type) : 0, 0);
-        if (const auto* number = std::get_if<qint64>(&cell))
-            bytes = little(*number).left(bytes.size());
+        if (whole)
+            bytes = little(*whole).left(bytes.size());
         else if (const auto* real = std::get_if<double>(&cell))
             bytes = little(*real);
         else if (const auto* text = std::get_if<QString>(&cell))
-            bytes = columns[i].type == longText            ? longTextHead(wide(*text))
-                    : ++texts_ % 5 == 0 && packable(*text) ? packed(*text)
-                                                           : wide(*text);
+            bytes = columns[i].type == longText                            ? longTextHead(stored(*text))
+                    : layout_.wide && ++texts_ % 5 == 0 && packable(*text) ? packed(*text)
+                                                                           : stored(*text);
         if (fixed(columns[i].type))
             fixedPart += bytes;
         else
             variable.push_back(bytes);
     }
-    QByteArray bytes = little(static_cast<quint16>(columns.size())) + fixedPart;
-    QByteArray places;
+    const auto counted = [&](std::size_t value) {
+        return little(static_cast<quint16>(value)).left(layout_.wide ? 2 : 1);
+    };
+    QByteArray bytes = counted(there) + fixedPart;
+    std::vector<qsizetype> places;
     for (const QByteArray& value : variable) {
-        places.prepend(little(static_cast<quint16>(bytes.size())));
+        places.push_back(bytes.size());
         bytes += value;
     }
-    if (!variable.empty())
-        bytes += little(static_cast<quint16>(bytes.size())) + places + little(static_cast<quint16>(variable.size()));
-    return bytes + notNull;
+    if (variable.empty())
+        return bytes + notNull;
+    places.push_back(bytes.size());
+    QByteArray jumps;
+    if (!layout_.wide) {
+        // Places of one byte: behind them stands which column begins another 256 bytes, as often as the row is long.
+        const qsizetype size = bytes.size() + static_cast<qsizetype>(places.size()) + 1 + notNull.size();
+        while ((size + jumps.size() - 1) / 256 > jumps.size()) {
+            const qsizetype bound = 256 * (jumps.size() + 1);
+            const auto first = std::find_if(places.begin(), places.end(), [&](auto place) { return place >= bound; });
+            jumps.prepend(first == places.end() ? '\xff' : static_cast<char>(first - places.begin()));
+        }
+    }
+    for (auto place = places.rbegin(); place != places.rend(); ++place)
+        bytes += counted(static_cast<std::size_t>(*place));
+    return bytes + jumps + counted(variable.size()) + notNull;
+}
+
+// Which pages are the table's, one bit a page: in the row itself or on a page to which it points.
+quint32 JetFile::addMap(const std::vector<quint32>& pages) {
+    QByteArray row(1 + 4 + 64, 0);
+    if (++maps_ % 2 == 0) {
+        QByteArray bits(layout_.page, 0);
+        bits[0] = 5;
+        bits[1] = 1;
+        for (const quint32 page : pages)
+            setBit(bits, 8 * 4 + page);
+        row[0] = 1;
+        put(row, 1, addPage(bits));
+    } else {
+        for (const quint32 page : pages)
+            setBit(row, 8 * 5 + page);
+    }
+    return addPage(dataPage(0, {{row, 0}, {row, 0}})) << 8;
 }
 
 void JetFile::addTable(quint32 definition, const std::vector<Column>& columns, const std::vector<Row>& rows,
                        int deleted) {
-    const int kept = static_cast<int>(rows.size()) - deleted;
+    const std::size_t kept = rows.size() - static_cast<std::size_t>(deleted);
     std::vector<quint32> data;
-    std::vector<QByteArray> onPage;
-    qsizetype room = pageSize - firstRow;
-    int before = 0;
+    std::vector<std::pair<QByteArray, int>> onPage;
+    qsizetype room = layout_.page - layout_.rowCount - 2;
     const auto closePage = [&] {
-        data.push_back(addPage(dataPage(definition, onPage, kept - before)));
-        before += static_cast<int>(onPage.size());
+        data.push_back(addPage(dataPage(definition, onPage)));
         onPage.clear();
-        room = pageSize - firstRow;
+        room = layout_.page - layout_.rowCount - 2;
     };
-    for (const Row& row : rows) {
-        const QByteArray bytes = rowBytes(columns, row);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        QByteArray bytes = rowBytes(columns, rows[i], i);
+        int rowMark = i < kept ? 0 : deletedRow;
+        if (i < kept && ++rows_ % 7 == 0) {
+            data.push_back(addPage(dataPage(definition, {{bytes, reachedByItsOldPlace}})));
+            bytes = little(data.back() << 8);
+            rowMark = movedRow;
+        }
         if (bytes.size() + 2 > room)
             closePage();
         room -= bytes.size() + 2;
-        onPage.push_back(bytes);
+        onPage.emplace_back(bytes, rowMark);
     }
     closePage();
+    const quint32 map = addMap(data);
 
-    // Which pages are the table's: one bit a page.
-    QByteArray used(1 + 4 + 64, 0);
-    for (const quint32 page : data)
-        setBit(used, 8 * 5 + page);
-    const quint32 map = addPage(dataPage(0, {used, used}, 2));
-
-    QByteArray page(pageSize, 0);
-    page[0] = 2;
-    page[1] = 1;
-    put(page, 16, static_cast<quint32>(kept));
-    page[40] = definition == catalogPage ? 'S' : 'N';
-    quint16 fixedAt = 0;
-    quint16 variables = 0;
     QByteArray described;
     QByteArray names;
+    quint16 fixedAt = 0;
+    quint16 variables = 0;
+    quint16 left = 0;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const Column& column = columns[i];
-        QByteArray one(25, 0);
+        QByteArray one(layout_.columnEntry, 0);
         one[0] = static_cast<char>(column.type);
-        put(one, 5, static_cast<quint16>(i));
-        put(one, 9, static_cast<quint16>(i));
-        one[15] = static_cast<char>(fixed(column.type) ? 3 : 2);
-        one[16] = 1;
+        put(one, layout_.number, static_cast<quint16>(i));
+        put(one, layout_.number + 4, left);
+        one[layout_.flags] = static_cast<char>(fixed(column.type) ? 3 : 2);
         if (fixed(column.type)) {
-            put(one, 21, fixedAt);
-            put(one, 23, static_cast<quint16>(sizeOf(column.type)));
+            put(one, layout_.fixed, fixedAt);
+            put(one, layout_.fixed + 2, static_cast<quint16>(sizeOf(column.type)));
             fixedAt = static_cast<quint16>(fixedAt + sizeOf(column.type));
         } else {
-            put(one, 7, variables++);
-            put(one, 23, static_cast<quint16>(column.type == text ? 510 : 0));
+            put(one, layout_.variable, variables++);
+            put(one, layout_.fixed + 2, static_cast<quint16>(column.type == text ? 510 : 0));
         }
+        if (column.dropped)
+            continue;
+        ++left;
+        const QByteArray name = stored(column.name);
         described += one;
-        names += little(static_cast<quint16>(2 * column.name.size())) + wide(column.name);
+        names += little(static_cast<quint16>(name.size())).left(layout_.wide ? 2 : 1) + name;
     }
-    put(page, 41, static_cast<quint16>(columns.size()));
-    put(page, 43, variables);
-    put(page, 45, static_cast<quint16>(columns.size()));
-    put(page, 55, map << 8);
-    put(page, 59, map << 8 | 1);
-    page.replace(63, described.size() + names.size(), described + names);
-    put(page, 8, static_cast<quint32>(63 + described.size() + names.size()));
-    pages_[definition] = page.left(pageSize);
+    QByteArray page(layout_.columns + indexes * layout_.indexEntry, 0);
+    page[0] = 2;
+    page[1] = 1;
+    put(page, layout_.tableRows, static_cast<quint32>(kept));
+    page[layout_.tableType] = definition == catalogPage ? 'S' : 'N';
+    put(page, layout_.counts, static_cast<quint16>(columns.size()));
+    put(page, layout_.counts + 2, variables);
+    put(page, layout_.counts + 4, left);
+    put(page, layout_.indexes, quint32{indexes});
+    put(page, layout_.map, map);
+    put(page, layout_.map + 4, map | 1);
+    page += described + names;
+    put(page, 8, static_cast<quint32>(page.size()));
+    // What has no room on the first page goes on behind the head of another one.
+    const QByteArray rest = page.mid(layout_.page);
+    if (rest.size() > layout_.page - 8)
+        throw std::runtime_error("too many columns");
+    if (!rest.isEmpty())
+        put(page, 4, addPage((QByteArray("\2\1\0\0\0\0\0\0", 8) + rest).leftJustified(layout_.page, '\0')));
+    pages_[definition] = page.left(layout_.page).leftJustified(layout_.page, '\0');
 }
 
 void JetFile::add(const QString& table, const std::vector<Column>& columns, const std::vector<Row>& rows, int deleted) {
-    const quint32 definition = addPage(QByteArray(pageSize, 0));
+    const quint32 definition = addPage(QByteArray(layout_.page, 0));
     addTable(definition, columns, rows, deleted);
     catalog_.push_back({qint64{definition}, table, qint64{1}, qint64{0}, {}});
 }
 
-void JetFile::write(const QString& path) {
+QByteArray JetFile::bytes() {
     addTable(catalogPage,
              {{u"Id"_s, wholeLong},
               {u"Name"_s, text},
@@ -238,9 +318,19 @@ void JetFile::write(const QString& path) {
               {u"Flags"_s, wholeLong},
               {u"LvProp"_s, picture}},
              catalog_, 0);
+    if (pages_.size() > 500)
+        throw std::runtime_error("the Jet file is too large");
+    QByteArray all = pages_[0];
+    for (std::size_t i = 1; i < pages_.size(); ++i) {
+        if (layout_.key)
+            mask(pages_[i], 0, layout_.page, little(layout_.key ^ static_cast<quint32>(i)));
+        all += pages_[i];
+    }
+    return all;
+}
+
+void JetFile::write(const QString& path) {
     QFile file(path);
-    if (pages_.size() > 500 || !file.open(QIODevice::WriteOnly))
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes()) < 0)
         throw std::runtime_error("the Jet file cannot be written");
-    for (const QByteArray& page : pages_)
-        file.write(page);
 }

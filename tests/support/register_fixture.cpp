@@ -16,6 +16,12 @@ void RegisterFixture::execute(const QString& sql) {
     database.engine().exec(sql.toStdString());
 }
 
+void RegisterFixture::refuseRows(const QString& table, const QString& condition) {
+    execute(u"PRAGMA writable_schema = ON; UPDATE sqlite_master SET sql = replace(sql, '\n) STRICT', "
+            "', CONSTRAINT \"disk full\" CHECK (NOT (%2))\n) STRICT') WHERE name = '%1'"_s.arg(
+                table, QString(condition).replace(u'\'', u"''"_s)));
+}
+
 QString RegisterFixture::query(const QString& sql) {
     store::Database database;
     SQLite::Statement statement(database.engine(), sql.toStdString());

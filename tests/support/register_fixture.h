@@ -20,6 +20,8 @@ class RegisterFixture : public ::testing::Test {
 
     QString path(const QString& name) const { return directory.filePath(name); }
     void execute(const QString& sql);
+    // From now on the engine refuses, with the words "disk full", to write rows of the table that fulfil the condition.
+    void refuseRows(const QString& table, const QString& condition);
     // The first column of every row of a query, joined by "|"; rows of several columns join them with ",".
     QString query(const QString& sql);
     template <class Row> std::vector<Row> rowsOf(const std::string& rest = {}) {

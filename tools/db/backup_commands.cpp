@@ -2,6 +2,7 @@
 
 #include "store/backup.h"
 #include "store/name_copies.h"
+#include "store/upgrade.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -93,4 +94,19 @@ int writeNames() {
         say(stdout,
             u"上の %1 件はそのままです。同じ檀家に同じ名前の行があるか、檀家を決められません。"_s.arg(left.size()));
     return left.empty() ? 0 : 1;
+}
+
+int upgrade(const QString& file) {
+    const store::Upgrade upgrade = store::upgradeRegister(file, QDateTime::currentDateTime());
+    if (upgrade.from == store::layoutVersion) {
+        say(stdout, u"登録簿は最新の版（%1）です。何も変えていません。"_s.arg(upgrade.from));
+        return 0;
+    }
+    say(stdout, u"控えを作りました: %1"_s.arg(QDir::toNativeSeparators(upgrade.copy)));
+    for (const QString& step : upgrade.done)
+        say(stdout, step);
+    say(stdout, u"登録簿を版 %1 から版 %2 に進めました: %3"_s.arg(upgrade.from)
+                    .arg(store::layoutVersion)
+                    .arg(QDir::toNativeSeparators(file)));
+    return 0;
 }

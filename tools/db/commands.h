@@ -4,8 +4,8 @@
 
 #include <cstdio>
 
-// The commands of hoshiren-db; all but the last work on the register in the current folder. Each gives the program's
-// exit status and prints what it did; what fails is thrown.
+// The commands of hoshiren-db; those without a file work on the register in the current folder. Each gives the
+// program's exit status and prints what it did; what fails is thrown.
 
 // One line in the terminal's encoding.
 void say(FILE* where, const QString& text);
@@ -16,6 +16,13 @@ int restoreRegister(const QString& file);
 int showNames();
 int writeNames();
 
+// Brings a register to the newest layout.
+int upgrade(const QString& file);
+
 // Makes a register from an older file (a Jet database), beside it. Status 1 when a row could not be taken or the new
-// register contradicts itself. A program that was built without the library for such files throws.
+// register contradicts itself, or when there is none because the older file is damaged.
 int convertRegister(const QString& file);
+
+// What convertRegister runs in a process of its own: reads the file into a new register at the path. Status 3 when it
+// was made and something could not be taken; throws when it could not be made, and leaves a part of it.
+int convertInto(const QString& file, const QString& draft);

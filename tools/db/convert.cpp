@@ -7,14 +7,20 @@
 #include "values/dates.h"
 #include "values/numbers.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QProcess>
+#include <QTemporaryDir>
 
 #include <sqlite3.h>
 
 #include <cmath>
 #include <limits>
 #include <map>
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -70,11 +76,13 @@ void take(const jet::Value& value, QDate& field, const QString& column, Notes& n
     if (const auto* moment = std::get_if<jet::Moment>(&value)) {
         // Before the zero date, too, the fraction counts forward from the day's beginning.
         const double day = std::trunc(moment->days);
-        field = values::zeroDate().addDays(static_cast<qint64>(day));
-        if (day != moment->days)
-            ++notes[u"%1: 時刻を除きました"_s.arg(column)];
+        constexpr double farthest = 1e6;
+        if (std::abs(day) < farthest)
+            field = values::zeroDate().addDays(static_cast<qint64>(day));
         if (!values::makeDate(field.year(), field.month(), field.day()))
             throw Refused{u"日付が範囲外です"_s};
+        if (day != moment->days)
+            ++notes[u"%1: 時刻を除きました"_s.arg(column)];
     } else if (const auto* text = std::get_if<QString>(&value)) {
         if (text->isEmpty())
             return;
@@ -89,7 +97,7 @@ void take(const jet::Value& value, QDate& field, const QString& column, Notes& n
 
 class Conversion {
   public:
-    Conversion(jet::Database& old, store::Database& target) : old_(old), target_(target), tables_(old.tables()) {}
+    Conversion(jet::Database& old, store::Database& target) : old_(old), target_(target) {}
 
     bool knows(const QString& name) const { return find(name) != nullptr; }
     bool complete() const { return complete_; }
@@ -125,8 +133,8 @@ class Conversion {
     }
 
   private:
-    const jet::Database::Table* find(const QString& name) const {
-        for (const auto& table : tables_)
+    const jet::Table* find(const QString& name) const {
+        for (const auto& table : old_.tables())
             if (table.name.compare(name, Qt::CaseInsensitive) == 0)
                 return &table;
         return nullptr;
@@ -156,7 +164,7 @@ class Conversion {
     }
 
     // Where the older table holds each field; nothing where it has no such column.
-    template <class Row> std::vector<std::optional<std::size_t>> placesOf(const jet::Database::Table& table) {
+    template <class Row> std::vector<std::optional<std::size_t>> placesOf(const jet::Table& table) {
         std::vector<std::optional<std::size_t>> places;
         std::vector<bool> used(table.columns.size());
         std::apply(
@@ -164,7 +172,7 @@ class Conversion {
                 const auto place = [&](const QString& name) {
                     auto& found = places.emplace_back();
                     for (std::size_t i = 0; i < table.columns.size(); ++i)
-                        if (table.columns[i].compare(name, Qt::CaseInsensitive) == 0)
+                        if (table.columns[i].name.compare(name, Qt::CaseInsensitive) == 0)
                             found = i;
                     if (found)
                         used[*found] = true;
@@ -176,7 +184,7 @@ class Conversion {
             store::Description<Row>::fields);
         for (std::size_t i = 0; i < used.size(); ++i)
             if (!used[i])
-                fail(u"%1: 列 %2 は登録簿にない列です。移しません。"_s.arg(table.name, table.columns[i]));
+                fail(u"%1: 列 %2 は登録簿にない列です。移しません。"_s.arg(table.name, table.columns[i].name));
         return places;
     }
 
@@ -260,12 +268,71 @@ class Conversion {
 
     jet::Database& old_;
     store::Database& target_;
-    const std::vector<jet::Database::Table> tables_;
     std::map<std::string, bool> needed_;
     bool complete_ = true;
 };
 
-bool convertInto(const QString& draft, jet::Database& old) {
+// The address sanitizer's shadow takes terabytes of addresses.
+#if defined(__SANITIZE_ADDRESS__)
+#define HOSHIREN_SHADOWED
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define HOSHIREN_SHADOWED
+#endif
+#endif
+
+constexpr int notWhole = 3; // status of the converting process: the register is made, something was not taken
+
+// Far more than a whole register takes.
+int secondsFor(qint64 bytes) {
+    return static_cast<int>(60 + std::min<qint64>(bytes >> 20, 3600));
+}
+
+#ifdef Q_OS_UNIX
+void limitProcess(int seconds) {
+    const auto limit = [](auto resource, rlim_t most) {
+        const rlimit bound{most, most};
+        setrlimit(resource, &bound);
+    };
+    limit(RLIMIT_CPU, static_cast<rlim_t>(seconds));
+    limit(RLIMIT_CORE, 0);
+#ifndef HOSHIREN_SHADOWED
+    limit(RLIMIT_AS, rlim_t{1} << 30);
+#endif
+}
+#endif
+
+// Runs the conversion in a process of its own, so that a file that no check foresaw takes nothing with it. Gives its
+// status; what kept it from making a register is told.
+int convertApart(const QString& file, const QString& draft) {
+    const int seconds = secondsFor(QFileInfo(file).size());
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+#ifdef Q_OS_UNIX
+    process.setChildProcessModifier([seconds] { limitProcess(seconds); });
+#endif
+    process.start(QCoreApplication::applicationFilePath(), {u"convert-apart"_s, file, draft});
+    const bool ended = process.waitForFinished(seconds * 1000);
+    if (!ended) {
+        process.kill();
+        process.waitForFinished();
+    }
+    if (!ended || process.exitStatus() != QProcess::NormalExit)
+        throw store::Error(0,
+                           u"「%1」を読む作業が途中で終わりました。ファイルが壊れているか、大きすぎます。新しい登録簿は"
+                           "作られていません。元のファイルはそのままです。その控えがあれば、控えで試して下さい。"_s.arg(
+                               QDir::toNativeSeparators(file)));
+    return process.exitCode();
+}
+
+} // namespace
+
+int convertInto(const QString& file, const QString& draft) {
+    QFile source(file);
+    if (!source.open(QIODevice::ReadOnly))
+        throw store::Error(0, u"「%1」を読めません。読み取りの許可を確認して下さい。\n\n（%2）"_s.arg(
+                                  QDir::toNativeSeparators(file), source.errorString()));
+    jet::Database old(source);
     store::createRegister(draft);
     store::Database target(draft);
     store::Write write(target);
@@ -287,35 +354,37 @@ bool convertInto(const QString& draft, jet::Database& old) {
         say(stdout, fault);
     say(stdout, faults.isEmpty() ? u"新しい登録簿に異常はありません。"_s
                                  : u"新しい登録簿に %1 件の異常があります。"_s.arg(faults.size()));
-    return conversion.complete() && faults.isEmpty();
+    return conversion.complete() && faults.isEmpty() ? 0 : notWhole;
 }
-
-} // namespace
 
 int convertRegister(const QString& file) {
     const QFileInfo info(file);
     const QString path = info.absolutePath() + u'/' + info.completeBaseName() + u"-new.mdb"_s;
-    const QString draft = path + u".part"_s;
     if (!info.exists())
         throw store::Error(0, u"「%1」がありません。"_s.arg(QDir::toNativeSeparators(file)));
+    if (!info.isFile())
+        throw store::Error(0, u"「%1」は普通のファイルではありません。"_s.arg(QDir::toNativeSeparators(file)));
     if (QFileInfo::exists(path))
         throw store::Error(0, u"「%1」は既にあります。上書きはしません。"_s.arg(QDir::toNativeSeparators(path)));
-    QFile::remove(draft);
-    bool complete = false;
-    try {
-        jet::Database old(file);
-        complete = convertInto(draft, old);
-        if (!QFile::rename(draft, path))
-            throw store::Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(path));
-    } catch (...) {
-        QFile::remove(draft);
-        throw;
-    }
+    // The draft has a folder of its own, which goes with all that is in it, however the run ends.
+    const QTemporaryDir folder(path + u".XXXXXX"_s);
+    const QString draft = folder.filePath(u"register.mdb"_s);
+    const auto cannotMake = [&] {
+        return store::Error(
+            0, u"「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(QDir::toNativeSeparators(path)));
+    };
+    if (!folder.isValid())
+        throw cannotMake();
+    const int status = convertApart(info.absoluteFilePath(), draft);
+    if (status != 0 && status != notWhole)
+        return status;
+    if (!QFile::rename(draft, path))
+        throw cannotMake();
     say(stdout, u"新しい登録簿を作りました: %1"_s.arg(QDir::toNativeSeparators(path)));
-    if (!complete)
+    if (status == notWhole)
         say(stdout, u"移せなかったものがあります。上の行を確認して下さい。元のファイルはそのままです。"_s);
     say(stdout,
         u"登録簿の場所で次の命令を実行すると、これが登録簿になります（今の Hoshiren.mdb は backup に残ります）:\n"
         "  hoshiren-db restore %1"_s.arg(QDir::toNativeSeparators(QFileInfo(path).fileName())));
-    return complete ? 0 : 1;
+    return status == 0 ? 0 : 1;
 }

@@ -20,6 +20,7 @@ constexpr auto usage =
     u"  hoshiren-db create ファイル    新しい登録簿を作ります\n"
     u"  hoshiren-db check ファイル     登録簿に損傷や矛盾がないかを調べます\n"
     u"  hoshiren-db info ファイル      登録簿の内容の概要を示します\n"
+    u"  hoshiren-db upgrade [ファイル] 控えを作り、古い版の登録簿を今の版に進めます\n"
     u"  hoshiren-db convert ファイル   以前の形式（Jet データベース）から新しい登録簿を隣に作ります\n"
     u"今の場所にある登録簿 Hoshiren.mdb について:\n"
     u"  hoshiren-db backup             控えを作ります\n"
@@ -95,32 +96,35 @@ int info(const QString& path) {
     return 0;
 }
 
-#ifndef HOSHIREN_READS_JET
-} // namespace
-
-int convertRegister(const QString&) {
-    throw store::Error(0, u"このプログラムは以前の形式（Jet データベース）を読めるように作られていません。"_s);
-}
-
-namespace {
-#endif
-
 struct Command {
     QString name;
     int arguments;
-    std::function<int(const QString&)> run;
+    std::function<int(const QString&, const QString&)> run;
 };
 
+template <int (*run)(const QString&)> int withOne(const QString& argument, const QString&) {
+    return run(argument);
+}
+
+template <int (*run)()> int alone(const QString&, const QString&) {
+    return run();
+}
+
+// The last one is the tool's own: what convert runs in another process.
 const Command commands[] = {
-    {u"create"_s, 1, create},
-    {u"check"_s, 1, check},
-    {u"info"_s, 1, info},
-    {u"convert"_s, 1, convertRegister},
-    {u"backup"_s, 0, [](const QString&) { return backUp(); }},
-    {u"list"_s, 0, [](const QString&) { return listBackups(); }},
-    {u"restore"_s, 1, restoreRegister},
-    {u"names"_s, 0, [](const QString&) { return showNames(); }},
-    {u"names"_s, 1, [](const QString& option) { return option == u"--write"_s ? writeNames() : usageStatus; }},
+    {u"create"_s, 1, withOne<create>},
+    {u"check"_s, 1, withOne<check>},
+    {u"info"_s, 1, withOne<info>},
+    {u"convert"_s, 1, withOne<convertRegister>},
+    {u"upgrade"_s, 1, withOne<upgrade>},
+    {u"upgrade"_s, 0, [](const QString&, const QString&) { return upgrade(store::Database::registerPath()); }},
+    {u"backup"_s, 0, alone<backUp>},
+    {u"list"_s, 0, alone<listBackups>},
+    {u"restore"_s, 1, withOne<restoreRegister>},
+    {u"names"_s, 0, alone<showNames>},
+    {u"names"_s, 1,
+     [](const QString& option, const QString&) { return option == u"--write"_s ? writeNames() : usageStatus; }},
+    {u"convert-apart"_s, 2, convertInto},
 };
 
 } // namespace
@@ -132,7 +136,7 @@ int main(int argc, char** argv) {
     try {
         for (const Command& command : commands)
             if (arguments.value(1) == command.name && arguments.size() == command.arguments + 2)
-                status = command.run(arguments.value(2));
+                status = command.run(arguments.value(2), arguments.value(3));
     } catch (const std::exception& failure) {
         say(stderr, store::explain(failure));
         return 1;
