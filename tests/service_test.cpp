@@ -370,7 +370,7 @@ TEST_F(Services, AnExtraMemorialBookedIsBornNotifiedAndCanBeDeleted) {
 }
 
 TEST_F(Services, AMemorialAndItsWordsAreOneWrite) {
-    execute(u"CREATE TRIGGER full BEFORE INSERT ON マスタ BEGIN SELECT RAISE(FAIL, 'disk full'); END"_s);
+    refuseRows(u"マスタ"_s, u"true"_s);
     法要外Form form = extra();
     form.frm31_法要場所.text = u"新しい所"_s;
     desk.answer(askRegister, extraTitle, true);
