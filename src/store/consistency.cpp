@@ -22,30 +22,24 @@ void findDamage(Database& database, QStringList& faults) {
             faults += u"ファイルの損傷: %1"_s.arg(found);
 }
 
-// Tables, indexes and queries by their kind and name.
-std::set<QString> layoutOf(SQLite::Database& engine) {
+// Tables, indexes and queries by their kind and name, each with the fields that it has.
+std::map<QString, std::set<QString>> layoutOf(SQLite::Database& engine) {
     static const std::map<QString, QString> kinds = {
         {u"table"_s, u"表"_s}, {u"index"_s, u"索引"_s}, {u"view"_s, u"クエリ"_s}, {u"trigger"_s, u"トリガー"_s}};
-    std::set<QString> layout;
-    SQLite::Statement list(engine, "SELECT type, name FROM sqlite_master WHERE name NOT LIKE 'sqlite~_%' ESCAPE '~'");
-    while (list.executeStep())
-        layout.insert(kinds.at(text(list.getColumn(0))) + u' ' + text(list.getColumn(1)));
+    std::map<QString, std::set<QString>> layout;
+    const auto partOf = [](SQLite::Statement& row) {
+        return kinds.at(text(row.getColumn(0))) + u' ' + text(row.getColumn(1));
+    };
+    SQLite::Statement parts(engine, "SELECT type, name FROM sqlite_master WHERE name NOT LIKE 'sqlite~_%' ESCAPE '~'");
+    while (parts.executeStep())
+        layout[partOf(parts)];
+    SQLite::Statement fields(engine,
+                             "SELECT type, p.name, f.name FROM sqlite_master p, pragma_table_info(p.name) f "
+                             "WHERE p.type = 'table' UNION ALL SELECT p.type, p.name, f.seqno || ' ' || f.name FROM "
+                             "sqlite_master p, pragma_index_info(p.name) f WHERE p.type = 'index'");
+    while (fields.executeStep())
+        layout[partOf(fields)].insert(text(fields.getColumn(2)));
     return layout;
-}
-
-// True when all that the register needs is there, so that its rows can be looked at.
-bool hasWholeLayout(Database& database, QStringList& faults) {
-    SQLite::Database fresh(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-    fresh.exec(embedded_schema);
-    const auto present = layoutOf(database.engine());
-    bool whole = true;
-    for (const QString& name : layoutOf(fresh)) {
-        if (!present.contains(name)) {
-            faults += u"%1 がありません。"_s.arg(name);
-            whole = false;
-        }
-    }
-    return whole;
 }
 
 // A statement that selects contradicting rows, and the line made of each: a % and the number of the column.
@@ -85,9 +79,29 @@ constexpr Contradiction contradictions[] = {
 
 } // namespace
 
+QStringList findLayoutFaults(SQLite::Database& engine) {
+    SQLite::Database fresh(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    fresh.exec(embedded_schema);
+    const auto present = layoutOf(engine);
+    QStringList faults;
+    for (const auto& [part, fields] : layoutOf(fresh)) {
+        const auto found = present.find(part);
+        if (found == present.end())
+            faults += u"%1 がありません。"_s.arg(part);
+        else
+            for (const QString& field : fields)
+                if (!found->second.contains(field))
+                    faults += u"%1 に項目 %2 がありません。"_s.arg(part, field);
+    }
+    return faults;
+}
+
 void findFaults(Database& database, QStringList& faults) {
     findDamage(database, faults);
-    if (!hasWholeLayout(database, faults))
+    // Its rows can be looked at when all that the register needs is there.
+    const QStringList missing = findLayoutFaults(database.engine());
+    faults += missing;
+    if (!missing.isEmpty())
         return;
     for (const auto& [statement, line] : contradictions) {
         SQLite::Statement rows(database.engine(), statement);

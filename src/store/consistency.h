@@ -6,6 +6,9 @@
 
 namespace store {
 
+// What a register needs and this file lacks, one Japanese line each: tables, indexes, queries, and fields of those.
+QStringList findLayoutFaults(SQLite::Database& engine);
+
 // What is wrong with the register, one Japanese line each: damage that the engine finds, tables, indexes and queries
 // that are missing or other than in a new register, and rows that contradict one another. Empty when all is well. A row
 // whose copy of a household's name differs from the household's own is no fault. Throws where damage keeps it from

@@ -17,6 +17,7 @@ namespace transfer {
 extern const QString noInput;
 extern const QString noOutput;
 extern const QString registersFile;
+extern const QString backupsPlace;
 extern const QString badHouseholdNumber;
 
 // Shows the message, without an icon, when the condition holds; says whether it does.
@@ -69,10 +70,10 @@ struct ImportJob {
 // one goes to the error file at once. What the progress counts as stored is stored: neither a cancel nor the end of the
 // process takes it back, and what is stored is always the beginning of the accepted records.
 // Before a table is emptied the register is copied (desk::copyBefore).
-// Nothing on No, and, with a message, when no number is left to issue after emptying or when input, error file and
-// register are not different files. Throws store::Error when a file cannot be used or the register fails: where that
-// happens before the first record, the files and the table are as they were; later, the message says how many records
-// were stored.
+// Nothing on No, and, with a message, when no number is left to issue after emptying, when input, error file and
+// register are not different files, or when the error file is to lie among the register's copies. Throws store::Error
+// when a file cannot be used or the register fails: where that happens before the first record, the files and the table
+// are as they were; later, the message says how many records were stored.
 std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk);
 
 } // namespace transfer
