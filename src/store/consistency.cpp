@@ -34,7 +34,7 @@ std::map<QString, std::set<QString>> layoutOf(SQLite::Database& engine) {
     while (parts.executeStep())
         layout[partOf(parts)];
     SQLite::Statement fields(engine,
-                             "SELECT type, p.name, f.name FROM sqlite_master p, pragma_table_info(p.name) f "
+                             "SELECT p.type, p.name, f.name FROM sqlite_master p, pragma_table_info(p.name) f "
                              "WHERE p.type = 'table' UNION ALL SELECT p.type, p.name, f.seqno || ' ' || f.name FROM "
                              "sqlite_master p, pragma_index_info(p.name) f WHERE p.type = 'index'");
     while (fields.executeStep())

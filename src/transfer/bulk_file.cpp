@@ -15,13 +15,17 @@ namespace {
 
 constexpr qsizetype bufferSize = qsizetype{256} * 1024;
 
-// The path with its folder's links and other spellings resolved; for a file that exists, its own links too.
-QString resolved(const QString& path) {
+// The file that is written when the path is: a link stays what it is.
+QString written(const QString& path) {
     const QFileInfo info(path);
     if (info.exists())
         return info.canonicalFilePath();
-    const QString target = info.isSymLink() ? info.symLinkTarget() : path;
-    const QFileInfo end(target);
+    return info.isSymLink() ? info.symLinkTarget() : info.absoluteFilePath();
+}
+
+// The path with its folder's links and other spellings resolved; for a file that exists, its own links too.
+QString resolved(const QString& path) {
+    const QFileInfo end(written(path));
     return QFileInfo(end.absolutePath()).canonicalFilePath() + u'/' + end.fileName();
 }
 
@@ -58,7 +62,7 @@ void openInput(QFile& file) {
 ExportFile::ExportFile(const QString& path) : path_(path) {
     if (const QString odd = store::notAFile(path); !odd.isEmpty())
         fail(odd);
-    const QString target = resolved(path);
+    const QString target = written(path);
     if (QFileInfo::exists(target) && !QFileInfo(target).isWritable())
         fail(u"書き込みが許可されていません"_s);
     try {
@@ -87,7 +91,7 @@ void ExportFile::commit() {
         fail(file_.errorString());
     file_.close();
     try {
-        draft_->moveTo(resolved(path_), store::Existing::replaced);
+        draft_->moveTo(written(path_), store::Existing::replaced);
     } catch (const store::DraftError& failure) {
         fail(failure.systemWords());
     }
@@ -97,7 +101,7 @@ void ExportFile::fail(const QString& systemWords) const {
     throw FileError(u"出力ファイル「%1」に書き込めません。保存先と空き容量を確認して下さい。"_s, path_, systemWords);
 }
 
-ErrorFile::ErrorFile(const QString& path) : path_(path), file_(resolved(path)) {}
+ErrorFile::ErrorFile(const QString& path) : path_(path), file_(written(path)) {}
 
 void ErrorFile::check() const {
     if (const QString odd = store::notAFile(path_); !odd.isEmpty())
