@@ -248,8 +248,11 @@ std::optional<SQLite::Database> takeHold(const QString& path) {
         switch (primary(failure)) {
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
-        case SQLITE_READONLY:
             return {};
+        case SQLITE_READONLY:
+            if (!QFileInfo(path).isWritable())
+                return {};
+            [[fallthrough]];
         default:
             throw Error(failure.getErrorCode(), explain(failure));
         }
