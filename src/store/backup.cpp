@@ -14,7 +14,6 @@
 #include <sqlite3.h>
 
 #include <memory>
-#include <utility>
 
 #include <filesystem>
 
@@ -25,7 +24,7 @@ namespace store {
 namespace {
 
 // A part of a copy that keeps the caller responsive: some milliseconds.
-constexpr int pagesAtOnce = 512;
+constexpr int pagesAtOnce = 256;
 constexpr int lockPatience = 10'000;                     // ms
 constexpr std::chrono::milliseconds betweenQuestions{1}; // to a thread that is to stop
 
@@ -308,13 +307,10 @@ QString replaceRegister(Draft& draft, const QString& path, const QString& folder
 } // namespace
 
 Copy::Copy(const QString& source, const std::function<QString()>& target)
-    : source_(source), register_(openSource(source)), draft_(target()) {
+    : source_(source), register_(openSource(source)), draft_(target()),
+      memory_(std::in_place, ":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE) {
     // A wait for locks belongs to the caller, between two parts.
     register_->engine().setBusyTimeout(0);
-    copy_.emplace(QFile::encodeName(draft_.path()).constData(), SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE);
-    // What fails is thrown away whole, what succeeds is brought to the disk before it is moved.
-    copy_->exec("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
-    pages_.emplace(*copy_, register_->engine());
 }
 
 Copy::Copy(const QString& source, const QString& target) : Copy(source, [&target] { return target; }) {}
@@ -333,58 +329,89 @@ Copy::Copy(const QString& registerPath, BackupKind kind, const QDateTime& now)
 }
 
 Copy::~Copy() {
+    abandoned_ = true;
     // Asked again and again: an interruption between two statements is forgotten.
-    while (proof_.valid() && waiting(proof_, betweenQuestions))
-        sqlite3_interrupt(copy_->getHandle());
-    if (finishing_.valid())
-        finishing_.wait();
-    pages_.reset();
-    copy_.reset();
+    while (work_.valid() && working(betweenQuestions))
+        if (stage_ == Stage::proving)
+            sqlite3_interrupt(copy_->getHandle());
 }
 
-bool Copy::waiting(const std::future<void>& work, std::chrono::milliseconds patience) const {
-    return work.wait_for(patience) != std::future_status::ready;
+bool Copy::working(std::chrono::milliseconds patience) const {
+    return work_.wait_for(patience) != std::future_status::ready;
 }
 
 bool Copy::advance(std::chrono::milliseconds patience) {
-    if (pages_) {
-        copyPages();
+    if (stage_ == Stage::reading) {
+        readPages();
         return true;
     }
-    if (proof_.valid()) {
-        if (waiting(proof_, patience))
-            return true;
-        proof_.get();
+    if (working(patience))
+        return true;
+    work_.get();
+    return startNext();
+}
+
+bool Copy::startNext() {
+    const auto open = [this] {
+        copy_.reset();
+        copy_.emplace(QFile::encodeName(draft_.path()).constData(), SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE);
+    };
+    switch (stage_) {
+    case Stage::reading:
+        pages_.reset();
+        register_.reset();
+        open();
+        stage_ = Stage::writing;
+        work_ = std::async(std::launch::async, [this] { write(); });
+        return true;
+    case Stage::writing:
+        // Anew: what is proven is the file, not what the writing connection remembers of it.
+        open();
+        stage_ = Stage::proving;
+        work_ = std::async(std::launch::async, [this] { prove(*copy_, draft_.path()); });
+        return true;
+    case Stage::proving:
         copy_.reset();
         if (!finish_)
             return false;
-        finishing_ = std::async(std::launch::async, finish_);
-    }
-    if (waiting(finishing_, patience))
+        stage_ = Stage::finishing;
+        work_ = std::async(std::launch::async, finish_);
         return true;
-    finishing_.get();
+    case Stage::finishing:
+        break;
+    }
     return false;
 }
 
 int Copy::percent() const {
-    if (!pages_)
-        return finishing_.valid() ? 100 : 50;
-    return pages_->getTotalPageCount() == 0 ? 0
-                                            : 50 - 50 * pages_->getRemainingPageCount() / pages_->getTotalPageCount();
+    switch (stage_) {
+    case Stage::reading:
+        return pages_ && pages_->getTotalPageCount() > 0
+                   ? 50 - 50 * pages_->getRemainingPageCount() / pages_->getTotalPageCount()
+                   : 0;
+    case Stage::writing:
+        return 50;
+    case Stage::proving:
+        return 75;
+    case Stage::finishing:
+        break;
+    }
+    return 100;
 }
 
-void Copy::copyPages() {
+void Copy::readPages() {
     const int result = blamingRegister([this] {
         try {
-            if (!std::exchange(begun_, true))
+            if (!pages_)
                 refuseCutFile(*register_, source_);
-            return pages_->executeStep(pagesAtOnce);
         } catch (const SQLite::Exception& failure) {
             if (primary(failure) != SQLITE_BUSY)
                 throw;
-            begun_ = false;
             return SQLITE_BUSY;
         }
+        if (!pages_)
+            pages_.emplace(*memory_, register_->engine());
+        return pages_->executeStep(pagesAtOnce);
     });
     if (result == SQLITE_BUSY || result == SQLITE_LOCKED) {
         if (!locked_.isValid())
@@ -395,13 +422,19 @@ void Copy::copyPages() {
         return;
     }
     locked_.invalidate();
-    if (result != SQLITE_DONE)
-        return;
-    pages_.reset();
-    register_.reset();
-    copy_.reset();
-    copy_.emplace(QFile::encodeName(draft_.path()).constData(), SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE);
-    proof_ = std::async(std::launch::async, [this] { prove(*copy_, draft_.path()); });
+    if (result == SQLITE_DONE)
+        startNext();
+}
+
+void Copy::write() {
+    // What fails is thrown away whole, what succeeds is brought to the disk before it is moved.
+    copy_->exec("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
+    {
+        SQLite::Backup pages(*copy_, *memory_);
+        while (!abandoned_ && pages.executeStep(pagesAtOnce) == SQLITE_OK) {
+        }
+    }
+    memory_.reset();
 }
 
 QString backupFolder(const QString& registerPath) {

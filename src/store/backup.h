@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <future>
@@ -31,9 +32,10 @@ enum class BackupKind {
     replaced // what a restored copy took the place of; never removed by the program, and not proven
 };
 
-// A copy of a register in the making: through the engine's backup interface into a draft, which is then proven in a
-// thread of its own. A register that is written to meanwhile is copied anew from its beginning; one that another
-// program keeps locked for ten seconds fails the copy. Between two calls of advance() the register is not locked.
+// A copy of a register in the making: read into memory through the engine's backup interface, part by part; written
+// into a draft and proven in a thread of its own, so that no disk and no proof holds up the caller. A register that is
+// written to meanwhile is read anew from its beginning; one that another program keeps locked for ten seconds fails the
+// copy. Between two calls of advance() the register is not locked.
 class Copy {
   public:
     // A proven draft beside the target, for the caller to move. Throws Error, RegisterFault.
@@ -41,8 +43,8 @@ class Copy {
     // A copy in the register's backup folder, which is made where it is missing; then removes old ones. A daily copy is
     // dropped where the newest one is of the same contents and there is one of that day. Throws Error, RegisterFault.
     Copy(const QString& registerPath, BackupKind kind, const QDateTime& now);
-    // Does the next part of the work, some milliseconds long, or waits so long for the proof; true while there is more
-    // to do. Throws as the constructors do, and SQLite::Exception.
+    // Does the next part of the work, some milliseconds long, or waits so long for the other thread; true while there
+    // is more to do. Throws as the constructors do, and SQLite::Exception.
     bool advance(std::chrono::milliseconds patience = {});
     // Leaves no draft.
     ~Copy();
@@ -55,20 +57,25 @@ class Copy {
     const QString& path() const { return path_; }
 
   private:
+    enum class Stage { reading, writing, proving, finishing };
+
     Copy(const QString& source, const std::function<QString()>& target);
-    void copyPages();
-    bool waiting(const std::future<void>& work, std::chrono::milliseconds patience) const;
+    void readPages();
+    void write();
+    bool startNext();
+    bool working(std::chrono::milliseconds patience) const;
 
     const QString source_;
     std::optional<Database> register_;
     Draft draft_;
     std::function<void()> finish_; // what becomes of the proven draft
-    std::optional<SQLite::Database> copy_;
+    std::optional<SQLite::Database> memory_;
     std::optional<SQLite::Backup> pages_;
-    bool begun_ = false;
+    std::optional<SQLite::Database> copy_; // the draft
+    Stage stage_ = Stage::reading;
     QElapsedTimer locked_;
-    std::future<void> proof_;
-    std::future<void> finishing_;
+    std::atomic<bool> abandoned_ = false;
+    std::future<void> work_; // of the other thread; what it uses is nobody else's as long as it lasts
     QString path_;
 };
 

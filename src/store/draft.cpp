@@ -7,6 +7,7 @@
 #include <QUuid>
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 

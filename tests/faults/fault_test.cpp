@@ -457,6 +457,7 @@ class Together : public ::testing::Test {
         }
         if (::write(confirmed, &number, sizeof number) != sizeof number)
             _exit(1);
+        usleep(1000); // a lock that is never free is another test's matter
     }
 }
 
