@@ -133,6 +133,8 @@ void prove(SQLite::Database& copy, const QString& path) {
             throw damaged(found);
         if (const QStringList missing = findLayoutFaults(copy); !missing.isEmpty())
             throw damaged(missing.first().toStdString());
+        if (const QStringList unreadable = findUnreadableTexts(copy); !unreadable.isEmpty())
+            throw damaged(unreadable.first().toStdString());
     });
 }
 

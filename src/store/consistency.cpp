@@ -96,6 +96,25 @@ QStringList findLayoutFaults(SQLite::Database& engine) {
     return faults;
 }
 
+QStringList findUnreadableTexts(SQLite::Database& engine) {
+    SQLite::Database fresh(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    fresh.exec(embedded_schema);
+    SQLite::Statement tables(fresh, "SELECT name FROM sqlite_master WHERE type = 'table'");
+    QStringList faults;
+    while (tables.executeStep()) {
+        SQLite::Statement rows(engine, "SELECT rowid, * FROM " + tables.getColumn(0).getString() + " NOT INDEXED");
+        while (rows.executeStep()) {
+            for (int i = 0; i < rows.getColumnCount(); ++i) {
+                const SQLite::Column field = rows.getColumn(i);
+                if (field.isText() && !QUtf8StringView(field.getText(), field.getBytes()).isValidUtf8())
+                    faults += u"表 %1 の %2 行目の %3 に文字として読めない値があります。"_s.arg(
+                        text(tables.getColumn(0)), text(rows.getColumn(0)), QString::fromUtf8(field.getName()));
+            }
+        }
+    }
+    return faults;
+}
+
 void findFaults(Database& database, QStringList& faults) {
     findDamage(database, faults);
     // Its rows can be looked at when all that the register needs is there.
@@ -103,6 +122,7 @@ void findFaults(Database& database, QStringList& faults) {
     faults += missing;
     if (!missing.isEmpty())
         return;
+    faults += findUnreadableTexts(database.engine());
     for (const auto& [statement, line] : contradictions) {
         SQLite::Statement rows(database.engine(), statement);
         while (rows.executeStep()) {

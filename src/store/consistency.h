@@ -9,6 +9,10 @@ namespace store {
 // What a register needs and this file lacks, one Japanese line each: tables, indexes, queries, and fields of those.
 QStringList findLayoutFaults(SQLite::Database& engine);
 
+// Fields of a register with its whole layout that hold text which is none, one Japanese line each. The program never
+// writes such a text: it is damage that the engine, which does not look into texts, takes for contents.
+QStringList findUnreadableTexts(SQLite::Database& engine);
+
 // What is wrong with the register, one Japanese line each: damage that the engine finds, tables, indexes and queries
 // that are missing or other than in a new register, and rows that contradict one another. Empty when all is well. A row
 // whose copy of a household's name differs from the household's own is no fault. Throws where damage keeps it from
