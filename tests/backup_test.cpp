@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFile>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -34,6 +36,11 @@ class Backups : public RegisterFixture {
         put(u"backup/"_s + name);
         return name;
     }
+    static QByteArray contents(const QString& name) {
+        QFile file(name);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
     // The statement's one value, read from a file.
     static QString valueIn(const QString& file, const QString& sql) {
         store::Database database(file);
@@ -56,7 +63,7 @@ class Backups : public RegisterFixture {
 
 TEST_F(Backups, CopyHoldsTheRegisterAndIsItsOwnersAlone) {
     const QString made = copy();
-    EXPECT_EQ(names(), QStringList{u"Hoshiren-2026-11-22-090312-manual.mdb"_s});
+    EXPECT_EQ(names(), QStringList{u"Hoshiren-2026-11-22-090312-00001-manual.mdb"_s});
     EXPECT_EQ(valueIn(made, u"SELECT tbldnk_nameg FROM tbl_danka"_s), u"山田"_s);
     constexpr auto others = QFileDevice::ReadGroup | QFileDevice::ReadOther | QFileDevice::ExeOther;
     EXPECT_FALSE((QFile::permissions(made) | QFile::permissions(path(u"backup"_s))) & others);
@@ -73,20 +80,65 @@ TEST_F(Backups, WriteBetweenTwoPartsIsInTheCopy) {
     execute(u"UPDATE tbl_danka SET tbldnk_nameg = '改姓'"_s);
     while (copy.advance()) {
     }
-    EXPECT_EQ(valueIn(copy.path(), u"SELECT count(*) FROM tbl_danka WHERE tbldnk_nameg = '改姓'"_s), u"19902"_s);
-    EXPECT_EQ(valueIn(copy.path(), u"PRAGMA integrity_check"_s), u"ok"_s);
+    const QString made = copy.draft().path();
+    EXPECT_EQ(valueIn(made, u"SELECT count(*) FROM tbl_danka WHERE tbldnk_nameg = '改姓'"_s), u"19902"_s);
+    EXPECT_EQ(valueIn(made, u"PRAGMA integrity_check"_s), u"ok"_s);
 }
 
-TEST_F(Backups, AFailedCopyLeavesNothing) {
-    // A table's first page is gone: what cannot be read is no copy.
-    const int page = query(u"SELECT rootpage FROM sqlite_master WHERE name = 'tbl_danka'"_s).toInt();
-    QFile file(registered());
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    file.seek(qint64{page - 1} * 4096);
-    file.write(QByteArray(4096, '\x7f'));
-    file.close();
-    EXPECT_THROW(copy(), SQLite::Exception);
+TEST_F(Backups, NothingDamagedIsACopyNorRestored) {
+    execute(u"WITH RECURSIVE n(i) AS (SELECT 100 UNION ALL SELECT i + 1 FROM n WHERE i < 200) INSERT INTO tbl_danka "
+            "(tbldnk_no1, tbldnk_bikou) SELECT i, printf('%0200d', i) FROM n"_s);
+    const QByteArray good = contents(registered());
+    constexpr qsizetype page = 4096;
+    QList<QByteArray> damaged;
+    for (qsizetype at = 0; at < good.size(); at += page) {
+        damaged << good << good;
+        damaged[damaged.size() - 2].replace(at, page, QByteArray(page, '\x7f'));
+        damaged.last().replace(at, page, QByteArray(page, '\0'));
+        for (const qsizetype size : {at, at + 1, at + page - 1})
+            damaged << good.left(size);
+    }
+    // Only a text is hit, which the engine does not look into.
+    damaged << good;
+    damaged.last().replace(good.indexOf("0000000"), 2, "\xFF\xFE");
+    for (const QByteArray& bytes : damaged) {
+        put(u"Hoshiren.mdb"_s, bytes);
+        EXPECT_THROW(copy(), store::RegisterFault);
+        put(u"Hoshiren.mdb"_s, good);
+        EXPECT_THROW(store::restore(put(u"copy.mdb"_s, bytes), registered(), {today, QTime(10, 0)}), store::Error);
+        ASSERT_FALSE(HasFailure()) << damaged.indexOf(bytes) / 5 << ' ' << damaged.indexOf(bytes) % 5;
+    }
     EXPECT_EQ(names(), QStringList());
+    EXPECT_EQ(contents(registered()), good);
+    // Rows that are all there do not make up for what the register's rules look for.
+    execute(u"DROP INDEX idxkzk_no"_s);
+    EXPECT_THROW(copy(), store::RegisterFault);
+    EXPECT_EQ(names(), QStringList());
+}
+
+TEST_F(Backups, ClocksDoNotMixCopiesUp) {
+    const auto daily = [this](QDate day) {
+        execute(u"UPDATE tbl_danka SET tbldnk_tel = ifnull(tbldnk_tel, 0) + 1"_s);
+        return store::makeBackup(registered(), store::BackupKind::daily, {day, QTime(9, 0)}).value();
+    };
+    const QString old = put(today.addDays(-1), u"daily"_s);
+    // A clock that always says the same, until it jumps ahead for a month and is set right.
+    for (int start = 0; start < 3; ++start)
+        EXPECT_NE(daily(today), QString());
+    for (int day = 0; day < 30; ++day)
+        daily(today.addDays(365 + day));
+    const QString corrected = daily(today.addDays(1));
+    const auto backups = store::backupsOf(registered());
+    EXPECT_EQ(backups.front().path, corrected);
+    EXPECT_EQ(backups.front().number, 34);
+    EXPECT_EQ(QFileInfo(backups.back().path).fileName(), old);
+    // Nothing has changed since: this day has its copy, the next one has none.
+    const auto unchanged = [this](int days) {
+        return store::makeBackup(registered(), store::BackupKind::daily, {today.addDays(days), QTime(9, 5)}).value();
+    };
+    EXPECT_EQ(unchanged(1), QString());
+    EXPECT_NE(unchanged(2), QString());
+    EXPECT_EQ(store::backupsOf(registered()).front().number, 35);
 }
 
 TEST_F(Backups, KeepsFourteenDaysTwelveMonthsAndTenOperations) {
@@ -109,6 +161,14 @@ TEST_F(Backups, KeepsFourteenDaysTwelveMonthsAndTenOperations) {
         put(u"backup/"_s + untouched);
         kept << untouched;
     }
+    // Of the drafts those that nobody writes any more.
+    const QString draft = u"hoshiren-0123456789abcdef0123456789abcde%1.draft"_s;
+    for (const auto& [number, minutes] : {std::pair(1, 59), {2, 61}}) {
+        QFile file(put(u"backup/"_s + draft.arg(number)));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        file.setFileTime(QDateTime::currentDateTime().addSecs(-60 * minutes), QFileDevice::FileModificationTime);
+    }
+    kept << draft.arg(1);
     store::removeOldBackups(registered(), {});
     kept.sort();
     EXPECT_EQ(names(), kept);
@@ -168,11 +228,26 @@ TEST_F(Backups, RestorePutsTheCopyBackAndKeepsWhatWasThere) {
     EXPECT_EQ(household(), u"山田"_s);
     ASSERT_TRUE(broken.open(QIODevice::ReadOnly));
     EXPECT_EQ(broken.readAll(), "garbage");
+    EXPECT_THROW(store::restore(registered(), registered(), {today, QTime(10, 0)}), store::Error);
+    EXPECT_EQ(household(), u"山田"_s);
     QFile::remove(registered());
     EXPECT_ANY_THROW(store::restore(put(u"other.mdb"_s, "no register"), registered(), {today, QTime(10, 0)}));
     EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files), QStringList{u"other.mdb"_s});
     EXPECT_EQ(store::restore(made, registered(), {today, QTime(10, 0)}), QString());
     EXPECT_EQ(household(), u"山田"_s);
+}
+
+TEST_F(Backups, NoPipeIsOpened) {
+    const QString pipe = path(u"pipe.mdb"_s);
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0644), 0);
+    const QString made = copy();
+    EXPECT_THROW(store::Database{pipe}, store::Error);
+    EXPECT_THROW(store::bringBackToOneFile(pipe), store::Error);
+    EXPECT_THROW(store::restore(pipe, registered(), {today, QTime(10, 0)}), store::Error);
+    EXPECT_THROW(store::restore(made, pipe, {today, QTime(10, 0)}), store::Error);
+    EXPECT_TRUE(QFile::permissions(pipe) & QFile::ReadOther);
+    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files | QDir::System),
+              (QStringList{u"Hoshiren.mdb"_s, u"pipe.mdb"_s}));
 }
 
 TEST_F(Backups, RestoreIsSafeFromTheJournalOfARegisterThatIsGone) {

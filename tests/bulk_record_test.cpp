@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -285,13 +286,32 @@ TEST_F(BulkFiles, TheErrorFileIsTestedWithoutBeingTouched) {
     transfer::ErrorFile(path(u"new.csv"_s)).check();
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"err.csv"_s});
     EXPECT_THROW(transfer::ErrorFile(path(u"none/err.csv"_s)).check(), transfer::FileError);
-    EXPECT_THROW(transfer::ErrorFile(folder.path()).check(), transfer::FileError);
     EXPECT_THROW(transfer::ExportFile(path(u"none/out.csv"_s)), transfer::FileError);
-    EXPECT_THROW(transfer::ExportFile(folder.path()), transfer::FileError);
-    for (const QString& name : {path(u"none.csv"_s), folder.path()}) {
+    QFile none(path(u"none.csv"_s));
+    EXPECT_THROW(transfer::openInput(none), transfer::FileError);
+}
+
+TEST_F(BulkFiles, OnlyRegularFilesAreOpenedAndNothingIsChanged) {
+    const QString pipe = path(u"pipe"_s);
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0644), 0);
+    for (const QString& name : {folder.path(), pipe, u"/dev/null"_s}) {
+        const auto before = std::filesystem::status(name.toStdString());
+        EXPECT_THROW(transfer::ErrorFile(name).check(), transfer::FileError);
+        EXPECT_THROW(transfer::ExportFile{name}, transfer::FileError);
         QFile input(name);
         EXPECT_THROW(transfer::openInput(input), transfer::FileError);
+        const auto after = std::filesystem::status(name.toStdString());
+        EXPECT_EQ(after.type(), before.type());
+        EXPECT_EQ(after.permissions(), before.permissions()) << name.toStdString();
     }
+    // What an error file takes the place of may have another name that is somebody's.
+    put(u"mine.csv"_s, "mine");
+    std::filesystem::create_hard_link(path(u"mine.csv"_s).toStdString(), path(u"err.csv"_s).toStdString());
+    const auto mode = std::filesystem::status(path(u"mine.csv"_s).toStdString()).permissions();
+    transfer::ErrorFile(path(u"err.csv"_s)).open();
+    EXPECT_EQ(get(u"mine.csv"_s), "mine");
+    EXPECT_EQ(std::filesystem::status(path(u"mine.csv"_s).toStdString()).permissions(), mode);
+    EXPECT_EQ(get(u"err.csv"_s), "");
 }
 
 TEST_F(BulkFiles, OneFileUnderManyNames) {
@@ -316,4 +336,13 @@ TEST_F(BulkFiles, OneFileUnderManyNames) {
     for (const QString& side : {u"R.mdb"_s, u"R.mdb-journal"_s, u"R.mdb-wal"_s, u"R.mdb-shm"_s, u"later.csv"_s})
         EXPECT_TRUE(transfer::belongsToRegister(path(side), path(u"R.mdb"_s))) << side.toStdString();
     EXPECT_FALSE(transfer::belongsToRegister(path(u"a.csv"_s), path(u"R.mdb"_s)));
+
+    QDir(folder.path()).mkpath(u"backup/deeper"_s);
+    std::filesystem::create_directory_symlink(path(u"backup"_s).toStdString(), path(u"link"_s).toStdString());
+    std::filesystem::create_symlink(path(u"backup/c.mdb"_s).toStdString(), path(u"copy.csv"_s).toStdString());
+    for (const QString& inside :
+         {u"backup/c.mdb"_s, u"sub/../backup/new.csv"_s, u"backup/deeper/new.csv"_s, u"link/new.csv"_s, u"copy.csv"_s})
+        EXPECT_TRUE(transfer::inBackupFolder(path(inside), path(u"R.mdb"_s))) << inside.toStdString();
+    for (const QString& outside : {u"a.csv"_s, u"sub/new.csv"_s, u"backup.csv"_s})
+        EXPECT_FALSE(transfer::inBackupFolder(path(outside), path(u"R.mdb"_s))) << outside.toStdString();
 }

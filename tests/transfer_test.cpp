@@ -5,6 +5,7 @@
 #include "transfer/household_transfer_rules.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 
 using namespace Qt::StringLiterals;
@@ -486,6 +487,12 @@ TEST_F(Transfer, NothingIsTouchedBeforeYes) {
         desk.expect(own, u"檀家出力"_s);
         EXPECT_EQ(transfer::ExportHouseholds(path(name), desk), 0);
     }
+    const QString copies = u"控えの場所（backup フォルダー）には出力できません。別のフォルダーを指定して下さい"_s;
+    QDir(directory.path()).mkdir(u"backup"_s);
+    desk.expect(copies, householdTitle);
+    EXPECT_FALSE(transfer::ImportHouseholds(input, path(u"backup/err.csv"_s), automatic, desk));
+    desk.expect(copies, u"檀家出力"_s);
+    EXPECT_EQ(transfer::ExportHouseholds(path(u"backup/out.csv"_s), desk), 0);
     desk.expect(u"入力ファイルと出力ファイルが同じです。別のファイルを指定して下さい"_s, householdTitle);
     EXPECT_FALSE(transfer::ImportHouseholds(input, path(u"./in.csv"_s), automatic, desk));
     // A register that cannot be used leaves the error file.

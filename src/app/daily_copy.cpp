@@ -11,11 +11,12 @@ namespace app {
 namespace {
 
 constexpr std::chrono::milliseconds betweenParts{5};
-constexpr std::chrono::minutes betweenLooks{10};
+constexpr std::chrono::hours aDay{24};
 
 } // namespace
 
-DailyCopy::DailyCopy(ui::Workplace& workplace, std::chrono::milliseconds wait) : workplace_(workplace) {
+DailyCopy::DailyCopy(ui::Workplace& workplace, std::chrono::milliseconds wait, std::chrono::milliseconds betweenLooks)
+    : workplace_(workplace), betweenLooks_(betweenLooks) {
     timer_.callOnTimeout([this] { goOn(); });
     timer_.start(wait);
 }
@@ -25,39 +26,40 @@ void DailyCopy::goOn() {
     if (workplace_.operating())
         return;
     try {
-        if (!copy_)
+        if (!copy_) {
             begin();
-        else if (!copy_->advance()) {
-            store::removeOldBackups(store::Database::registerPath(), copy_->path());
+        } else if (!copy_->advance()) {
             copy_.reset();
+            doneOn_ = day_;
+            done_.start();
+            told_ = Told::nothing;
         }
+    } catch (const store::RegisterFault& fault) {
+        copy_.reset();
+        tell(Told::registerFault, fault.message());
     } catch (const std::exception& failure) {
         copy_.reset();
-        tell(store::explain(failure));
+        tell(Told::noCopy,
+             u"今日の控えを作れませんでした。このまま仕事は続けられます。\n\n"_s + store::explain(failure));
     }
-    if (copy_)
-        timer_.start(betweenParts);
-    else
-        timer_.start(betweenLooks);
+    timer_.start(copy_ ? betweenParts : betweenLooks_);
 }
 
 void DailyCopy::begin() {
     const QString path = store::Database::registerPath();
     const QDate today = workplace_.today();
-    if (triedOn_ == today || !QFileInfo::exists(path))
+    // A clock that stands still does not stop the copies of a program that is left open.
+    if ((doneOn_ == today && !done_.hasExpired(std::chrono::milliseconds(aDay).count())) || !QFileInfo::exists(path))
         return;
-    triedOn_ = today;
-    const auto backups = store::backupsOf(path);
-    if (std::any_of(backups.begin(), backups.end(), [today](const store::Backup& backup) {
-            return backup.kind == store::BackupKind::daily && backup.made.date() == today;
-        }))
-        return;
-    copy_.emplace(path, store::newBackupPath(path, store::BackupKind::daily, {today, QTime::currentTime()}));
+    day_ = today;
+    copy_.emplace(path, store::BackupKind::daily, QDateTime(today, QTime::currentTime()));
 }
 
-void DailyCopy::tell(const QString& failure) {
+void DailyCopy::tell(Told what, const QString& text) {
+    if (told_ >= what)
+        return;
+    told_ = what;
     timer_.stop();
-    const QString text = u"今日の控えを作れませんでした。このまま仕事は続けられます。\n\n"_s + failure;
     ui::showMessage(workplace_.find(u"メニュー"_s), text, u"メニュー"_s, desk::Icon::exclamation);
 }
 

@@ -25,7 +25,9 @@ bool offerRegister(const QString& folder) {
         if (!QDir().mkpath(folder))
             throw store::Error(0, u"フォルダ「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(
                                       QDir::toNativeSeparators(folder)));
-        store::createRegister(path);
+        // Another start may have been told the same meanwhile.
+        if (!QFileInfo::exists(path))
+            store::createRegister(path);
     } catch (const std::exception& failure) {
         ui::showMessage(nullptr, store::explain(failure), title, desk::Icon::exclamation);
         return false;

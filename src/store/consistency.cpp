@@ -56,12 +56,32 @@ constexpr Contradiction contradictions[] = {
 
 } // namespace
 
+QStringList findUnreadableTexts(SQLite::Database& engine) {
+    // An older register's tables, too; what has no row numbers is none of a register's.
+    SQLite::Statement tables(engine, "SELECT name FROM pragma_table_list WHERE schema = 'main' AND type = 'table' AND "
+                                     "NOT wr AND name NOT LIKE 'sqlite~_%' ESCAPE '~'");
+    QStringList faults;
+    while (tables.executeStep()) {
+        SQLite::Statement rows(engine, "SELECT rowid, * FROM \"" + tables.getColumn(0).getString() + "\" NOT INDEXED");
+        while (rows.executeStep()) {
+            for (int i = 0; i < rows.getColumnCount(); ++i) {
+                const SQLite::Column field = rows.getColumn(i);
+                if (field.isText() && !QUtf8StringView(field.getText(), field.getBytes()).isValidUtf8())
+                    faults += u"表 %1 の %2 行目の %3 に文字として読めない値があります。"_s.arg(
+                        text(tables.getColumn(0)), text(rows.getColumn(0)), QString::fromUtf8(field.getName()));
+            }
+        }
+    }
+    return faults;
+}
+
 void findFaults(Database& database, QStringList& faults) {
     findDamage(database, faults);
     const LayoutDifferences differences = compareLayout(database.engine());
     faults += differences.wrong + differences.extra;
     if (!differences.readable)
         return;
+    faults += findUnreadableTexts(database.engine());
     for (const auto& [statement, line] : contradictions) {
         SQLite::Statement rows(database.engine(), statement);
         while (rows.executeStep()) {

@@ -1,10 +1,13 @@
 #include "store/database.h"
 
+#include "store/draft.h"
 #include "store/embedded_data.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QThread>
 
 #include <sqlite3.h>
 
@@ -30,6 +33,8 @@ QString sentenceFor(int code) {
     // The index of a write-ahead log finds no room.
     if (code == SQLITE_IOERR_SHMSIZE)
         code = SQLITE_FULL;
+    if (code == SQLITE_READONLY_DBMOVED)
+        return u"登録簿ファイルが別のものに置き換えられました。何も書き込まれていません。画面を開き直して下さい。"_s;
     switch (code & 0xff) {
     case SQLITE_CANTOPEN:
         return u"登録簿ファイルを開けません。ファイルがあるか、読み書きできるかを確認して下さい。"_s;
@@ -84,6 +89,7 @@ int pragma(SQLite::Database& engine, const char* name) {
 }
 
 SQLite::Database openExisting(const QString& path) {
+    requireFile(path);
     const QByteArray file = QFile::encodeName(path);
     try {
         // A connection never leaves its thread.
@@ -171,46 +177,43 @@ void Write::commit() {
     open_ = false;
 }
 
-void makePrivateFile(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly, QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-        throw Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。\n\n（%2）"_s.arg(
-                           QDir::toNativeSeparators(path), file.errorString()));
-}
-
 void createRegister(const QString& path) {
     if (QFileInfo::exists(path))
         throw Error(0, u"「%1」は既にあります。上書きはしません。"_s.arg(QDir::toNativeSeparators(path)));
-    const QString draft = path + u".new"_s;
-    if (QFileInfo::exists(draft) && !QFile::remove(draft))
-        throw Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(QDir::toNativeSeparators(draft)));
-    try {
-        makePrivateFile(draft);
-        SQLite::Database engine(QFile::encodeName(draft).constData(), SQLite::OPEN_READWRITE);
+    Draft draft(path);
+    {
+        SQLite::Database engine(QFile::encodeName(draft.path()).constData(), SQLite::OPEN_READWRITE);
+        // What fails is thrown away whole, what succeeds is brought to the disk before it is moved.
+        engine.exec("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
         engine.exec("BEGIN");
         engine.exec(embedded_schema);
         engine.exec(embedded_nengo);
         engine.exec(embedded_master);
         engine.exec("COMMIT");
-    } catch (...) {
-        QFile::remove(draft);
-        throw;
     }
-    if (!QFile::rename(draft, path)) {
-        QFile::remove(draft);
-        throw Error(0, u"「%1」を作れません。書き込みの許可を確認して下さい。"_s.arg(QDir::toNativeSeparators(path)));
-    }
+    draft.moveTo(path, Existing::refused);
 }
 
 void bringBackToOneFile(const QString& path) {
     // Two bytes of the file's head say that it keeps a write-ahead log, also where the log itself was never written.
     constexpr qint64 logBytes = 18;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || !file.seek(logBytes) || file.read(2) != "\2\2")
-        return;
-    file.close();
-    Database database(path);
-    database.engine().exec("PRAGMA journal_mode = DELETE");
+    requireFile(path);
+    const auto keepsLog = [&path] {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) && file.seek(logBytes) && file.read(2) == "\2\2";
+    };
+    // Another start may be at it.
+    constexpr int patience = 2000; // ms
+    for (const QDeadlineTimer end(patience); keepsLog(); QThread::msleep(20)) {
+        try {
+            Database database(path);
+            database.engine().exec("PRAGMA journal_mode = DELETE");
+            return;
+        } catch (const SQLite::Exception& failure) {
+            if ((failure.getErrorCode() & 0xff) != SQLITE_BUSY || end.hasExpired())
+                throw;
+        }
+    }
 }
 
 } // namespace store

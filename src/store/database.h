@@ -35,9 +35,9 @@ QString explain(const std::exception& failure);
 enum class Layouts { newest, olderToo };
 
 // The register's file, open read-write. Throws Error when the file is missing, of another format (a Jet file is named
-// as such), empty, of a newer layout, of an older one where that is not asked for, or cannot be opened; it is never
-// created or altered in its layout here. Waits up to two seconds for locks. Triggers that the file may hold do not run.
-// Everything is released on destruction.
+// as such), empty, of a newer layout, of an older one where that is not asked for, no regular file, or cannot be
+// opened; it is never created or altered in its layout here. Waits up to two seconds for locks. Triggers that the file
+// may hold do not run. Everything is released on destruction.
 class Database {
   public:
     Database() : Database(registerPath()) {}
@@ -71,12 +71,9 @@ class Write {
     bool open_ = true;
 };
 
-// Makes an empty file that its owner alone can read, before anything is written into it. Throws Error when a file of
-// that name exists or cannot be made.
-void makePrivateFile(const QString& path);
-
-// Makes a new register at the path: schema, standard eras, counters, first master entries; readable by its owner alone.
-// Throws Error when a file of that name exists or cannot be made; leaves no partial file.
+// Makes a new register at the path: schema, standard eras, counters, first master entries; readable by its owner alone,
+// whole and on the disk when this returns. Throws Error when a file of that name exists or cannot be made; leaves no
+// partial file.
 void createRegister(const QString& path);
 
 // Brings a register that a killed import left with a write-ahead log back to one file. Throws Error when that fails;

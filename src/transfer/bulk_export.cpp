@@ -41,7 +41,9 @@ QString referredText(const QStringList& names) {
 
 int exportRecords(const ExportJob& job, qint64 expected, desk::Desk& desk,
                   const std::function<std::optional<ExportRecord>()>& next) {
-    if (refusedIf(belongsToRegister(job.path, store::Database::registerPath()), registersFile, job.title, desk))
+    const QString registered = store::Database::registerPath();
+    if (refusedIf(belongsToRegister(job.path, registered), registersFile, job.title, desk) ||
+        refusedIf(inBackupFolder(job.path, registered), backupsPlace, job.title, desk))
         return 0;
     auto record = next();
     if (refusedIf(!record, job.none, job.title, desk))

@@ -1,10 +1,11 @@
 #pragma once
 
-#include "store/database.h"
+#include "store/draft.h"
 #include "transfer/bulk_record.h"
 
 #include <QFile>
-#include <QSaveFile>
+
+#include <optional>
 
 // The files of a bulk run. What the program writes is readable by its owner alone.
 namespace transfer {
@@ -17,11 +18,11 @@ class FileError : public store::Error {
     FileError(const QString& sentence, const QString& path, const QString& systemWords);
 };
 
-// Opens an input file for reading. Throws FileError.
+// Opens an input file for reading: a regular file and nothing else. Throws FileError.
 void openInput(QFile& file);
 
 // An export: written beside its name and moved into place by commit(); an existing file of the name stays as it is
-// until then. All throw FileError.
+// until then, and is on the disk afterwards. What is there and is no regular file is refused. All throw FileError.
 class ExportFile {
   public:
     explicit ExportFile(const QString& path);
@@ -30,20 +31,22 @@ class ExportFile {
     void commit();
 
   private:
-    [[noreturn]] void fail() const;
+    [[noreturn]] void fail(const QString& systemWords) const;
 
-    QSaveFile file_;
+    QString path_;
+    std::optional<store::Draft> draft_;
+    QFile file_;
     QByteArray bytes_;
 };
 
 // The file of the rejected records of an import; it grows with the run, each record at once.
 class ErrorFile {
   public:
-    explicit ErrorFile(const QString& path) : file_(path) {}
+    explicit ErrorFile(const QString& path);
 
     // Throws FileError when the file could not be written; it is neither made nor touched.
     void check() const;
-    // Makes or empties the file. Throws FileError.
+    // Puts an empty file in the place of what was there. Throws FileError.
     void open();
     // Throws FileError.
     void write(std::span<const QString> fields);
@@ -51,6 +54,7 @@ class ErrorFile {
   private:
     [[noreturn]] void fail(const QString& systemWords) const;
 
+    QString path_;
     QFile file_;
 };
 
@@ -59,5 +63,8 @@ bool sameFile(const QString& one, const QString& other);
 
 // Whether the path names the register or one of the files that the engine keeps beside it.
 bool belongsToRegister(const QString& path, const QString& registerPath);
+
+// Whether the path lies in the folder of the register's copies or in one inside it.
+bool inBackupFolder(const QString& path, const QString& registerPath);
 
 } // namespace transfer

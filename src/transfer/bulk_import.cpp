@@ -13,6 +13,7 @@ namespace transfer {
 const QString noInput = u"入力ファイルを指定して下さい。"_s;
 const QString noOutput = u"出力ファイルを指定して下さい。"_s;
 const QString registersFile = u"登録簿のファイルは指定できません。別のファイルを指定して下さい"_s;
+const QString backupsPlace = u"控えの場所（backup フォルダー）には出力できません。別のフォルダーを指定して下さい"_s;
 const QString badHouseholdNumber = u"檀家番号を正しく入力して下さい"_s;
 
 bool refusedIf(bool wrong, const QString& message, const QString& title, desk::Desk& desk) {
@@ -126,6 +127,7 @@ std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk
     const QString registered = store::Database::registerPath();
     if (refusedIf(belongsToRegister(job.input, registered) || belongsToRegister(job.errors, registered), registersFile,
                   job.title, desk) ||
+        refusedIf(inBackupFolder(job.errors, registered), backupsPlace, job.title, desk) ||
         refusedIf(sameFile(job.input, job.errors),
                   u"入力ファイルと出力ファイルが同じです。別のファイルを指定して下さい"_s, job.title, desk))
         return {};

@@ -17,6 +17,7 @@ namespace transfer {
 extern const QString noInput;
 extern const QString noOutput;
 extern const QString registersFile;
+extern const QString backupsPlace;
 extern const QString badHouseholdNumber;
 
 // Shows the message, without an icon, when the condition holds; says whether it does.
@@ -90,10 +91,10 @@ struct ImportJob {
 // The bar then tells how many records were new and how many changed one that was there.
 // A register that holds anything is copied first (desk::copyBefore). The question whether to empty a table is answered
 // No unless the user chooses otherwise.
-// Nothing on No, and, with a message, when no number is left to issue after emptying or when input, error file and
-// register are not different files. Throws store::Error when a file cannot be used or the register fails: where that
-// happens before the first record, the files and the table are as they were; later, the message says how many records
-// were stored.
+// Nothing on No, and, with a message, when no number is left to issue after emptying, when input, error file and
+// register are not different files, or when the error file is to lie among the register's copies. Throws store::Error
+// when a file cannot be used or the register fails: where that happens before the first record, the files and the table
+// are as they were; later, the message says how many records were stored.
 std::optional<ImportCounts> importRecords(const ImportJob& job, desk::Desk& desk);
 
 } // namespace transfer
