@@ -23,7 +23,7 @@ bool copyBefore(Desk& desk, const QString& title) {
     } catch (const std::exception& failure) {
         reason = u"登録簿の控えを作れませんでした。\n\n"_s + store::explain(failure);
     }
-    return desk.ask(reason + u"\n\n控えのないまま続けますか？"_s, title);
+    return desk.ask(reason + u"\n\n控えのないまま続けますか？"_s, title, Preset::no);
 }
 
 } // namespace desk

@@ -34,7 +34,7 @@ QString sentenceFor(int code) {
     if (code == SQLITE_IOERR_SHMSIZE)
         code = SQLITE_FULL;
     if (code == SQLITE_READONLY_DBMOVED)
-        return u"登録簿ファイルが別のものに置き換えられました。何も書き込まれていません。画面を開き直して下さい。"_s;
+        return u"登録簿が入れ替わりました。何も書き込まれていません。画面を開き直して下さい。"_s;
     switch (code & 0xff) {
     case SQLITE_CANTOPEN:
         return u"登録簿ファイルを開けません。ファイルがあるか、読み書きできるかを確認して下さい。"_s;
@@ -116,6 +116,22 @@ QString explain(const std::exception& failure) {
     return u"処理に失敗しました。\n\n（%1）"_s.arg(QString::fromUtf8(failure.what()));
 }
 
+QString explainAfterWrite(const std::exception& failure) {
+    QString text = explain(failure);
+    const QString partly = u"この操作のうち、先に済んだ分は登録簿に書き込まれています。"_s;
+    for (const QString& nothing : {u"何も書き込まれていません。"_s, u"今の処理は行われていません。"_s})
+        text.replace(nothing, partly);
+    return text.contains(partly) ? text : text + u"\n\n"_s + partly;
+}
+
+namespace {
+int committed = 0;
+}
+
+int writesCommitted() {
+    return committed;
+}
+
 Database::Database(const QString& path, Layouts layouts) : engine_(openExisting(path)) {
     sqlite3* handle = engine_.getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
@@ -175,6 +191,7 @@ Write::~Write() {
 void Write::commit() {
     engine_.exec("COMMIT");
     open_ = false;
+    ++committed;
 }
 
 void createRegister(const QString& path) {

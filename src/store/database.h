@@ -31,6 +31,11 @@ class Error : public std::runtime_error {
 
 // Turns a failure of the engine, of this store, or any other standard exception into the text shown to the user.
 QString explain(const std::exception& failure);
+// The same for what failed after an earlier write of the same operation: that one is in the file.
+QString explainAfterWrite(const std::exception& failure);
+
+// Rises with every write that is committed.
+int writesCommitted();
 
 enum class Layouts { newest, olderToo };
 

@@ -183,10 +183,13 @@ void Screen::operate(const Operation& operation) {
     readForm();
     const std::optional<Draft> before = currentDraft();
     putBackKept();
+    const int writes = store::writesCommitted();
     try {
         operation();
     } catch (const std::exception& failure) {
-        desk_->notify(store::explain(failure), title_, desk::Icon::exclamation);
+        const bool partly = store::writesCommitted() != writes;
+        desk_->notify(partly ? store::explainAfterWrite(failure) : store::explain(failure), title_,
+                      desk::Icon::exclamation);
     }
     if (!handedOver_)
         takeKept();
@@ -447,7 +450,12 @@ void Screen::restore(Draft draft) {
     for (Binding& binding : bindings_) {
         const QString name = binding.widget->objectName();
         const bool typed = draft.typed.contains(name);
-        if (!binding.type || binding.namesRecord || !(typed || draft.ofNew) || !draft.boxes.contains(name))
+        if (!binding.type)
+            continue;
+        // A new record is named by boxes of its own.
+        if (binding.namesRecord && draft.ofNew && subject_.lookUp)
+            binding.type(draft.recordBoxes.value(name));
+        if (binding.namesRecord || !(typed || draft.ofNew) || !draft.boxes.contains(name))
             continue;
         binding.type(draft.boxes.value(name));
         binding.restored = typed;
