@@ -52,6 +52,8 @@ TEST_F(Consistency, TellsEachFaultInOneLine) {
         {u"DELETE FROM tbl_danka WHERE tbldnk_no1 = 7 AND tbldnk_no2 = 0"_s, {}},
         {u"UPDATE tbl_kazoku SET tblkzk_no1 = 9, tblkzk_nameg = '%1%2'"_s,
          {u"家族「%1%2」の檀家番号 9 の檀家がありません。"_s}},
+        {u"UPDATE tbl_kazoku SET tblkzk_nameg = 'ハナ'"_s,
+         {u"過去帳「ハナ」の檀家番号 7 の家族が、まだ存命とされています。"_s}},
         {u"UPDATE tbl_ohaka SET tblhak_banchi2 = '1' WHERE tblhak_no = 3"_s,
          {u"使用中のお墓 1、3 が同じ区画「東」番地「1」にあります。"_s}},
         {u"UPDATE tbl_ohaka SET tblhak_haiki_ymd = NULL"_s, {u"廃棄されたお墓 2 に廃棄日がありません。"_s}},

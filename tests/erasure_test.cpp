@@ -92,6 +92,22 @@ TEST_F(Erasure, AsksAllFiveQuestionsAndRunsEachStepOnItsOwnYes) {
     EXPECT_EQ(rowsOf(5) + u'|' + rowsOf(9), u"2,2,3,2,2|2,2,3,2,2"_s);
 }
 
+// A memorial that has no day lies in the middle of the household's; a step that fails is told, and the next is asked.
+TEST_F(Erasure, GoesOnPastWhatHasNoDayAndWhatFails) {
+    execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg) VALUES (7, '山田', 'ハナ'); "
+            "ALTER TABLE tbl_kazoku RENAME TO away"_s);
+    for (const Step& step : steps) {
+        desk.answer(u"檀家さんの%1を抹消しますか　？"_s.arg(step.question), title, true);
+        if (&step == &steps[1])
+            desk.expectBeginning(u"登録簿ファイルに必要な表がありません。"_s, title);
+        else
+            desk.expect(step.done, title);
+    }
+    households::EraseHousehold(context, desk);
+    execute(u"ALTER TABLE away RENAME TO tbl_kazoku"_s);
+    EXPECT_EQ(rowsOf(7) + u'|' + rowsOf(9), u"0,2,0,0,0|2,2,3,2,2"_s);
+}
+
 TEST_F(Erasure, WithoutACopyTheUserCanStop) {
     ASSERT_TRUE(QFile::copy(path(u"Hoshiren.mdb"_s), path(u"backup"_s))); // where the folder should be
     desk.answer(u"檀家さんの情報を抹消しますか　？"_s, title, true);

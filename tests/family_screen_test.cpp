@@ -1,5 +1,9 @@
 #include "support/screen_fixture.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QTextDocumentFragment>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -102,6 +106,7 @@ TEST_F(FamilyScreens, KanaBoxesFillThemselvesFromTheReading) {
         u"|やまだたろう>|山田太郎>|太郎=山田>ヤマダタロウ|=太郎>ヤマダタロウ"_s,
         u"|やまだたろう>|山田たろう>|たろう=山田>ヤマダ|=太郎>ヤマダタロウ"_s,
         u"|やま>|=>|=ABC>"_s,
+        u"|あ>|a>|=a>|やま>|=山>ヤマ"_s, // turned into a letter with a function key
         u"ジブンデ|やまだ>ジブンデ|=山田>ジブンデ"_s};
     open(household);
     for (const QString& steps : cases) {
@@ -113,6 +118,30 @@ TEST_F(FamilyScreens, KanaBoxesFillThemselvesFromTheReading) {
             EXPECT_EQ(text(household, u"frm01_toshuk"_s), step.section(u'>', 1)) << step.toStdString();
         }
     }
+}
+
+// What a clipboard holds, and what looks like markup.
+TEST_F(FamilyScreens, ABoxTakesOneLineAndNothingIsRendered) {
+    open(household);
+    auto& name = control<QLineEdit>(household, u"frm01_dankag"_s);
+    QGuiApplication::clipboard()->setText(u"山\t田\r\n\x01神\U00020BB7"_s);
+    name.paste();
+    EXPECT_EQ(name.text(), u"山 田 神\U00020BB7"_s);
+    EXPECT_EQ(control<QLabel>(household, u"お知らせ文"_s).text(),
+              u"貼り付けた改行・タブは空白に直し、印字できない文字は除きました。"_s);
+    storeHousehold();
+    const QString markup = u"<b>太</b><img src=x>"_s;
+    execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd, tblkzk_seishikbn) "
+            "VALUES (3, '山田', '%1', '1950-01-01', '0')"_s.arg(markup));
+    open(familyScreen);
+    open(u"家族一"_s);
+    const QStringList tips{
+        control<QListWidget>(familyScreen, u"frm12_meibo"_s).item(0)->toolTip(),
+        control<QTableView>(u"家族一"_s, u"frm21_tbl"_s).model()->index(0, 1).data(Qt::ToolTipRole).toString()};
+    for (const QString& tip : tips)
+        EXPECT_EQ(QTextDocumentFragment::fromHtml(tip).toPlainText(), markup);
+    for (const auto* label : screen(household).findChildren<QLabel*>())
+        EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
 }
 
 TEST_F(FamilyScreens, ReadingsGoOnFromThePresetUntilTheUserTypes) {

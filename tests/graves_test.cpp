@@ -478,6 +478,19 @@ TEST_F(NewGrave, LooksUpChangesAndDeletes) {
     }
     EXPECT_EQ(form.frm13_dnknameg.text, u"山田"_s);
 
+    // A new one typed over it is nobody's.
+    execute(u"UPDATE tbl_hatsuban SET tblno_sumino = 5 WHERE tblno_key2 = 'お墓'; "
+            "UPDATE tbl_ohaka SET tblhak_dnk_namek = 'ヤマダ', tblhak_dnk_kbn = '檀家', tblhak_kanaidx = 'ヤ'"_s);
+    for (const auto& [typed, name] : {std::pair{u"山田"_s, QString()}, {u"予約"_s, u"予約"_s}}) {
+        type(form, u"1"_s);
+        form.frm13_banchi2.text = typed;
+        form.frm13_dnknameg.text = typed;
+        registerWith(true);
+        EXPECT_EQ(
+            query(u"SELECT tblhak_dnk_no, tblhak_dnk_nameg FROM tbl_ohaka WHERE tblhak_banchi2 = '%1'"_s.arg(typed)),
+            u"0,"_s + name);
+    }
+    type(form, u"1"_s);
     const QString held = u"檀家に紐付いたお墓です。紐付けを外して更新しますか？"_s;
     desk.answer(held, newTitle, false);
     press(graves::updateGrave);
@@ -490,11 +503,13 @@ TEST_F(NewGrave, LooksUpChangesAndDeletes) {
     press(graves::updateGrave);
     EXPECT_EQ(stored(1, u"tblhak_dnk_no, tblhak_bohyo_kbn, tblhak_shiyo_stymd, tblhak_add_ymd"_s),
               u"0,個,1998-04-01,2026-11-22"_s);
+    EXPECT_EQ(stored(1, u"tblhak_dnk_nameg || tblhak_dnk_namek || tblhak_dnk_kbn || tblhak_kanaidx"_s), QString());
 
     desk.answer(u"お墓を削除します。内容を確認して下さい。"_s, newTitle, true);
     desk.expect(u"指定されたお墓は削除されました。"_s, newTitle);
     press(graves::deleteGrave);
-    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_ohaka"_s), u"0"_s);
+    EXPECT_EQ(stored(1, u"tblhak_no"_s), QString());
+    EXPECT_EQ(context.hak_no, 0);
 }
 
 } // namespace

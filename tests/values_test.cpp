@@ -1,5 +1,6 @@
 #include "values/dates.h"
 #include "values/numbers.h"
+#include "values/single_line.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,21 @@ TEST(Dates, ReadsEveryWayOfWritingOne) {
         EXPECT_EQ(values::readDate(wrong), std::nullopt) << QString::fromUtf16(wrong).toStdString();
     for (const auto& text : {u"1500/01/01"_s, u"9999/12/31"_s})
         EXPECT_EQ(values::dateText(values::readDate(text).value()), text);
+}
+
+TEST(SingleLine, KeepsNamesAndTurnsBreaksIntoOneBlank) {
+    const std::pair<QString, QString> cases[] = {
+        {u"山田　太郎"_s, u"山田　太郎"_s},
+        {u"神\U00020BB7\uE000が"_s, u"神\U00020BB7\uE000が"_s}, // nothing is put together or exchanged
+        {u" a  b "_s, u" a  b "_s},
+        {u"a \r\n\t b\u2028c"_s, u"a b c"_s},
+        {u"\n a\n"_s, u"a"_s},
+        {QString(QChar(u'\0')) + u"a\u202Eb\uFEFF"_s + QChar(0xD842), u"ab"_s},
+    };
+    for (const auto& [typed, line] : cases) {
+        EXPECT_EQ(values::singleLine(typed), line);
+        EXPECT_EQ(values::isSingleLine(typed), typed == line);
+    }
 }
 
 } // namespace

@@ -52,6 +52,7 @@ void openNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk&
     store::Database database;
     fillDateLists(database, form);
     form.held.showNew();
+    form.frm13_haka_no.keyboard = form.frm13_haka_no.whole = true;
     if (context.hak_no == 0)
         return;
     form.frm13_haka_no.text = QString::number(context.hak_no);

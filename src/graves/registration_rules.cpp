@@ -98,6 +98,7 @@ void openRegistration(お墓登Form& form, desk::ScreenContext& context, desk::D
             lookUpHousehold(database, form, context, desk, context.dnk_no1);
     }
     form.held.showNew(desk::householdLabel(context.dnk_no1, 0));
+    form.frm13_haka_no.keyboard = form.frm13_haka_no.whole = true;
     if (context.hak_no != 0) {
         form.frm13_haka_no.text = QString::number(context.hak_no);
         lookUpGrave(form, context, desk);

@@ -35,6 +35,10 @@ constexpr Contradiction contradictions[] = {
     {"SELECT tblhoy_no, tblhoy_zokunameg, tblhoy_kaiki_mei, tblhoy_kaiki_yymd FROM tbl_hohyo "
      "WHERE tblhoy_no NOT IN (SELECT tbldnk_no1 FROM tbl_danka) ORDER BY 1, 2, 4",
      u"法要「%2 %3（%4）」の檀家番号 %1 の檀家がありません。"},
+    {"SELECT tblkak_no, tblkak_zokunameg FROM tbl_kakocho JOIN tbl_kazoku ON tblkzk_no1 = tblkak_no "
+     "AND tblkzk_dnknameg = tblkak_dnknameg AND tblkzk_nameg = tblkak_zokunameg WHERE tblkzk_seishikbn = '0' "
+     "ORDER BY 1, 2",
+     u"過去帳「%2」の檀家番号 %1 の家族が、まだ存命とされています。"},
     {"SELECT tblhak_no, tblhak_dnk_no FROM tbl_ohaka WHERE tblhak_dnk_no <> 0 "
      "AND tblhak_dnk_no NOT IN (SELECT tbldnk_no1 FROM tbl_danka) ORDER BY 1",
      u"お墓 %1 の檀家番号 %2 の檀家がありません。"},

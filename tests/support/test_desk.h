@@ -16,6 +16,7 @@ class TestDesk : public desk::Desk {
 
     // The next box is a message "title: text" / a question answered so.
     void expect(const QString& text, const QString& title);
+    void expectBeginning(const QString& text, const QString& title); // a message that ends as it will
     void answer(const QString& text, const QString& title, bool yes);
     // Every expected box has been shown; clears the list and the record of opened screens.
     void finish();
@@ -50,6 +51,7 @@ class TestDesk : public desk::Desk {
         QString title;
         bool question;
         bool yes;
+        bool whole = true;
     };
     bool take(const QString& text, const QString& title, bool question);
 
