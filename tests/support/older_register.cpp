@@ -1,5 +1,7 @@
 #include "support/older_register.h"
 
+#include <array>
+
 const store::UpgradeSteps olderSteps = {
     "-- 年号に終わりの年の欄を加えました。\n"
     "ALTER TABLE tbl_nengo ADD COLUMN tblnen_enen INTEGER NOT NULL DEFAULT 0\n"
@@ -18,9 +20,9 @@ const store::UpgradeSteps olderSteps = {
 
 void makeOlder(const QString& path, int missing) {
     store::Database database(path);
-    const char* const undone[] = {"DROP TABLE マスタ", "DROP INDEX idxhak_bohyomei",
-                                  "ALTER TABLE tbl_nengo DROP COLUMN tblnen_enen"};
-    for (int i = 0; i < missing; ++i)
-        database.engine().exec(undone[i]);
+    const std::array<const char*, 3> undone{"DROP TABLE マスタ", "DROP INDEX idxhak_bohyomei",
+                                            "ALTER TABLE tbl_nengo DROP COLUMN tblnen_enen"};
+    for (std::size_t i = 0; i < static_cast<std::size_t>(missing); ++i)
+        database.engine().exec(undone.at(i));
     database.engine().exec("PRAGMA user_version = " + std::to_string(store::layoutVersion - missing));
 }

@@ -368,8 +368,8 @@ std::vector<Value> Database::values(const Table& table, QByteArrayView row) {
 // Behind the values stand their places, the last one (where the values end) first, and their number. Places of one byte
 // tell no more than 255: between places and number stands which columns begin another 256 bytes.
 QByteArrayView Database::variablePart(QByteArrayView row, int place) const {
-    const int wide = format_->wide;
-    const int variables = count(row, row.size() - wide, wide);
+    const qsizetype wide = format_->wide;
+    const int variables = count(row, row.size() - wide, format_->wide);
     qsizetype jumps = 0;
     if (wide == 1) {
         // The row's whole length decides how many there are, its mask included; the last one may be of no use.
@@ -383,7 +383,7 @@ QByteArrayView Database::variablePart(QByteArrayView row, int place) const {
         qsizetype jumped = 0;
         while (jumped < used && number<quint8>(row, row.size() - 2 - jumped) <= variable)
             ++jumped;
-        return count(row, places - wide * (variable + 1), wide) + 256 * jumped;
+        return count(row, places - wide * (variable + 1), format_->wide) + 256 * jumped;
     };
     if (place >= variables || tableBegin < wide)
         damaged();
