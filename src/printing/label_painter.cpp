@@ -1,7 +1,7 @@
 #include "printing/label_painter.h"
 
 #include "printing/print_windows_screen.h"
-#include "store/database.h"
+#include "store/draft.h"
 
 #include <QApplication>
 #include <QBuffer>
@@ -18,7 +18,6 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QPushButton>
-#include <QSaveFile>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSettings>
@@ -188,13 +187,21 @@ class PdfJob : public PaintedPrinter {
         QString path = directory.absoluteFilePath(name_ + u".pdf"_s);
         for (int number = 2; QFileInfo::exists(path); ++number)
             path = directory.absoluteFilePath(u"%1_%2.pdf"_s.arg(name_).arg(number));
-        QSaveFile file(path);
-        if (pdf.isEmpty() || !file.open(QIODevice::WriteOnly) ||
-            !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner) || file.write(pdf) != pdf.size() ||
-            !file.commit())
-            throw PrintFailure(u"宛名のPDFファイルを書き出せません。\n%1\n%2"_s.arg(QDir::toNativeSeparators(path),
-                                                                                    file.errorString()));
-        return {path, {}};
+        QString words;
+        try {
+            store::Draft draft(path);
+            QFile file(draft.path());
+            if (!pdf.isEmpty() && file.open(QIODevice::WriteOnly | QIODevice::ExistingOnly) &&
+                file.write(pdf) == pdf.size() && file.flush()) {
+                file.close();
+                draft.moveTo(path, store::Existing::refused);
+                return {path, {}};
+            }
+            words = file.errorString();
+        } catch (const store::DraftError& failure) {
+            words = failure.systemWords();
+        }
+        throw PrintFailure(u"宛名のPDFファイルを書き出せません。\n%1\n%2"_s.arg(QDir::toNativeSeparators(path), words));
     }
 
   private:
