@@ -145,11 +145,7 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     whole->addLayout(foot);
 
     menu->asksForNoRecord();
-    menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); },
-                    [&workplace] {
-                        if (!workplace.drafts.all().empty())
-                            workplace.show(workplace.drafts.all().front());
-                    });
+    menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); }, [&workplace] { workplace.showDraft(); });
     menu->onOpen([menu] {
         menu->context().G初期値();
         menu->context().dnk_no1 = 0;

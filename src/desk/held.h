@@ -129,6 +129,7 @@ template <class Row> class Held : public Record {
         deleted_ = true;
     }
 
+    bool deletedHere() const { return deleted_; }
     // A record of the file is shown that was not deleted here.
     explicit operator bool() const { return !isNew_ && !deleted_; }
     // The row as read; also of a record deleted here. Only while isNew() is false.

@@ -118,4 +118,28 @@ void ScreenContext::clearDeceased() {
     static_cast<MemorialBlock&>(*this) = {};
 }
 
+void ScreenContext::forget(const Forgotten& record) {
+    if (record.deceased.isEmpty()) {
+        if (hak_no == record.grave)
+            hak_no = 0;
+    } else if (dnk_no1 == record.household && dnk_nameg == record.householdName && kak_zokunameg == record.deceased) {
+        clearDeceased();
+    }
+}
+
+void ScreenContext::forgetDeceased(std::int16_t no1, const QString& householdName, const QString& zokunameg) {
+    forgotten_.push_back({no1, householdName, zokunameg, 0});
+    forget(forgotten_.back());
+}
+
+void ScreenContext::forgetGrave(std::int16_t number) {
+    forgotten_.push_back({0, {}, {}, number});
+    forget(forgotten_.back());
+}
+
+void ScreenContext::forgetAlso(const ScreenContext& other) {
+    for (const Forgotten& record : other.forgotten_)
+        forget(record);
+}
+
 } // namespace desk

@@ -4,6 +4,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <vector>
 
 namespace store {
 struct tbl_danka;
@@ -106,8 +107,25 @@ struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock
     // No deceased, and no memorial of one, is chosen.
     void clearDeceased();
 
+    // The record named was deleted: it is named no more, here and in what other screens keep.
+    void forgetDeceased(std::int16_t no1, const QString& householdName, const QString& zokunameg);
+    void forgetGrave(std::int16_t number);
+    // Forgets what another context forgot since it was last asked.
+    void forgetAlso(const ScreenContext& other);
+    void allForgot() { forgotten_.clear(); }
+
     // What was handed over from boxes holds for one opening only.
     void endHandOver() { dnk_handedOver = kak_handedOver = false; }
+
+  private:
+    struct Forgotten {
+        std::int16_t household = 0;
+        QString householdName;
+        QString deceased; // empty: a grave
+        std::int16_t grave = 0;
+    };
+    void forget(const Forgotten& record);
+    std::vector<Forgotten> forgotten_;
 };
 
 } // namespace desk

@@ -121,8 +121,8 @@ struct LifeDates {
 void followAge(過去登Form& form, const LifeDates& dates) {
     const bool edited = form.held.isNew() || dates.birth != form.held->tblkak_sei_ymd ||
                         dates.death != form.held->tblkak_mei_ymd || !form.held->tblkak_kyounen;
-    if (edited)
-        form.frm11_kyounen.text = QString::number(dates.death.year() - dates.birth.year());
+    form.frm11_kyounen.text =
+        QString::number(edited ? dates.death.year() - dates.birth.year() : int{*form.held->tblkak_kyounen});
 }
 
 // The dates when the boxes can be stored.
@@ -381,11 +381,23 @@ void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& 
     const store::tbl_kakocho entry = form.held.row();
     if (!desk::remove(form.held, database, {title, entryMissing}, desk))
         return;
+    // The entry is gone: a failure of one of these is told, and does not keep the other from being asked.
+    const auto attempt = [&desk](const auto& step) {
+        try {
+            step();
+        } catch (const std::exception& failure) {
+            desk.notify(store::explainAfterWrite(failure), title);
+        }
+    };
     if (desk.ask(u"法要等の情報も削除しますか？"_s, title, desk::Preset::no))
-        memorials::DeleteMemorials(entry);
-    if (desk.ask(u"家族登録は元に戻しますか？"_s, title) && !setFamilyFlag(database, false, entry))
-        sayMemberMissing(context, desk);
+        attempt([&entry] { memorials::DeleteMemorials(entry); });
+    if (desk.ask(u"家族登録は元に戻しますか？"_s, title))
+        attempt([&] {
+            if (!setFamilyFlag(database, false, entry))
+                sayMemberMissing(context, desk);
+        });
     desk.notify(u"削除処理を終了しました。"_s, title);
+    context.forgetDeceased(entry.tblkak_no, entry.tblkak_dnknameg, entry.tblkak_zokunameg);
     context.clearDeceased();
 }
 

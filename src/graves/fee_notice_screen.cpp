@@ -33,8 +33,9 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         .gap()
         .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
                 [raw] { previewFeeLabels(raw->form(), *printing::preview(raw), raw->desk()); })
-        .action(u"通知"_s, u"通知処理"_s,
-                [raw] { printFeeLabels(raw->form(), *printing::defaultPrinter(raw, raw->desk().today()), raw->desk()); })
+        .action(
+            u"通知"_s, u"通知処理"_s,
+            [raw] { printFeeLabels(raw->form(), *printing::defaultPrinter(raw, raw->desk().today()), raw->desk()); })
         .gap()
         .action(u"お墓照会"_s, u"お墓情報"_s, open)
         .action(u"檀家照会"_s, u"檀家情報"_s, screen->run(openFeeHousehold))

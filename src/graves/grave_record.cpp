@@ -122,8 +122,7 @@ void deleteGrave(GraveFields& fields, const QString& question, const QString& ti
     if (!desk::remove(fields.held, database, refusal(title), desk))
         return;
     desk.notify(u"指定されたお墓は削除されました。"_s, title);
-    if (context.hak_no == fields.held->tblhak_no)
-        context.hak_no = 0;
+    context.forgetGrave(fields.held->tblhak_no);
 }
 
 std::optional<desk::AskedRecord> askedGrave(const desk::ScreenContext& context) {

@@ -41,9 +41,9 @@ bool checkPlace(bool good, const QString& message, お墓新Form& form, desk::Sc
     return !attempt.reported(desk, title);
 }
 
-// The name box still shows the household that holds the grave looked up.
-bool showsFormerHousehold(const お墓新Form& form) {
-    return form.held && form.held->tblhak_dnk_no != 0 && form.frm13_dnknameg.text == form.held->tblhak_dnk_nameg;
+// The name box still shows what the grave looked up bears.
+bool showsFormerName(const お墓新Form& form) {
+    return !form.held.isNew() && form.frm13_dnknameg.text == form.held->tblhak_dnk_nameg;
 }
 
 } // namespace
@@ -95,7 +95,7 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
     if (!desk.ask(u"入力された内容でお墓を登録します。内容を確認して下さい。"_s, title))
         return;
 
-    if (showsFormerHousehold(form))
+    if (showsFormerName(form))
         form.frm13_dnknameg.text.clear();
     bool taken = false;
     bool counted = false;
@@ -146,7 +146,7 @@ void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
         return;
     if (!desk.ask(u"入力された内容でお墓を変更します。内容を確認して下さい。"_s, title))
         return;
-    const QString name = showsFormerHousehold(form) ? u""_s : form.frm13_dnknameg.text;
+    const QString name = held && showsFormerName(form) ? u""_s : form.frm13_dnknameg.text;
     const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
         takeFields(form, *dates, row);
         row.tblhak_dnk_no = 0;

@@ -1,6 +1,7 @@
 #include "households/erasure_rules.h"
 
 #include "desk/safety_copy.h"
+#include "store/selections.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -12,17 +13,24 @@ namespace {
 
 const QString title = u"檀家の抹消"_s;
 
-// Whether the number is another family's by now: an import may have given it away while the screen stood open.
-bool isAnothers(store::Database& database, const ErasedHousehold& household) {
-    if (!household.asRead)
-        return false;
-    const auto stored =
-        store::find(database, store::idxdnk_no, household.asRead->tbldnk_no1, household.asRead->tbldnk_no2);
-    return stored && *stored != *household.asRead;
+const QString householdMissing = u"指定された檀家さんの情報を読めません。DBの整合性を確認して下さい"_s;
+
+// How the file stands to the household that the screen shows: an import may have given its number to another family.
+desk::Standing standing(store::Database& database, const ErasedHousehold& household) {
+    using desk::Standing;
+    if (!household.held)
+        return Standing::asRead;
+    store::Table households(database, store::idxdnk_no);
+    if (household.held->isNew())
+        return households.seek(store::Seek::equal, household.number) ? Standing::changed : Standing::asRead;
+    const Standing found = household.held->seek(households);
+    const bool goneByUs = household.rowsErased || household.held->deletedHere();
+    return found == Standing::gone && goneByUs ? Standing::asRead : found;
 }
 
-void sayChanged(desk::Desk& desk) {
-    desk.notify(u"この記録はほかの画面で変更されています。照会し直して下さい"_s, title);
+// True, with the message, when a step must not run.
+bool refused(desk::Standing standing, const ErasedHousehold& household, desk::Desk& desk) {
+    return household.held && desk::refused(standing, *household.held, {title, householdMissing}, desk);
 }
 
 // Deletes from the row found on for as long as it bears the number. A row of another household counts as none found.
@@ -31,19 +39,20 @@ void eraseFrom(const store::Index<Row, Fields...>& index, std::int16_t Row::*num
                const ErasedHousehold& household, desk::Desk& desk, const QString& none, const QString& done,
                const Keys&... keys) {
     int erased = 0;
+    desk::Standing found = desk::Standing::asRead;
     {
         store::Database database;
         store::Write write(database);
-        if (isAnothers(database, household)) {
-            sayChanged(desk);
-            return;
+        found = standing(database, household);
+        if (found == desk::Standing::asRead) {
+            store::Table rows(database, index);
+            rows.seek(store::Seek::atOrAfter, keys...);
+            erased = rows.removeWhile([&](const Row& row) { return row.*numberField == household.number; });
+            write.commit();
         }
-        store::Table rows(database, index);
-        rows.seek(store::Seek::atOrAfter, keys...);
-        erased = rows.removeWhile([&](const Row& row) { return row.*numberField == household.number; });
-        write.commit();
     }
-    desk.notify(erased > 0 ? done : none, title);
+    if (!refused(found, household, desk))
+        desk.notify(erased > 0 ? done : none, title);
 }
 
 store::tbl_ohaka givenBack(const store::tbl_ohaka& grave, QDate today) {
@@ -63,12 +72,12 @@ store::tbl_ohaka givenBack(const store::tbl_ohaka& grave, QDate today) {
 
 } // namespace
 
-ErasedHousehold::ErasedHousehold(const desk::ScreenContext& context, const std::optional<store::tbl_danka>& read)
+ErasedHousehold::ErasedHousehold(const desk::ScreenContext& context, const desk::Held<store::tbl_danka>* shown)
     : number(context.dnk_no1), name(context.dnk_nameg), emptyName(u""_s), lowestDate(values::firstYear, 1, 1),
-      asRead(read) {}
+      held(shown) {}
 
-void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const std::optional<store::tbl_danka>& asRead) {
-    const ErasedHousehold household(context, asRead);
+void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const desk::Held<store::tbl_danka>* held) {
+    ErasedHousehold household(context, held);
     const struct {
         QString question;
         void (*step)(const ErasedHousehold&, desk::Desk&);
@@ -89,12 +98,15 @@ void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const std::o
         } catch (const std::exception& failure) {
             desk.notify(store::explain(failure), title);
         }
+        if (step == EraseHouseholdRows) {
+            store::Database database;
+            household.rowsErased = !store::find(database, store::idxdnk_no, household.number);
+        }
     }
 }
 
 void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk) {
-    eraseFrom(store::idxdnk_no, &store::tbl_danka::tbldnk_no1, household, desk,
-              u"指定された檀家さんの情報を読めません。DBの整合性を確認して下さい"_s,
+    eraseFrom(store::idxdnk_no, &store::tbl_danka::tbldnk_no1, household, desk, householdMissing,
               u"指定された檀家さんは削除されました。"_s, household.number, household.branch);
 }
 
@@ -117,29 +129,29 @@ void EraseDeathRegister(const ErasedHousehold& household, desk::Desk& desk) {
 }
 
 void DisposeGraves(const ErasedHousehold& household, desk::Desk& desk) {
-    bool found = false;
+    bool disposed = false;
+    desk::Standing found = desk::Standing::asRead;
     {
         store::Database database;
         store::Write write(database);
-        if (isAnothers(database, household)) {
-            sayChanged(desk);
-            return;
+        found = standing(database, household);
+        if (found == desk::Standing::asRead) {
+            // Read to the end first: a replaced grave leaves the selection.
+            const auto graves = store::gravesOf(database, household.number);
+            disposed = !graves.empty();
+            store::Table table(database, store::idxhak_no);
+            for (const store::tbl_ohaka& grave : graves) {
+                table.seek(store::Seek::equal, grave.tblhak_no);
+                table.remove();
+                table.insert(givenBack(grave, desk.today()));
+            }
+            write.commit();
         }
-        // Read to the end first: a replaced grave leaves the selection.
-        const auto graves = store::selectAll<store::tbl_ohaka>(
-            database, "WHERE tbl_ohaka.tblhak_dnk_no = ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC", household.number);
-        found = !graves.empty();
-        store::Table table(database, store::idxhak_no);
-        for (const store::tbl_ohaka& grave : graves) {
-            table.seek(store::Seek::equal, grave.tblhak_no);
-            table.remove();
-            table.insert(givenBack(grave, desk.today()));
-        }
-        write.commit();
     }
-    desk.notify(found ? u"指定されたお墓は廃棄されました。"_s
-                      : u"指定された檀家さんのお墓はありません。登録内容を確認して下さい"_s,
-                title);
+    if (!refused(found, household, desk))
+        desk.notify(disposed ? u"指定されたお墓は廃棄されました。"_s
+                             : u"指定された檀家さんのお墓はありません。登録内容を確認して下さい"_s,
+                    title);
 }
 
 } // namespace households

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "desk/desk.h"
+#include "desk/held.h"
 #include "desk/screen_context.h"
-#include "store/schema.h"
 
 #include <QDate>
 #include <QString>
 
 #include <cstdint>
-#include <optional>
 
 // 檀家抹消: erases a household and what belongs to it. Each step is one write and is told of under the title
 // 檀家の抹消; Enter answers none of its questions with はい.
@@ -21,18 +20,19 @@ struct ErasedHousehold {
     std::int16_t branch = 0;
     QString emptyName;
     QDate lowestDate;
-    // The household's row as it was read; absent where none was stored under the number. A step that finds another one
-    // deletes nothing.
-    std::optional<store::tbl_danka> asRead;
+    // The household that a screen shows, a new one where none is stored under the number: a step that finds the number
+    // to be another's by now deletes nothing. Null: not compared.
+    const desk::Held<store::tbl_danka>* held = nullptr;
+    bool rowsErased = false; // by a former step
 
-    explicit ErasedHousehold(const desk::ScreenContext& context, const std::optional<store::tbl_danka>& asRead = {});
+    explicit ErasedHousehold(const desk::ScreenContext& context, const desk::Held<store::tbl_danka>* held = nullptr);
 };
 
 // Asks once for each kind of data and runs its step after a Yes; goes on to the next whatever the answer or the result,
 // a failure that was told included.
 // Before the first step the register is copied (desk::copyBefore); where the user stops there, nothing is erased and
 // nothing more asked.
-void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const std::optional<store::tbl_danka>& asRead = {});
+void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const desk::Held<store::tbl_danka>* held = nullptr);
 
 // Deletes every branch of the number.
 void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk);

@@ -169,6 +169,12 @@ bool PublishHousehold(const 檀家登Form& form, desk::ScreenContext& context) {
     return true;
 }
 
+void nameShown(const HouseholdFields& form, desk::ScreenContext& context) {
+    if (form.held.isNew())
+        context.publishHousehold(0);
+    publishShown(form, context);
+}
+
 void publishShown(const HouseholdFields& form, desk::ScreenContext& context) {
     if (form.held.isNew())
         return;
@@ -285,7 +291,6 @@ void DeleteHousehold(檀家登Form& form, desk::ScreenContext&, desk::Desk& desk
 
 void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const auto numbers = numbersOf(form);
-    std::optional<store::tbl_danka> asRead;
     bool leftOvers = false;
     if (numbers && numbers->no1 > 0) {
         store::Database database;
@@ -303,23 +308,25 @@ void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk
             desk.notify(u"檀家を照会してから抹消して下さい"_s, title);
             return;
         }
-        if (form.held)
-            asRead = form.held.row();
     }
-    if (!desk.ask(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
-        !PublishHousehold(form, context))
+    if (!desk.ask(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
-    // Copies bear any name that the household ever had: without one, all of them are reached.
-    if (leftOvers)
-        context.dnk_nameg = u""_s;
-    EraseHousehold(context, desk, asRead);
+    const desk::Held<store::tbl_danka> nobody;
+    if (leftOvers) {
+        // Copies bear any name that the household ever had: without one, all of them are reached.
+        context.publishHousehold(desk::HouseholdBlock::numbered(numbers->no1));
+        EraseHousehold(context, desk, &nobody);
+    } else {
+        PublishHousehold(form, context);
+        EraseHousehold(context, desk, &form.held);
+    }
     // Whom the context named may be erased now.
     static_cast<desk::MemberBlock&>(context) = {};
     static_cast<desk::GraveBlock&>(context) = {};
     context.clearDeceased();
     store::Database database;
-    listGraves(database, form, context.dnk_no1);
-    if (asRead && !store::find(database, store::idxdnk_no, asRead->tbldnk_no1, asRead->tbldnk_no2))
+    listGraves(database, form, shownNumbers(form).no1);
+    if (form.held && !store::find(database, store::idxdnk_no, form.held->tbldnk_no1, form.held->tbldnk_no2))
         form.held.removed();
 }
 

@@ -68,6 +68,8 @@ void openForHousehold(檀家登Form& form, desk::ScreenContext& context, desk::D
 
 // Puts the numbers of the household held into the context.
 void publishShown(const HouseholdFields& form, desk::ScreenContext& context);
+// The same, so that the screen can be opened on it again: 0 for a new one.
+void nameShown(const HouseholdFields& form, desk::ScreenContext& context);
 
 // The check shared with the succession: given the required fields in screen order, turns the empty ones red and the
 // others black, and brings the first empty one to the front of the tab order. True when all are filled. Shows nothing.

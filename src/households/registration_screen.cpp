@@ -83,6 +83,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .closing();
     screen->onOpen(screen->run(openHousehold));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
+                       .name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = desk::askedHousehold,
                        .load = screen->run(openBranch)});
     return screen;

@@ -45,6 +45,7 @@ void showMemorial(store::Database& database, 法要明Form& form, const store::t
 
 void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
+    form.held.showNew(desk::householdLabel(context.dnk_no1, context.dnk_no2) + u' ' + context.kak_zokunameg);
     fillServiceLists(database, form);
     fillLiving(database, form.施主, context.dnk_no1,
                "ORDER BY tbl_kazoku.tblkzk_sei_ymd ASC, tbl_kazoku.tblkzk_nameg ASC;");

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace ui {
@@ -23,17 +24,24 @@ struct Draft {
     QStringList typed;                   // those of them that differed from the row as read
 };
 
-// The drafts of this run of the program, at most one of a screen and record.
+// The drafts of this run of the program. A record has at most one: what is typed later is added to it. New records may
+// have several, the latest first found, for they are different ones.
 class Drafts {
   public:
     // Runs whenever a draft comes or goes.
     std::function<void()> changed = [] {};
 
     void keep(Draft draft);
-    void drop(const QString& screen, const QString& key);
-    // Null when there is none; stands until the next change.
+    // Takes the latest one out.
+    std::optional<Draft> take(const QString& screen, const QString& key);
+    // The record was saved or deleted. Of new ones, those end that hold no more than the boxes saved.
+    void end(const QString& screen, const QString& key);
+    void endSaved(const QString& screen, const QHash<QString, QString>& boxes);
+    // The latest one; null when there is none. Stands until the next change.
     const Draft* find(const QString& screen, const QString& key) const;
     const std::vector<Draft>& all() const { return drafts_; }
+    // The first goes behind the others: the next one is named first.
+    void turn();
 
   private:
     std::vector<Draft> drafts_;

@@ -193,6 +193,7 @@ void Screen::operate(const Operation& operation) {
     }
     if (!handedOver_)
         takeKept();
+    workplace_.forgetDeleted();
     settle(before);
     if (!subject_.record && subject_.asked && listed_.key.isEmpty())
         listed_ = subject_.asked(kept_).value_or(desk::AskedRecord());
@@ -330,10 +331,26 @@ QStringList Screen::typedBoxes() const {
     return names;
 }
 
+// Whether the boxes that name the record name another one than it was filled from: a screen that looks up by them then
+// holds input for a new record.
+bool Screen::namesOther() const {
+    return subject_.lookUp && std::ranges::any_of(bindings_, [this](const Binding& binding) {
+               return binding.namesRecord && binding.typed &&
+                      !same(binding.typed(), baseline_.value(binding.widget->objectName()), binding.numeric);
+           });
+}
+
 Draft Screen::draftOf(const QStringList& typed) const {
     const desk::Record& record = subject_.record();
     Draft draft{objectName(), windowTitle(), record.key(), record.label(), record.isNew(), kept_, {}, {}, typed};
+    if (!record.isNew() && namesOther()) {
+        const desk::AskedRecord other = desk::Record::newRecord({});
+        draft.key = other.key;
+        draft.label = other.label;
+        draft.ofNew = true;
+    }
     draft.context.endHandOver();
+    draft.context.allForgot();
     if (const auto& lead = subject_.name ? subject_.name : subject_.publish)
         lead(draft.context);
     for (const Binding& binding : bindings_) {
@@ -367,8 +384,9 @@ void Screen::settle(const std::optional<Draft>& before) {
     const bool ended = record.ending() > ending_;
     const bool filled = record.showing() > showing_;
     if (ended) {
-        workplace_.drafts.drop(objectName(), recordKey_);
-        workplace_.drafts.drop(objectName(), record.key());
+        workplace_.drafts.end(objectName(), record.key());
+        if (before)
+            workplace_.drafts.endSaved(objectName(), before->boxes);
     } else if (filled && before) {
         Draft draft = *before;
         for (const Binding& binding : bindings_) {
@@ -378,18 +396,21 @@ void Screen::settle(const std::optional<Draft>& before) {
         if (!draft.typed.isEmpty())
             workplace_.drafts.keep(std::move(draft));
     }
-    for (const Binding& binding : bindings_) {
-        if (binding.control)
-            binding.control->question = false;
-    }
     if (ended || filled) {
         takeBaseline();
         standing_ = desk::Standing::asRead;
         asked_.reset();
+        strayKey_.clear();
+    }
+    for (const Binding& binding : bindings_) {
+        if (!binding.control || !std::exchange(binding.control->question, false))
+            continue;
+        // What was asked is no input, found or not.
+        if (binding.typed)
+            baseline_[binding.widget->objectName()] = binding.typed();
     }
     ending_ = std::max(ending_, record.ending());
     showing_ = std::max(showing_, record.showing());
-    recordKey_ = record.key();
     showAccent();
 }
 
@@ -409,29 +430,44 @@ void Screen::load(const desk::ScreenContext& named, const QHash<QString, QString
     operate([&] {
         workplace_.context = named;
         workplace_.context.endHandOver();
-        resetForm();
-        asked_.reset();
-        listed_ = {};
-        if (subject_.lookUp) {
-            if (load_)
-                load_();
-            for (const Binding& binding : bindings_) {
-                if (binding.namesRecord)
-                    binding.type(recordBoxes.value(binding.widget->objectName()));
+        const auto putBack = emptyForm();
+        const auto askedBefore = std::exchange(asked_, std::nullopt);
+        const auto listedBefore = std::exchange(listed_, {});
+        try {
+            if (subject_.lookUp) {
+                if (load_)
+                    load_();
+                for (const Binding& binding : bindings_) {
+                    if (binding.namesRecord)
+                        binding.type(recordBoxes.value(binding.widget->objectName()));
+                }
+                subject_.lookUp();
+            } else {
+                subject_.load();
             }
-            subject_.lookUp();
-        } else {
-            subject_.load();
+        } catch (...) {
+            // Where the register cannot be read now, the screen stays as it was.
+            putBack();
+            asked_ = askedBefore;
+            listed_ = listedBefore;
+            throw;
         }
     });
 }
 
 void Screen::loadFor(const Draft& draft) {
-    if (!subject_.record || subject_.record().key() == draft.key)
+    if (!subject_.record)
         return;
-    // The record may be gone, and with it the place that the draft has in the list of drafts.
-    const Draft wanted = draft;
-    load(wanted.context, wanted.recordBoxes);
+    if (subject_.record().key() != draft.key)
+        load(draft.context, draft.recordBoxes);
+    if (subject_.record().key() != draft.key)
+        strayKey_ = draft.key;
+    refreshBar();
+}
+
+// The key of the draft that the bar offers: of the record shown, or of one that is gone.
+QString Screen::offeredKey() const {
+    return strayKey_.isEmpty() ? subject_.record().key() : strayKey_;
 }
 
 void Screen::askedAgain(const desk::ScreenContext& context) {
@@ -444,9 +480,18 @@ void Screen::askedAgain(const desk::ScreenContext& context) {
     refreshBar();
 }
 
-void Screen::restore(Draft draft) {
+void Screen::restore(const Draft& draft) {
     readForm();
-    workplace_.drafts.drop(draft.screen, draft.key);
+    std::optional<Draft> typedOver = currentDraft();
+    if (typedOver) {
+        // What would be typed over is kept in its turn.
+        typedOver->typed.removeIf([&](const QString& box) {
+            return !draft.boxes.contains(box) || !(draft.ofNew || draft.typed.contains(box)) ||
+                   draft.boxes.value(box) == typedOver->boxes.value(box);
+        });
+        if (!typedOver->typed.isEmpty())
+            workplace_.drafts.keep(std::move(*typedOver));
+    }
     for (Binding& binding : bindings_) {
         const QString name = binding.widget->objectName();
         const bool typed = draft.typed.contains(name);
@@ -460,6 +505,7 @@ void Screen::restore(Draft draft) {
         binding.type(draft.boxes.value(name));
         binding.restored = typed;
     }
+    strayKey_.clear();
     showForm();
     refreshBar();
 }
@@ -487,19 +533,23 @@ void Screen::say(const QString& text) {
 void Screen::refreshBar() {
     using enum NoticeAction;
     const bool was = bar_->isVisibleTo(this);
-    const Draft* draft =
-        subject_.record && !busy_ ? workplace_.drafts.find(objectName(), subject_.record().key()) : nullptr;
+    const Draft* draft = subject_.record && !busy_ ? workplace_.drafts.find(objectName(), offeredKey()) : nullptr;
     const QString idle = idleText_ ? idleText_() : QString();
     if (standing_ != desk::Standing::asRead && replaced_)
         bar_->tell(u"登録簿が入れ替わりました。画面を開き直して下さい"_s);
     else if (standing_ == desk::Standing::gone)
         bar_->tell(u"この記録はほかの画面で削除されています。"_s);
+    else if (standing_ == desk::Standing::twice)
+        bar_->tell(
+            u"同じ番号・名前の記録が二つあります。端末で「hoshiren-db check」を実行して、登録簿を確認して下さい。"_s);
     else if (standing_ != desk::Standing::asRead)
         bar_->tell(u"この記録はほかの画面で変更されています。"_s, {読み直す});
     else if (asked_)
         bar_->tell(u"「%1」を表示しています。「%2」を開くには「表示する」を押して下さい。"_s.arg(
                        subject_.record ? subject_.record().label() : listed_.label, asked_->record.label),
                    {表示する});
+    else if (draft && !strayKey_.isEmpty())
+        bar_->tell(u"「%1」の記録はもうありません。前に入力した内容が残っています"_s.arg(draft->label), {戻す, 捨てる});
     else if (draft)
         bar_->tell(u"前に入力した内容が残っています"_s, {戻す, 捨てる});
     else if (!informed_.isEmpty())
@@ -516,11 +566,15 @@ void Screen::refreshBar() {
 void Screen::fitBar() {
     if (!isVisible() || isMaximized() || !screen())
         return;
-    const int height = bar_->sizeHint().height();
-    if (!bar_->isVisibleTo(this))
-        resize(width(), this->height() - height);
-    else if (frameGeometry().bottom() + height <= screen()->availableGeometry().bottom())
-        resize(width(), this->height() + height);
+    if (!bar_->isVisibleTo(this)) {
+        resize(width(), height() - std::exchange(grownBy_, 0));
+        return;
+    }
+    const int needed = bar_->sizeHint().height();
+    if (frameGeometry().bottom() + needed > screen()->availableGeometry().bottom())
+        return;
+    grownBy_ = needed;
+    resize(width(), height() + needed);
 }
 
 void Screen::barPressed(NoticeAction action) {
@@ -528,10 +582,9 @@ void Screen::barPressed(NoticeAction action) {
         return;
     switch (action) {
     case NoticeAction::読み直す: {
+        // By the boxes as they were filled, whatever is typed there now.
         readForm();
-        const Draft now = draftOf({});
-        QHash<QString, QString> boxes = now.recordBoxes;
-        load(now.context, boxes);
+        load(draftOf({}).context, baseline_);
         break;
     }
     case NoticeAction::表示する:
@@ -543,11 +596,13 @@ void Screen::barPressed(NoticeAction action) {
         }
         break;
     case NoticeAction::戻す:
-        if (const Draft* draft = workplace_.drafts.find(objectName(), subject_.record().key()))
+        if (const auto draft = workplace_.drafts.take(objectName(), offeredKey()))
             restore(*draft);
         break;
     case NoticeAction::捨てる:
-        workplace_.drafts.drop(objectName(), subject_.record().key());
+        workplace_.drafts.take(objectName(), offeredKey());
+        strayKey_.clear();
+        refreshBar();
         break;
     case NoticeAction::元に戻す:
         break;

@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 class QPushButton;
@@ -78,6 +79,7 @@ class Screen : public QWidget {
     void open();
     // Loads, on an emptied form, what the draft was typed for.
     void loadFor(const Draft& draft);
+    void forget(const desk::ScreenContext& deleted) { kept_.forgetAlso(deleted); }
     // The screen was open already when it was asked for the record that the context names.
     void askedAgain(const desk::ScreenContext& context);
     // Says in the bar what needs no answer.
@@ -114,8 +116,10 @@ class Screen : public QWidget {
     void readForm();
 
   protected:
-    // Empties the form.
-    virtual void resetForm() {}
+    // Empties the form; gives what puts it back as it was.
+    virtual std::function<void()> emptyForm() {
+        return [] {};
+    }
     bool event(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -133,7 +137,9 @@ class Screen : public QWidget {
     QStringList typedBoxes() const;
     Draft draftOf(const QStringList& typed) const;
     std::optional<Draft> currentDraft() const;
-    void restore(Draft draft);
+    void restore(const Draft& draft);
+    QString offeredKey() const;
+    bool namesOther() const;
     void load(const desk::ScreenContext& named, const QHash<QString, QString>& recordBoxes);
     void settle(const std::optional<Draft>& before);
     void takeBaseline();
@@ -158,7 +164,8 @@ class Screen : public QWidget {
     std::function<QString()> idleText_;
     std::function<void()> idlePressed_;
     QHash<QString, QString> baseline_; // what the boxes showed when they were filled
-    QString recordKey_;
+    QString strayKey_;                 // of a draft that was asked for and whose record is gone
+    int grownBy_ = 0;                  // pixels, for the bar
     int showing_ = 0;
     int ending_ = 0;
     desk::Standing standing_ = desk::Standing::asRead;
@@ -197,7 +204,9 @@ template <class Form> class FormScreen : public Screen {
     }
 
   protected:
-    void resetForm() override { form_ = Form(); }
+    std::function<void()> emptyForm() override {
+        return [this, before = std::exchange(form_, Form())] { form_ = before; };
+    }
 
   private:
     Form form_;

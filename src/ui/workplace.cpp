@@ -55,12 +55,29 @@ void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Ope
     screen->activateWindow();
 }
 
-void Workplace::show(const Draft& draft) {
-    const Draft wanted = draft;
-    context = wanted.context;
-    open(wanted.screen);
-    if (Screen* screen = find(wanted.screen))
-        screen->loadFor(wanted);
+void Workplace::showDraft() {
+    if (drafts.all().empty())
+        return;
+    const Draft draft = drafts.all().front();
+    for (const auto& [child, waiting] : waiting_.asKeyValueRange()) {
+        for (const Waiting& one : waiting) {
+            if (one.opener && one.opener == find(draft.screen)) {
+                open(child);
+                return;
+            }
+        }
+    }
+    drafts.turn();
+    context = draft.context;
+    open(draft.screen);
+    if (Screen* screen = find(draft.screen))
+        screen->loadFor(draft);
+}
+
+void Workplace::forgetDeleted() {
+    for (Screen* screen : std::as_const(open_))
+        screen->forget(context);
+    context.allForgot();
 }
 
 Screen* Workplace::find(const QString& name) const {

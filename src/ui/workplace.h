@@ -30,8 +30,11 @@ class Workplace {
     void open(const QString& name, Screen* opener = nullptr, desk::Opening how = desk::Opening::modeless,
               Operation closed = {});
 
-    // Opens the screen of a draft on the record that it was typed for; the screen's bar then offers it.
-    void show(const Draft& draft);
+    // Opens the screen of the first draft on the record that it was typed for; the screen's bar then offers it. The
+    // next call shows the next one. A screen that waits for another one is left alone: that one comes forward.
+    void showDraft();
+    // What the last operation deleted is kept by no other screen.
+    void forgetDeleted();
 
     // The open screen of this name, null when it is not open.
     Screen* find(const QString& name) const;
