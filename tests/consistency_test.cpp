@@ -70,8 +70,6 @@ TEST_F(Consistency, TellsEachFaultInOneLine) {
          {u"お墓の発番「」が、登録されている最大の番号 3 より小さくなっています。"_s}},
         {u"UPDATE tbl_danka SET tbldnk_bikou = CAST(x'E5B1' AS TEXT) WHERE rowid = 1"_s,
          {u"表 tbl_danka の 1 行目の tbldnk_bikou に文字として読めない値があります。"_s}},
-        {u"ALTER TABLE tbl_danka RENAME COLUMN tbldnk_chiku TO x"_s,
-         {u"表 tbl_danka に項目 tbldnk_chiku がありません。"_s}},
         {u"DROP VIEW ｑｒｙｄｎｋ_ra; DROP INDEX idxkzk_no; DROP TABLE tbl_nengo"_s,
          {u"クエリ ｑｒｙｄｎｋ_ra がありません。"_s, u"索引 idxkzk_no がありません。"_s,
           u"索引 idxnen_nengo がありません。"_s, u"索引 idxnen_snen がありません。"_s,

@@ -98,6 +98,8 @@ TEST_F(Erasure, GoesOnPastWhatHasNoDayAndWhatFails) {
             "ALTER TABLE tbl_kazoku RENAME TO away"_s);
     for (const Step& step : steps) {
         desk.answer(u"檀家さんの%1を抹消しますか　？"_s.arg(step.question), title, true);
+        if (&step == &steps[0])
+            desk.answerBeginning(u"登録簿の控えを作れませんでした。"_s, title, true);
         if (&step == &steps[1])
             desk.expectBeginning(u"登録簿ファイルに必要な表がありません。"_s, title);
         else

@@ -31,6 +31,10 @@ void TestDesk::expectBeginning(const QString& text, const QString& title) {
     expected_.push_back({text, title, false, false, false});
 }
 
+void TestDesk::answerBeginning(const QString& text, const QString& title, bool yes) {
+    expected_.push_back({text, title, true, yes, false});
+}
+
 void TestDesk::answer(const QString& text, const QString& title, bool yes) {
     expected_.push_back({text, title, true, yes});
 }

@@ -16,8 +16,10 @@ class TestDesk : public desk::Desk {
 
     // The next box is a message "title: text" / a question answered so.
     void expect(const QString& text, const QString& title);
-    void expectBeginning(const QString& text, const QString& title); // a message that ends as it will
     void answer(const QString& text, const QString& title, bool yes);
+    // The same for texts that end as they will.
+    void expectBeginning(const QString& text, const QString& title);
+    void answerBeginning(const QString& text, const QString& title, bool yes);
     // Every expected box has been shown; clears the list and the record of opened screens.
     void finish();
 
