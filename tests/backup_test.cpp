@@ -166,7 +166,8 @@ TEST_F(Backups, KeepsFourteenDaysTwelveMonthsAndTenOperations) {
     for (const auto& [number, minutes] : {std::pair(1, 59), {2, 61}}) {
         QFile file(put(u"backup/"_s + draft.arg(number)));
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-        file.setFileTime(QDateTime::currentDateTime().addSecs(qint64{-60} * minutes), QFileDevice::FileModificationTime);
+        file.setFileTime(QDateTime::currentDateTime().addSecs(qint64{-60} * minutes),
+                         QFileDevice::FileModificationTime);
     }
     kept << draft.arg(1);
     store::removeOldBackups(registered(), {});

@@ -257,6 +257,13 @@ TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
     show();
     change();
     EXPECT_EQ(query(u"SELECT tblkak_kyounen FROM tbl_kakocho"_s), u"81"_s);
+    // A mistyped year that is put right again leaves it, too.
+    form.命日.year.text = u"15"_s;
+    desk.answer(askChange, title, false);
+    family::changeDeath(form, context, desk);
+    form.命日.year.text = u"12"_s;
+    change();
+    EXPECT_EQ(query(u"SELECT tblkak_kyounen FROM tbl_kakocho"_s), u"81"_s);
     form.命日.day.text = u"3"_s;
     change();
     EXPECT_EQ(query(u"SELECT tblkak_kyounen FROM tbl_kakocho"_s), u"80"_s);

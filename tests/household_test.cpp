@@ -272,4 +272,46 @@ TEST_F(Household, WhatAHouseholdLeftIsErasedByItsNumber) {
     EXPECT_EQ(query(u"SELECT tblkzk_nameg FROM tbl_kazoku"_s), u"三"_s);
 }
 
+// The number was given to another family after the one shown was deleted, here or elsewhere.
+TEST_F(Household, ErasureReachesNoOtherFamilyThanTheOneShown) {
+    const QString missing = u"指定された檀家さんの情報を読めません。DBの整合性を確認して下さい"_s;
+    const struct {
+        QString branch;
+        QString elsewhere;
+        QString told;
+        bool deletedHere;
+    } cases[] = {
+        {u"0"_s, u"DELETE FROM tbl_danka"_s, changed, true},
+        {u"1"_s, u"DELETE FROM tbl_danka WHERE tbldnk_no2 = 1"_s, missing, false},
+    };
+    for (const auto& one : cases) {
+        execute(u"DELETE FROM tbl_danka"_s);
+        auto row = sampleHousehold(5);
+        store(row);
+        row.tbldnk_no2 = 1;
+        store(row);
+        form = {};
+        lookUp(u"5"_s, one.branch);
+        if (one.deletedHere) {
+            desk.answer(deleteQuestion, title, true);
+            desk.expect(u"指定された檀家さんは削除されました。"_s, title);
+            households::DeleteHousehold(form, context, desk);
+        }
+        execute(one.elsewhere);
+        if (one.deletedHere) {
+            row.tbldnk_no2 = 0;
+            row.tbldnk_nameg = u"佐藤"_s;
+            store(row);
+        }
+        const QString before = query(u"SELECT tbldnk_no2, tbldnk_nameg FROM tbl_danka"_s);
+        desk.answer(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title, true);
+        for (const QString& what : {u"情報"_s, u"家族情報"_s, u"法要情報"_s, u"過去帳"_s, u"お墓情報"_s}) {
+            desk.answer(u"檀家さんの%1を抹消しますか　？"_s.arg(what), u"檀家の抹消"_s, true);
+            desk.expect(one.told, u"檀家の抹消"_s);
+        }
+        households::eraseShownHousehold(form, context, desk);
+        EXPECT_EQ(query(u"SELECT tbldnk_no2, tbldnk_nameg FROM tbl_danka"_s), before);
+    }
+}
+
 } // namespace

@@ -186,6 +186,7 @@ TEST_F(PrintServer, StaysAwakeBesideAServerThatDoesNotAnswer) {
     EXPECT_TRUE(failure.startsWith(u"印刷を中止しました。"_s)) << failure.toStdString();
     // What nobody waits for any more is not printed when the server wakes up.
     server.thaw();
+    QTest::qWait(500);
     EXPECT_TRUE(QTest::qWaitFor([&server] { return server.openJobs() == 0; }));
     EXPECT_TRUE(server.document("labels").isEmpty());
 }

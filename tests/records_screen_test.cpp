@@ -376,6 +376,99 @@ TEST_F(Records, WhatWasTypedIsOfferedAgain) {
     }
 }
 
+// Two drafts of one record are one; those of new records are several; none is typed over without a trace.
+TEST_F(Records, DraftsAreNeitherMixedNorLost) {
+    const QString members = u"家族登"_s;
+    fill();
+    open(u"メニュー"_s);
+    const auto typeAndClose = [&](const QString& box, const QString& typed) {
+        type(u"檀家登"_s, box, typed);
+        close(u"檀家登"_s);
+    };
+    openOn(u"檀家登"_s, 5);
+    typeAndClose(u"frm01_biko"_s, u"一"_s);
+    openOn(u"檀家登"_s, 5);
+    typeAndClose(u"frm01_fax"_s, u"二"_s);
+    openOn(u"檀家登"_s, 5);
+    type(u"檀家登"_s, u"frm01_biko"_s, u"三"_s);
+    press(u"檀家登"_s, u"戻す"_s);
+    EXPECT_EQ(text(u"檀家登"_s, u"frm01_biko"_s) + text(u"檀家登"_s, u"frm01_fax"_s), u"一二"_s);
+    press(u"檀家登"_s, u"戻す"_s);
+    EXPECT_EQ(text(u"檀家登"_s, u"frm01_biko"_s), u"三"_s);
+    press(u"檀家登"_s, u"捨てる"_s);
+    close(u"檀家登"_s);
+    openOn(u"檀家登"_s, 5);
+    press(u"檀家登"_s, u"捨てる"_s);
+    close(u"檀家登"_s);
+    ASSERT_TRUE(workplace->drafts.all().empty());
+
+    for (const QString& name : {u"山田 一"_s, u"山田 二"_s}) {
+        openOn(members, 5);
+        type(members, u"frm12_nameg"_s, name);
+        close(members);
+    }
+    EXPECT_EQ(workplace->drafts.all().size(), 2U);
+    // One is entered after all: only its own draft ends.
+    openOn(members, 5);
+    press(members, u"戻す"_s);
+    EXPECT_EQ(text(members, u"frm12_nameg"_s), u"山田 二"_s);
+    type(members, u"frm12_namek"_s, u"ヤマダ ニ"_s);
+    type(members, u"frm12_続柄"_s, u"次男"_s);
+    answer(u"入力された内容で家族の登録をします。内容を確認して下さい。"_s, u"家族登録"_s, true);
+    expect(u"入力された内容で家族は登録されました。"_s, u"家族登録"_s);
+    press(members, u"登録"_s);
+    close(members);
+    EXPECT_EQ(workplace->drafts.all().size(), 1U);
+
+    // The record is gone: what was typed for it can still be had.
+    openOn(members, 5, [](auto& c) { c.dnk_nameg = u"山田"_s, c.kzk_nameg = u"太郎"_s; });
+    type(members, u"frm12_bikou"_s, u"覚え"_s);
+    close(members);
+    execute(u"DELETE FROM tbl_kazoku WHERE tblkzk_nameg = '太郎'"_s);
+    press(u"メニュー"_s, u"表示する"_s); // the other one, first in line
+    close(members);
+    expect(u"家族名が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, u"家族登録"_s);
+    expect(u"家族名が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, u"家族登録"_s);
+    press(u"メニュー"_s, u"表示する"_s);
+    EXPECT_EQ(said(members), u"「5 太郎」の記録はもうありません。前に入力した内容が残っています"_s);
+    press(members, u"戻す"_s);
+    EXPECT_EQ(text(members, u"frm12_bikou"_s), u"覚え"_s);
+}
+
+// What one screen deleted is put back into the shared record by none that was opened on it.
+TEST_F(Records, WhatWasDeletedIsNamedByNoScreenLeftOpen) {
+    fill();
+    const auto deceased = [](desk::ScreenContext& context) { context.nameDeceased(u"山田"_s, u"ハナ"_s); };
+    openOn(u"過去一"_s, 5);
+    clickCell(u"過去一"_s, u"frm21_tbl"_s, 1);
+    openOn(u"過去登"_s, 5, deceased);
+    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, u"過去帳登録"_s, true);
+    answer(u"法要等の情報も削除しますか？"_s, u"過去帳登録"_s, true);
+    answer(u"家族登録は元に戻しますか？"_s, u"過去帳登録"_s, false);
+    expect(u"削除処理を終了しました。"_s, u"過去帳登録"_s);
+    press(u"過去登"_s, u"削除"_s);
+    close(u"過去登"_s);
+    press(u"過去一"_s, u"前ページ"_s);
+    EXPECT_EQ(workplace->context.kak_zokunameg, QString());
+    allShown();
+}
+
+// Where the register cannot be read again, the screen stays as it was.
+TEST_F(Records, AFailureToReadAgainLeavesTheScreenAsItWas) {
+    fill();
+    openOn(u"檀家登"_s, 5);
+    execute(u"UPDATE tbl_danka SET tbldnk_bikou = '別'"_s);
+    bringForward(u"檀家登"_s);
+    const QString file = store::Database::registerPath();
+    ASSERT_TRUE(QFile::rename(file, file + u".away"_s));
+    expectBeginning(u"登録簿ファイル「"_s, u"檀家 登録"_s);
+    press(u"檀家登"_s, u"読み直す"_s);
+    EXPECT_EQ(text(u"檀家登"_s, u"frm01_dankag"_s), u"山田"_s);
+    ASSERT_TRUE(QFile::rename(file + u".away"_s, file));
+    close(u"檀家登"_s);
+    EXPECT_TRUE(workplace->drafts.all().empty());
+}
+
 // A check that writes an amount with separators, or 00 into an empty box, leaves nothing to be kept.
 TEST_F(Records, WhatACheckReformatsIsNoDraft) {
     fill();
