@@ -455,14 +455,17 @@ void Screen::load(const desk::ScreenContext& named, const QHash<QString, QString
     });
 }
 
-void Screen::loadFor(const Draft& draft) {
-    if (!subject_.record)
-        return;
-    if (subject_.record().key() != draft.key)
+void Screen::showFor(const Draft& draft) {
+    const bool shown = isVisible();
+    if (!shown)
+        applyTabOrder();
+    if (!shown || subject_.record().key() != draft.key)
         load(draft.context, draft.recordBoxes);
     if (subject_.record().key() != draft.key)
         strayKey_ = draft.key;
     refreshBar();
+    if (!shown && fit_)
+        fit_();
 }
 
 // The key of the draft that the bar offers: of the record shown, or of one that is gone.

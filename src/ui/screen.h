@@ -77,8 +77,8 @@ class Screen : public QWidget {
 
     // Runs the opening operation.
     void open();
-    // Loads, on an emptied form, what the draft was typed for.
-    void loadFor(const Draft& draft);
+    // Shows, just made or not, what the draft was typed for.
+    void showFor(const Draft& draft);
     void forget(const desk::ScreenContext& deleted) { kept_.forgetAlso(deleted); }
     // The screen was open already when it was asked for the record that the context names.
     void askedAgain(const desk::ScreenContext& context);

@@ -19,7 +19,7 @@ Workplace::~Workplace() {
     qDeleteAll(open_);
 }
 
-void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Operation closed) {
+void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Operation closed, const Draft* draft) {
     Screen* screen = open_.value(name);
     const bool fresh = !screen;
     if (fresh) {
@@ -42,7 +42,9 @@ void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Ope
         screen->windowHandle()->setTransientParent(opener->window()->windowHandle());
     }
     const QPointer<Screen> alive = screen;
-    if (fresh)
+    if (draft)
+        screen->showFor(*draft);
+    else if (fresh)
         screen->open();
     else if (opener && opener->asksForRecords())
         screen->askedAgain(context);
@@ -69,9 +71,7 @@ void Workplace::showDraft() {
     }
     drafts.turn();
     context = draft.context;
-    open(draft.screen);
-    if (Screen* screen = find(draft.screen))
-        screen->loadFor(draft);
+    open(draft.screen, nullptr, desk::Opening::modeless, {}, &draft);
 }
 
 void Workplace::forgetDeleted() {

@@ -26,9 +26,10 @@ class Workplace {
     std::function<QDate()> today = [] { return QDate::currentDate(); };
 
     // Opens a screen or brings it forward without loading it again. modal: the opener is blocked until the screen
-    // closes; closed then runs as the opener's operation. Reports a missing screen under the opener's title.
+    // closes; closed then runs as the opener's operation. Reports a missing screen under the opener's title. With a
+    // draft the screen shows what that was typed for.
     void open(const QString& name, Screen* opener = nullptr, desk::Opening how = desk::Opening::modeless,
-              Operation closed = {});
+              Operation closed = {}, const Draft* draft = nullptr);
 
     // Opens the screen of the first draft on the record that it was typed for; the screen's bar then offers it. The
     // next call shows the next one. A screen that waits for another one is left alone: that one comes forward.
