@@ -59,7 +59,7 @@ constexpr Contradiction contradictions[] = {
 void findFaults(Database& database, QStringList& faults) {
     findDamage(database, faults);
     const LayoutDifferences differences = compareLayout(database.engine());
-    faults += differences.wrong + differences.extra;
+    faults += differences.missing + differences.other + differences.extra;
     if (!differences.readable)
         return;
     for (const auto& [statement, line] : contradictions) {
