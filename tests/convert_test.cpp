@@ -81,6 +81,10 @@ class Convert : public RegisterFixture {
                       WHERE tblhak_no = 1)"_s);
         execute(u"UPDATE tbl_danka SET tbldnk_bikou = '%1' WHERE tbldnk_no1 = 6"_s.arg(u"長い備考。"_s.repeated(1500)));
         execute(u"UPDATE tbl_danka SET tbldnk_bikou = '%1' WHERE tbldnk_no1 = 7"_s.arg(u"備考。"_s.repeated(60)));
+        // Rows of every length, up to three times what a place of one byte can tell.
+        execute(u"UPDATE tbl_kakocho SET tblkak_kaimyoug = substr('%1', 1, rowid * 11 % 125), "
+                "tblkak_kankeisha = substr('%1', 1, rowid * 5 % 125), tblkak_bikou = substr('%1', 1, rowid * 7 % 125)"_s
+                    .arg(u"院釈居士"_s.repeated(32)));
         if (version == JetFile::Version::access2000)
             execute(u"UPDATE tbl_danka SET tbldnk_nameg = '𠮷田㈱神' WHERE tbldnk_no1 = 2"_s);
     }

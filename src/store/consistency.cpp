@@ -82,7 +82,7 @@ QStringList findUnreadableTexts(SQLite::Database& engine) {
 void findFaults(Database& database, QStringList& faults) {
     findDamage(database, faults);
     const LayoutDifferences differences = compareLayout(database.engine());
-    faults += differences.wrong + differences.extra;
+    faults += differences.missing + differences.other + differences.extra;
     if (!differences.readable)
         return;
     faults += findUnreadableTexts(database.engine());

@@ -119,10 +119,10 @@ void compareTables(const Object& found, const Object& right, LayoutDifferences& 
     for (const QStringList& column : wanted.columns) {
         const QStringList* own = present.find(column[0]);
         if (!own) {
-            differences.wrong << u"表 %1 に列 %2 がありません。"_s.arg(name, column[0]);
+            differences.missing << u"表 %1 に列 %2 がありません。"_s.arg(name, column[0]);
             differences.readable = sameColumns = false;
         } else if (*own != column) {
-            differences.wrong << u"表 %1 の列 %2 が違います: "_s.arg(name, column[0]) +
+            differences.other << u"表 %1 の列 %2 が違います: "_s.arg(name, column[0]) +
                                      otherThan(own->mid(1).join(u' '), column.mid(1).join(u' '));
         }
     }
@@ -130,9 +130,9 @@ void compareTables(const Object& found, const Object& right, LayoutDifferences& 
         if (!wanted.find(column.value(0)))
             differences.extra << u"表 %1 の列「%2」は登録簿のものではありません。"_s.arg(name, column.join(u' '));
     if (sameColumns && present.names() != wanted.names())
-        differences.wrong << u"表 %1 の列の順序が違います。"_s.arg(name);
+        differences.other << u"表 %1 の列の順序が違います。"_s.arg(name);
     if (present.kind != wanted.kind)
-        differences.wrong << u"表 %1 の種類が違います: "_s.arg(name) + otherThan(present.kind, wanted.kind);
+        differences.other << u"表 %1 の種類が違います: "_s.arg(name) + otherThan(present.kind, wanted.kind);
 }
 
 } // namespace
@@ -146,16 +146,16 @@ LayoutDifferences compareLayout(SQLite::Database& engine) {
     for (const auto& [title, right] : wanted) {
         const auto found = present.find(title);
         if (found == present.end()) {
-            differences.wrong << u"%1 がありません。"_s.arg(title);
+            differences.missing << u"%1 がありません。"_s.arg(title);
             differences.readable = differences.readable && right.kind != u"表";
         } else if (found->second.words == right.words) {
         } else if (right.kind == u"表") {
             compareTables(found->second, right, differences);
         } else if (right.kind == u"索引") {
-            differences.wrong << u"%1 が違います: "_s.arg(title) +
+            differences.other << u"%1 が違います: "_s.arg(title) +
                                      otherThan(found->second.words.join(u' '), right.words.join(u' '));
         } else {
-            differences.wrong << u"%1 の内容が違います。"_s.arg(title);
+            differences.other << u"%1 の内容が違います。"_s.arg(title);
         }
     }
     for (const auto& [title, object] : present)

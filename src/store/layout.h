@@ -9,7 +9,8 @@ namespace store {
 
 // In what a file's layout differs from that of a new register, one Japanese line each.
 struct LayoutDifferences {
-    QStringList wrong;    // what is missing, or other than it must be
+    QStringList missing;  // tables, columns, indexes and queries
+    QStringList other;    // what is there and other than it must be
     QStringList extra;    // what does not belong to a register: tables, columns, indexes, queries, triggers
     bool readable = true; // false when a table or a column is missing, so that rows cannot be read
 };

@@ -41,7 +41,8 @@ QString titleOf(const char* step) {
 }
 
 void lookOver(SQLite::Database& engine) {
-    QStringList faults = compareLayout(engine).wrong;
+    const LayoutDifferences differences = compareLayout(engine);
+    QStringList faults = differences.missing + differences.other;
     SQLite::Statement check(engine, "PRAGMA integrity_check(10)");
     while (check.executeStep())
         if (const std::string found = check.getColumn(0).getString(); found != "ok")

@@ -241,7 +241,7 @@ class Faults : public ::testing::TestWithParam<Operation> {
             EXPECT_EQ(word(database.engine(), "PRAGMA integrity_check"), "ok");
             // Only a register of the program's own number has its layout, and that whole.
             EXPECT_EQ(store::layoutOf(database) == store::layoutVersion,
-                      store::compareLayout(database.engine()).wrong.isEmpty());
+                      store::compareLayout(database.engine()).missing.isEmpty());
             if (known == states.end())
                 checkBeginning(database);
             EXPECT_TRUE(!succeeded || state == states.back()) << "reported as done and not there";

@@ -163,7 +163,10 @@ QByteArray JetFile::rowBytes(const std::vector<Column>& columns, const Row& row,
     std::vector<QByteArray> variable;
     const auto there = static_cast<std::size_t>(
         std::count_if(columns.begin(), columns.end(), [&](const Column& column) { return column.since <= number; }));
+    // The bits behind those of the columns mean nothing.
     QByteArray notNull(static_cast<qsizetype>(there + 7) / 8, 0);
+    for (std::size_t i = there; i < static_cast<std::size_t>(notNull.size()) * 8; ++i)
+        setBit(notNull, i);
     for (std::size_t i = 0; i < there; ++i) {
         const Cell& cell = row[i];
         const auto* whole = std::get_if<qint64>(&cell);
