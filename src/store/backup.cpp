@@ -134,8 +134,8 @@ void prove(SQLite::Database& copy, const QString& path) {
             throw damaged(found);
         // Of an older layout there is nothing to compare with; what an upgrade makes of it is looked over then.
         if (copy.execAndGet("PRAGMA user_version").getInt() == layoutVersion) {
-            if (const LayoutDifferences differences = compareLayout(copy); !differences.wrong.isEmpty())
-                throw damaged(differences.wrong.first().toStdString());
+            if (const QStringList missing = compareLayout(copy).missing; !missing.isEmpty())
+                throw damaged(missing.first().toStdString());
         }
         if (const QStringList unreadable = findUnreadableTexts(copy); !unreadable.isEmpty())
             throw damaged(unreadable.first().toStdString());
