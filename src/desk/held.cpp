@@ -52,6 +52,17 @@ std::optional<AskedRecord> askedHousehold(const ScreenContext& context) {
     return AskedRecord{keyText(context.dnk_no1, context.dnk_no2), householdLabel(context.dnk_no1, context.dnk_no2)};
 }
 
+std::optional<AskedRecord> askedPerson(const ScreenContext& context, const QString& name,
+                                       const QString& householdShown) {
+    if (context.dnk_no1 == 0)
+        return {};
+    if (!name.isEmpty())
+        return AskedRecord{keyText(context.dnk_no1, context.dnk_nameg, name), withHousehold(context.dnk_no1, name)};
+    if (householdShown == QString::number(context.dnk_no1))
+        return {};
+    return Record::newRecord(householdLabel(context.dnk_no1, context.dnk_no2));
+}
+
 int Record::nextMark() {
     static int mark = 0;
     return ++mark;

@@ -62,6 +62,11 @@ struct AskedRecord {
 // The household that the context names; nothing where it names none.
 std::optional<AskedRecord> askedHousehold(const ScreenContext& context);
 
+// A person of the context's household, by the household's name as he bears it and his own; without a name a new one,
+// and nothing where the screen shows that household already.
+std::optional<AskedRecord> askedPerson(const ScreenContext& context, const QString& name,
+                                       const QString& householdShown);
+
 // What the kit asks of a screen's record, whatever its table.
 class Record {
   public:

@@ -246,15 +246,7 @@ void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::
 }
 
 std::optional<desk::AskedRecord> askedEntry(const 過去登Form& form, const desk::ScreenContext& context) {
-    if (context.dnk_no1 == 0)
-        return {};
-    const QString household = QString::number(context.dnk_no1);
-    if (!context.kak_zokunameg.isEmpty())
-        return desk::AskedRecord{desk::keyText(context.dnk_no1, context.dnk_nameg, context.kak_zokunameg),
-                                 household + u' ' + context.kak_zokunameg};
-    if (form.frm11_no.text == household)
-        return {};
-    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+    return desk::askedPerson(context, context.kak_zokunameg, form.frm11_no.text);
 }
 
 void publishShown(const 過去登Form& form, desk::ScreenContext& context) {

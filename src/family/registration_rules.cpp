@@ -145,15 +145,7 @@ void openFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& d
 }
 
 std::optional<desk::AskedRecord> askedMember(const 家族登Form& form, const desk::ScreenContext& context) {
-    if (context.dnk_no1 == 0)
-        return {};
-    const QString household = QString::number(context.dnk_no1);
-    if (!context.kzk_nameg.isEmpty())
-        return desk::AskedRecord{desk::keyText(context.dnk_no1, context.dnk_nameg, context.kzk_nameg),
-                                 household + u' ' + context.kzk_nameg};
-    if (form.frm12_no.text == household)
-        return {};
-    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, context.dnk_no2));
+    return desk::askedPerson(context, context.kzk_nameg, form.frm12_no.text);
 }
 
 void nameShown(const 家族登Form& form, desk::ScreenContext& context) {
