@@ -3,6 +3,7 @@
 #include "jet_reader.h"
 
 #include "store/consistency.h"
+#include "store/draft.h"
 #include "store/table.h"
 #include "values/dates.h"
 #include "values/numbers.h"
@@ -380,6 +381,7 @@ int convertRegister(const QString& file) {
         return status;
     if (!QFile::rename(draft, path))
         throw cannotMake();
+    store::syncFolder(info.absolutePath());
     say(stdout, u"新しい登録簿を作りました: %1"_s.arg(QDir::toNativeSeparators(path)));
     if (status == notWhole)
         say(stdout, u"移せなかったものがあります。上の行を確認して下さい。元のファイルはそのままです。"_s);
