@@ -427,6 +427,8 @@ void Screen::load(const desk::ScreenContext& named, const QHash<QString, QString
     if (auto draft = currentDraft())
         workplace_.drafts.keep(std::move(*draft));
     takeBaseline();
+    // The bar moves no keyboard, whatever the loading would like.
+    const QPointer<QWidget> keyboard = isVisible() ? focusWidget() : nullptr;
     operate([&] {
         workplace_.context = named;
         workplace_.context.endHandOver();
@@ -453,6 +455,8 @@ void Screen::load(const desk::ScreenContext& named, const QHash<QString, QString
             throw;
         }
     });
+    if (keyboard)
+        keyboard->setFocus(Qt::OtherFocusReason);
 }
 
 void Screen::showFor(const Draft& draft) {
