@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <optional>
 
-// Two-step issuing of household ("檀家") and grave ("お墓") numbers: propose, and commit once the row is written.
+// Two-step issuing of household and grave numbers (codes::householdNumbers, graveNumbers): propose, and commit once the
+// row is written.
 namespace desk {
 
 // 発番できる番号の上限に達しています

@@ -1,5 +1,6 @@
 #include "desk/screen_context.h"
 
+#include "store/codes.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -8,11 +9,11 @@ using namespace Qt::StringLiterals;
 namespace desk {
 
 QString categoryText(bool parishioner) {
-    return parishioner ? u"檀家"_s : u"一般"_s;
+    return parishioner ? store::codes::parishioner : store::codes::nonParishioner;
 }
 
 QString placeText(bool withinGrounds) {
-    return withinGrounds ? u"境内"_s : u"境外"_s;
+    return withinGrounds ? store::codes::withinGrounds : store::codes::outsideGrounds;
 }
 
 HouseholdBlock HouseholdBlock::of(const store::tbl_danka& row) {

@@ -18,10 +18,10 @@ struct HouseholdBlock {
     std::int16_t dnk_no2 = 0;
     QString dnk_nameg;
     QString dnk_namek;
-    QString dnk_kbn; // "檀家" or "一般"
+    QString dnk_kbn; // codes::parishioner or nonParishioner
     QString dnk_toshug;
     QString dnk_toshuk;
-    QString dnk_haka_basho; // "境内" or "境外"
+    QString dnk_haka_basho; // codes::withinGrounds or outsideGrounds
     QString dnk_yubin;
     QString dnk_jyusho1;
     QString dnk_jyusho2;
@@ -41,7 +41,7 @@ struct HouseholdBlock {
     void writeInto(store::tbl_danka& row) const;
 };
 
-// "檀家" or "一般"; "境内" or "境外".
+// The codes of a household's category and of its graves' place (store/codes.h).
 QString categoryText(bool parishioner);
 QString placeText(bool withinGrounds);
 

@@ -1,6 +1,7 @@
 #include "family/death_list_rules.h"
 
 #include "calendar/eras.h"
+#include "store/row_rules.h"
 #include "values/dates.h"
 
 using namespace Qt::StringLiterals;
@@ -19,7 +20,7 @@ std::optional<store::tbl_hohyo> nextMemorial(store::Table<store::tbl_hohyo, std:
         if (row.tblhoy_no != number || row.tblhoy_danknameg != line.death.tblkak_dnknameg ||
             row.tblhoy_zokunameg != name)
             return {};
-        if (row.tblhoy_kaiki_yymd > line.today && row.tblhoy_kaiki_s != 1)
+        if (row.tblhoy_kaiki_yymd > line.today && !store::isHeld(row))
             return row;
     }
     return {};

@@ -5,6 +5,7 @@
 #include "desk/save_attempt.h"
 #include "masters/master_rules.h"
 #include "memorials/schedule_rules.h"
+#include "store/row_rules.h"
 #include "store/selections.h"
 #include "store/table.h"
 #include "values/dates.h"
@@ -21,8 +22,6 @@ namespace {
 const QString title = u"過去帳登録"_s;
 const QString memberMissing = u"家族名が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s;
 const QString entryMissing = u"指定された過去帳を読めませんません。DBの整合性を確認して下さい"_s;
-const QString inGrounds = u"境内"_s;
-const QString outside = u"境外"_s;
 
 struct GraveKind {
     desk::Option 過去登Form::*option;
@@ -30,8 +29,9 @@ struct GraveKind {
 };
 
 // The option captioned 家 stands for 個, and the other way round.
-const std::array graveKinds{GraveKind{&過去登Form::frm11_haka1, u"家"_s}, GraveKind{&過去登Form::frm11_haka2, u"個"_s},
-                            GraveKind{&過去登Form::frm11_haka3, u"無"_s}};
+const std::array graveKinds{GraveKind{&過去登Form::frm11_haka1, store::codes::familyGrave},
+                            GraveKind{&過去登Form::frm11_haka2, store::codes::individualGrave},
+                            GraveKind{&過去登Form::frm11_haka3, store::codes::noGrave}};
 
 std::int16_t age(const 過去登Form& form) {
     return values::readInt16(form.frm11_kyounen.text).value_or(0);
@@ -42,7 +42,7 @@ void fillFamilyLists(store::Database& database, 過去登Form& form, const desk:
     form.frm11_lzoku.clear();
     form.frm11_kankeisha.items.clear();
     for (const auto& member : store::familyOf(database, context.dnk_no1)) {
-        if (member.tblkzk_seishikbn != u"0"_s)
+        if (!store::isLiving(member))
             continue;
         form.frm11_kazoku.items << member.tblkzk_nameg;
         form.frm11_kankeisha.items << member.tblkzk_nameg;
@@ -62,7 +62,7 @@ void fillRegisterList(store::Database& database, 過去登Form& form, const desk
 void fillGraveList(store::Database& database, 過去登Form& form, const desk::ScreenContext& context) {
     form.frm11_haka_abohyo.clear();
     for (const auto& grave : store::gravesOf(database, context.dnk_no1)) {
-        if (grave.tblhak_haiki_kbn != 0)
+        if (!store::isInUse(grave))
             continue;
         form.frm11_haka_abohyo.items << grave.tblhak_bohyo_mei;
         form.frm11_haka_abohyo.keys.push_back(grave.tblhak_no);
@@ -97,7 +97,7 @@ bool show(store::Database& database, 過去登Form& form, const QString& househo
     form.frm11_bikou.text = row->tblkak_bikou;
     for (const GraveKind& kind : graveKinds)
         (form.*kind.option).chosen = row->tblkak_haka_kbn == kind.code;
-    form.frm11_haka_nai.chosen = row->tblkak_haka_basho == inGrounds;
+    form.frm11_haka_nai.chosen = row->tblkak_haka_basho == store::codes::withinGrounds;
     form.frm11_haka_soto.chosen = !form.frm11_haka_nai.chosen;
     form.frm11_haka_no.text.clear();
     if (form.frm11_haka_nai.chosen) {
@@ -184,7 +184,7 @@ void write(store::tbl_kakocho& row, const 過去登Form& form, const LifeDates& 
         if ((form.*kind.option).chosen)
             row.tblkak_haka_kbn = kind.code;
     }
-    row.tblkak_haka_basho = form.frm11_haka_nai.chosen ? inGrounds : outside;
+    row.tblkak_haka_basho = form.frm11_haka_nai.chosen ? store::codes::withinGrounds : store::codes::outsideGrounds;
     row.tblkak_haka_no =
         form.frm11_haka_nai.chosen ? values::readInt16(form.frm11_haka_no.text).value_or(0) : std::int16_t{0};
     row.tblkak_haka_blk1 = form.frm11_haka_banchi.text;
@@ -196,8 +196,10 @@ void write(store::tbl_kakocho& row, const 過去登Form& form, const LifeDates& 
 bool setFamilyFlag(store::Database& database, bool deceased, const store::tbl_kakocho& entry) {
     return store::change(
         database, store::idxkzk_kazoku,
-        [&](store::tbl_kazoku& member) { member.tblkzk_seishikbn = deceased ? u"1"_s : u"0"_s; }, entry.tblkak_no,
-        entry.tblkak_dnknameg, entry.tblkak_zokunameg);
+        [&](store::tbl_kazoku& member) {
+            member.tblkzk_seishikbn = deceased ? store::codes::deceased : store::codes::living;
+        },
+        entry.tblkak_no, entry.tblkak_dnknameg, entry.tblkak_zokunameg);
 }
 
 void sayMemberMissing(desk::ScreenContext& context, desk::Desk& desk) {

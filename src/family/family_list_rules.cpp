@@ -17,27 +17,33 @@ desk::ListDescription<FamilyLine, Position> description() {
     return {
         .title = u"家族一覧"_s,
         .nothing = u"照会の家族情報は登録されていません"_s,
-        .columns =
-            {{u"当主"_s, 600,
-              [](Line line) { return ofLiving(line, line.member.tblkzk_zokugara == u"本人"_s ? u"当主"_s : u""_s); }},
-             {u"氏名"_s, 1400, [](Line line) { return line.member.tblkzk_nameg; }},
-             {u"続柄"_s, 600, [](Line line) { return line.member.tblkzk_zokugara; }},
-             {u"生死"_s, 600, [](Line line) { return line.living() ? u""_s : u"死"_s; }},
-             {u"生年月日"_s, 1600,
-              [](Line line) {
-                  const auto& member = line.member;
-                  return ofLiving(line, eraText(member.tblkzk_sei_gname, member.tblkzk_sei_gyy, member.tblkzk_sei_gmm,
-                                                member.tblkzk_sei_gdd));
-              }},
-             {u"年齢"_s, 500, [](Line line) { return ofLiving(line, QString::number(line.age)); }, desk::Align::right,
-              desk::Align::right},
-             {u"同居"_s, 600,
-              [](Line line) { return ofLiving(line, line.member.tblkzk_dohkyokbn == u"0"_s ? u"同"_s : u"別"_s); }},
-             {u"住所"_s, 2500,
-              [](Line line) {
-                  return ofLiving(line, line.member.tblkzk_dohkyokbn == u"0"_s ? QString() : line.member.tblkzk_jusho1);
-              }},
-             {u"備考"_s, 2500, [](Line line) { return line.member.tblkzk_bikou; }}},
+        .columns = {{u"当主"_s, 600,
+                     [](Line line) {
+                         return ofLiving(line, line.member.tblkzk_zokugara == store::codes::head ? u"当主"_s : u""_s);
+                     }},
+                    {u"氏名"_s, 1400, [](Line line) { return line.member.tblkzk_nameg; }},
+                    {u"続柄"_s, 600, [](Line line) { return line.member.tblkzk_zokugara; }},
+                    {u"生死"_s, 600, [](Line line) { return line.living() ? u""_s : u"死"_s; }},
+                    {u"生年月日"_s, 1600,
+                     [](Line line) {
+                         const auto& member = line.member;
+                         return ofLiving(line, eraText(member.tblkzk_sei_gname, member.tblkzk_sei_gyy,
+                                                       member.tblkzk_sei_gmm, member.tblkzk_sei_gdd));
+                     }},
+                    {u"年齢"_s, 500, [](Line line) { return ofLiving(line, QString::number(line.age)); },
+                     desk::Align::right, desk::Align::right},
+                    {u"同居"_s, 600,
+                     [](Line line) {
+                         return ofLiving(line,
+                                         line.member.tblkzk_dohkyokbn == store::codes::inHouse ? u"同"_s : u"別"_s);
+                     }},
+                    {u"住所"_s, 2500,
+                     [](Line line) {
+                         return ofLiving(line, line.member.tblkzk_dohkyokbn == store::codes::inHouse
+                                                   ? QString()
+                                                   : line.member.tblkzk_jusho1);
+                     }},
+                    {u"備考"_s, 2500, [](Line line) { return line.member.tblkzk_bikou; }}},
         .key =
             [](Line line) {
                 return Position{line.member.tblkzk_sei_ymd, line.member.tblkzk_nameg};

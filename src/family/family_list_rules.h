@@ -1,6 +1,7 @@
 #pragma once
 
 #include "family/household_list.h"
+#include "store/row_rules.h"
 
 // 家族一: every member of the context's household, living and deceased, with a birth date.
 namespace family {
@@ -9,7 +10,7 @@ struct FamilyLine {
     store::tbl_kazoku member;
     int age = 0; // difference of calendar years
 
-    bool living() const { return member.tblkzk_seishikbn == QLatin1StringView("0"); }
+    bool living() const { return store::isLiving(member); }
 };
 
 struct 家族一Form : HouseholdBoxes {

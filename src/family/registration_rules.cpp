@@ -4,6 +4,7 @@
 #include "calendar/eras.h"
 #include "desk/save_attempt.h"
 #include "masters/master_rules.h"
+#include "store/row_rules.h"
 #include "store/selections.h"
 #include "store/table.h"
 
@@ -20,7 +21,7 @@ void fillMemberLists(store::Database& database, 家族登Form& form, const desk:
     form.frm12_meibo.clear();
     form.frm12_mzkgr.clear();
     for (const auto& member : store::familyOf(database, context.dnk_no1)) {
-        if (member.tblkzk_seishikbn != u"0"_s)
+        if (!store::isLiving(member))
             continue;
         form.frm12_meibo.items << member.tblkzk_nameg;
         form.frm12_mzkgr.items << member.tblkzk_zokugara;
@@ -45,7 +46,7 @@ void show(store::Database& database, 家族登Form& form, const QString& name, c
                        {found->tblkzk_sei_gname, found->tblkzk_sei_gyy, found->tblkzk_sei_gmm, found->tblkzk_sei_gdd},
                        found->tblkzk_sei_ymd);
     form.frm12_続柄.text = found->tblkzk_zokugara;
-    form.frm12_dohkyo.chosen = found->tblkzk_dohkyokbn == u"0"_s;
+    form.frm12_dohkyo.chosen = found->tblkzk_dohkyokbn == store::codes::inHouse;
     form.frm12_bekkyo.chosen = !form.frm12_dohkyo.chosen;
     form.frm12_yubinno.text = found->tblkzk_yubin;
     form.frm12_jyusho1.text = found->tblkzk_jusho1;
@@ -81,8 +82,8 @@ void write(store::tbl_kazoku& row, const 家族登Form& form, QDate birth, QDate
     row.tblkzk_sei_gdd = era.gdd;
     row.tblkzk_sei_ymd = birth;
     row.tblkzk_zokugara = form.frm12_続柄.text;
-    row.tblkzk_dohkyokbn = form.frm12_dohkyo.chosen ? u"0"_s : u"1"_s;
-    row.tblkzk_seishikbn = u"0"_s;
+    row.tblkzk_dohkyokbn = form.frm12_dohkyo.chosen ? store::codes::inHouse : store::codes::elsewhere;
+    row.tblkzk_seishikbn = store::codes::living;
     row.tblkzk_yubin = form.frm12_yubinno.text;
     row.tblkzk_jusho1 = form.frm12_jyusho1.text;
     row.tblkzk_jusho2 = form.frm12_jyusho2.text;

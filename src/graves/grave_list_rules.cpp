@@ -1,6 +1,7 @@
 #include "graves/grave_list_rules.h"
 
 #include "calendar/eras.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/numbers.h"
 
@@ -94,7 +95,7 @@ void fillEraTexts(std::vector<ListedGrave>& page, desk::Desk& desk) {
     for (ListedGrave& grave : page) {
         grave.startEra = eras.of(grave.tblhak_shiyo_stymd);
         grave.billingEra = eras.of(grave.tblhak_kanri_nxymd);
-        if (grave.tblhak_haiki_kbn == 1)
+        if (store::isDisposed(grave))
             grave.disposalEra = eras.of(grave.tblhak_haiki_ymd);
     }
 }

@@ -2,16 +2,13 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "store/codes.h"
 #include "store/table.h"
 #include "values/numbers.h"
 
 using namespace Qt::StringLiterals;
 
 namespace graves {
-
-const QString kindFamily = u"家"_s;
-const QString kindIndividual = u"個"_s;
-const QString kindVacant = u"空"_s;
 
 namespace {
 
@@ -52,8 +49,8 @@ void showGrave(store::Database& database, const store::tbl_ohaka& row, GraveFiel
     fields.frm13_banchi1.text = row.tblhak_banchi1;
     fields.frm13_banchi2.text = row.tblhak_banchi2;
     fields.frm13_bohyo.text.clear();
-    if (row.tblhak_bohyo_kbn != kindVacant) {
-        fields.frm13_haka2.chosen = row.tblhak_bohyo_kbn == kindFamily;
+    if (row.tblhak_bohyo_kbn != store::codes::vacantGrave) {
+        fields.frm13_haka2.chosen = row.tblhak_bohyo_kbn == store::codes::familyGrave;
         fields.frm13_haka1.chosen = !fields.frm13_haka2.chosen;
         fields.frm13_bohyo.text = row.tblhak_bohyo_mei;
     }
@@ -95,7 +92,7 @@ void takeFields(const GraveFields& fields, const GraveDates& dates, store::tbl_o
     row.tblhak_kanri_ryokin = values::readMoney(fields.墓地管理費.text);
     take(dates.upkeepReceived, row.tblhak_kanri_jrymd);
     take(dates.upkeepNext, row.tblhak_kanri_nxymd);
-    row.tblhak_haiki_kbn = 0;
+    row.tblhak_haiki_kbn = store::codes::no;
     row.tblhak_biko = fields.frm13_biko.text;
 }
 

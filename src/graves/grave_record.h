@@ -36,11 +36,6 @@ struct GraveFields {
     bool namesGraveHeld() const;
 };
 
-// Marker kinds as stored.
-extern const QString kindFamily;     // 家
-extern const QString kindIndividual; // 個
-extern const QString kindVacant;     // 空
-
 // Fills the lists of the four date groups; once a screen.
 void fillDateLists(store::Database& database, GraveFields& fields);
 

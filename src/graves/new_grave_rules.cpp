@@ -1,6 +1,7 @@
 #include "graves/new_grave_rules.h"
 
 #include "desk/numbering.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 
 #include <algorithm>
@@ -13,12 +14,12 @@ namespace {
 
 const QString title = u"お墓 新規登録"_s;
 const QString numberingTitle = u"お墓 登録"_s;
-const QString numberKind = u"お墓"_s;
+const QString numberKind = store::codes::graveNumbers;
 
 QString kindChosen(const お墓新Form& form) {
     if (form.frm13_haka3.chosen)
-        return kindVacant;
-    return form.frm13_haka2.chosen ? kindFamily : kindIndividual;
+        return store::codes::vacantGrave;
+    return form.frm13_haka2.chosen ? store::codes::familyGrave : store::codes::individualGrave;
 }
 
 // The dates to store when all fields pass; otherwise the message has been shown.
@@ -67,7 +68,7 @@ void lookUpGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
         return;
     }
     showGrave(database, *grave, form, desk);
-    form.frm13_haka3.chosen = grave->tblhak_bohyo_kbn == kindVacant;
+    form.frm13_haka3.chosen = grave->tblhak_bohyo_kbn == store::codes::vacantGrave;
     if (form.frm13_haka3.chosen)
         form.frm13_haka1.chosen = form.frm13_haka2.chosen = false;
     form.frm13_dnknameg.text = grave->tblhak_dnk_nameg;
@@ -87,8 +88,7 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
         dates = check(database, form, context, desk);
         if (!dates)
             return;
-        const bool free = std::ranges::all_of(gravesAt(database, form),
-                                              [](const auto& grave) { return grave.tblhak_haiki_kbn == 1; });
+        const bool free = std::ranges::all_of(gravesAt(database, form), store::isDisposed);
         if (!checkPlace(free, u"区画と番地がタブっています。入力した内容をﾁｪｯｸしてください"_s, form, context, desk))
             return;
     }
@@ -141,7 +141,7 @@ void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
                         u"区画と番地の変更はできません。入力した内容をﾁｪｯｸしてください"_s, form, context, desk))
             return;
     }
-    const bool held = form.held->tblhak_dnk_no != 0;
+    const bool held = form.held->tblhak_dnk_no != store::codes::noHousehold;
     if (held && !desk.ask(u"檀家に紐付いたお墓です。紐付けを外して更新しますか？"_s, title))
         return;
     if (!desk.ask(u"入力された内容でお墓を変更します。内容を確認して下さい。"_s, title))
@@ -149,7 +149,7 @@ void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
     const QString name = held && showsFormerName(form) ? u""_s : form.frm13_dnknameg.text;
     const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
         takeFields(form, *dates, row);
-        row.tblhak_dnk_no = 0;
+        row.tblhak_dnk_no = store::codes::noHousehold;
         row.tblhak_dnk_nameg = name;
         if (held)
             row.tblhak_dnk_namek = row.tblhak_dnk_kbn = row.tblhak_kanaidx = u""_s;

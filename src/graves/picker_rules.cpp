@@ -1,6 +1,7 @@
 #include "graves/picker_rules.h"
 
 #include "graves/grave_record.h"
+#include "store/codes.h"
 #include "store/table.h"
 
 using namespace Qt::StringLiterals;
@@ -62,7 +63,8 @@ template <class Form> void pick(Form& form, desk::ScreenContext& context, desk::
             .key = placeOf,
             .listed =
                 [](const store::tbl_ohaka& grave) {
-                    return grave.tblhak_bohyo_kbn == kindVacant || grave.tblhak_dnk_no == 0;
+                    return grave.tblhak_bohyo_kbn == store::codes::vacantGrave ||
+                           grave.tblhak_dnk_no == store::codes::noHousehold;
                 }},
            {}) {
     list.setUp(frm21_tbl);

@@ -1,5 +1,6 @@
 #include "graves/registration_rules.h"
 
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/numbers.h"
 
@@ -19,14 +20,14 @@ std::int16_t householdShown(const お墓登Form& form) {
 
 // The grave belongs to a household that the screen could not show: its row is missing.
 bool householdIsMissing(const お墓登Form& form) {
-    return form.held->tblhak_dnk_no != 0 && form.held->tblhak_dnk_no != householdShown(form);
+    return form.held->tblhak_dnk_no != store::codes::noHousehold && form.held->tblhak_dnk_no != householdShown(form);
 }
 
 void listGraves(store::Database& database, お墓登Form& form, std::int16_t household) {
     form.frm13_all_bohyo.clear();
     for (const auto& row : store::selectAll<store::tbl_ohaka>(
              database, "WHERE tbl_ohaka.tblhak_dnk_no = ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC;", household)) {
-        if (row.tblhak_haiki_kbn != 0)
+        if (!store::isInUse(row))
             continue;
         form.frm13_all_bohyo.items.append(row.tblhak_bohyo_mei);
         form.frm13_all_bohyo.keys.push_back(row.tblhak_no);
@@ -46,7 +47,7 @@ void showHousehold(お墓登Form& form, const desk::HouseholdBlock& household) {
     form.frm13_jyusho2.text = household.dnk_jyusho2;
     form.frm13_tel.text = household.dnk_tel;
     form.frm13_dnkbiko.text = household.dnk_bikou;
-    form.frm13_dnkkbn1.chosen = household.dnk_kbn == u"檀家"_s;
+    form.frm13_dnkkbn1.chosen = household.dnk_kbn == store::codes::parishioner;
     form.frm13_dnkkbn2.chosen = !form.frm13_dnkkbn1.chosen;
 }
 
@@ -54,7 +55,7 @@ void showHousehold(お墓登Form& form, const desk::HouseholdBlock& household) {
 // had, so that the screen never stores one number under another household's name.
 void lookUpHousehold(store::Database& database, お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk,
                      std::int16_t no1) {
-    const auto row = store::find(database, store::idxdnk_no, no1, 0);
+    const auto row = store::findHousehold(database, no1);
     if (!row) {
         desk.notify(u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s, title);
         return;
@@ -80,8 +81,8 @@ bool placeIsFree(store::Database& database, const お墓登Form& form) {
     const auto there = gravesAt(database, form);
     const std::int16_t household = householdIsMissing(form) ? form.held->tblhak_dnk_no : householdShown(form);
     return !there.empty() && std::ranges::all_of(there, [&](const store::tbl_ohaka& grave) {
-        return grave.tblhak_haiki_kbn == 1 || grave.tblhak_bohyo_kbn == kindVacant || grave.tblhak_dnk_no == 0 ||
-               grave.tblhak_dnk_no == household;
+        return store::isDisposed(grave) || grave.tblhak_bohyo_kbn == store::codes::vacantGrave ||
+               grave.tblhak_dnk_no == store::codes::noHousehold || grave.tblhak_dnk_no == household;
     });
 }
 
@@ -97,7 +98,7 @@ void openRegistration(お墓登Form& form, desk::ScreenContext& context, desk::D
         else
             lookUpHousehold(database, form, context, desk, context.dnk_no1);
     }
-    form.held.showNew(desk::householdLabel(context.dnk_no1, 0));
+    form.held.showNew(desk::householdLabel(context.dnk_no1, store::codes::mainHousehold));
     form.frm13_haka_no.keyboard = form.frm13_haka_no.whole = true;
     if (context.hak_no != 0) {
         form.frm13_haka_no.text = QString::number(context.hak_no);
@@ -113,7 +114,7 @@ void lookUpGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
         desk.notify(u"指定されたお墓は登録されていません。確認して下さい"_s, title);
         return;
     }
-    const bool ofAnother = grave->tblhak_dnk_no != 0 && grave->tblhak_dnk_no != context.dnk_no1;
+    const bool ofAnother = grave->tblhak_dnk_no != store::codes::noHousehold && grave->tblhak_dnk_no != context.dnk_no1;
     if (ofAnother && !desk.ask(u"檀家番号が変更になりました。新しい番号で処理を続けますか？"_s, title))
         return;
     showGrave(database, *grave, form, desk);
@@ -124,7 +125,7 @@ void lookUpGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
 std::optional<desk::AskedRecord> askedGrave(const お墓登Form& form, const desk::ScreenContext& context) {
     if (context.hak_no != 0 || context.dnk_no1 == 0 || context.dnk_no1 == householdShown(form))
         return askedGrave(context);
-    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, 0));
+    return desk::Record::newRecord(desk::householdLabel(context.dnk_no1, store::codes::mainHousehold));
 }
 
 void pickGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -183,7 +184,7 @@ void updateGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
         return;
     const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
         takeFields(form, dates, row);
-        row.tblhak_bohyo_kbn = form.frm13_haka2.chosen ? kindFamily : kindIndividual;
+        row.tblhak_bohyo_kbn = form.frm13_haka2.chosen ? store::codes::familyGrave : store::codes::individualGrave;
         row.tblhak_haiki_ymd = {};
         if (householdIsMissing(form))
             return;
@@ -207,8 +208,8 @@ void disposeGrave(お墓登Form& form, desk::ScreenContext&, desk::Desk& desk) {
         return;
     }
     const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
-        row.tblhak_dnk_no = 0;
-        row.tblhak_haiki_kbn = 1;
+        row.tblhak_dnk_no = store::codes::noHousehold;
+        row.tblhak_haiki_kbn = store::codes::yes;
         row.tblhak_haiki_ymd = desk.today();
     });
     if (written)

@@ -1,6 +1,7 @@
 #include "households/erasure_rules.h"
 
 #include "desk/safety_copy.h"
+#include "store/codes.h"
 #include "store/selections.h"
 #include "store/table.h"
 #include "values/dates.h"
@@ -62,10 +63,10 @@ store::tbl_ohaka givenBack(const store::tbl_ohaka& grave, QDate today) {
     vacant.tblhak_banchi2 = grave.tblhak_banchi2;
     vacant.tblhak_shiyo_ryokin = grave.tblhak_shiyo_ryokin;
     vacant.tblhak_kanri_ryokin = grave.tblhak_kanri_ryokin;
-    vacant.tblhak_bohyo_kbn = u"空"_s;
-    vacant.tblhak_haiki_kbn = 1;
+    vacant.tblhak_bohyo_kbn = store::codes::vacantGrave;
+    vacant.tblhak_haiki_kbn = store::codes::yes;
     vacant.tblhak_haiki_ymd = today;
-    vacant.tblhak_dnk_no = 0;
+    vacant.tblhak_dnk_no = store::codes::noHousehold;
     vacant.tblhak_add_ymd = today;
     return vacant;
 }

@@ -3,6 +3,7 @@
 #include "desk/numbering.h"
 #include "households/erasure_rules.h"
 #include "masters/master_rules.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/numbers.h"
 
@@ -15,7 +16,7 @@ namespace households {
 namespace {
 
 const QString title = u"檀家 登録"_s;
-const QString kind = u"檀家"_s;
+const QString kind = store::codes::householdNumbers;
 
 struct Numbers {
     std::int16_t no1;
@@ -57,7 +58,7 @@ void listGraves(store::Database& database, 檀家登Form& form, std::int16_t hou
     store::Selection<store::tbl_ohaka> graves(
         database, "WHERE tbl_ohaka.tblhak_dnk_no = ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC", household);
     while (graves.next()) {
-        if (graves.row().tblhak_haiki_kbn != 0)
+        if (!store::isInUse(graves.row()))
             continue;
         form.frm01_haka_no.items.append(QString::number(graves.row().tblhak_no));
         form.frm01_haka_banchi.items.append(graves.row().tblhak_banchi1);
@@ -245,7 +246,7 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
             row.tbldnk_no2 = context.dnk_no2;
             context.writeInto(row);
             row.tbldnk_oyano = std::int16_t{0};
-            row.tbldnk_bunkekbn = u"0"_s;
+            row.tbldnk_bunkekbn = store::codes::noBranchFamily;
             row.tbldnk_addymd = desk.today();
             store::Table(database, store::idxdnk_no).insert(row);
             masters::MST設定(database, masters::Category::地区, form.frm01_地区.text);

@@ -1,6 +1,7 @@
 #include "households/succession_rules.h"
 
 #include "masters/master_rules.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 
 using namespace Qt::StringLiterals;
@@ -26,7 +27,7 @@ void listCandidates(store::Database& database, 代替当Form& form, std::int16_t
     store::Table family(database, store::idxkzk_no);
     for (family.seek(store::Seek::equal, household); !family.eof() && family.row().tblkzk_no1 == household;
          family.moveNext()) {
-        if (family.row().tblkzk_seishikbn != u"0"_s)
+        if (!store::isLiving(family.row()))
             continue;
         form.frm01_toshug.items.append(family.row().tblkzk_nameg);
         form.frm01_tsh_zkgr.items.append(family.row().tblkzk_zokugara);
@@ -65,9 +66,9 @@ void writeHousehold(const desk::HouseholdBlock& household, store::tbl_danka& row
 }
 
 void writeNewHead(const desk::HouseholdBlock& household, store::tbl_kazoku& row, QDate today) {
-    row.tblkzk_zokugara = u"本人"_s;
-    row.tblkzk_dohkyokbn = u"0"_s;
-    row.tblkzk_seishikbn = u"0"_s;
+    row.tblkzk_zokugara = store::codes::head;
+    row.tblkzk_dohkyokbn = store::codes::inHouse;
+    row.tblkzk_seishikbn = store::codes::living;
     row.tblkzk_yubin = household.dnk_yubin;
     row.tblkzk_jusho1 = household.dnk_jyusho1;
     row.tblkzk_tel = household.dnk_tel;
@@ -122,7 +123,7 @@ void PickNewHead(代替当Form& form, desk::ScreenContext& context, desk::Desk& 
         member = store::find(database, store::idxkzk_kazoku, context.dnk_no1, context.dnk_nameg,
                              form.frm01_toshug.currentText());
     }
-    if (!member || member->tblkzk_seishikbn != u"0"_s) {
+    if (!member || !store::isLiving(*member)) {
         form.frm01_toshug.current = form.frm01_tsh_zkgr.current = -1;
         form.newHead.showNew();
         desk.notify(notAMember, title);

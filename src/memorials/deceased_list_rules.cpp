@@ -2,6 +2,7 @@
 
 #include "memorials/listed_memorial.h"
 #include "memorials/service_form.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -23,7 +24,7 @@ const std::vector<MemorialColumn>& columns() {
         {u"法要日"_s, 1600, [](ListedRow row) { return row.heldEra; }},
         {u"通知日"_s, 1600, [](ListedRow row) { return row.noticeEra; }},
         {u"予約日"_s, 1600, [](ListedRow row) { return row.reservedEra; }},
-        {u"開始時間"_s, 1200, [](ListedRow row) { return row.tblhoy_kaiki_rs == 1 ? startTimeText(row) : QString(); }},
+        {u"開始時間"_s, 1200, [](ListedRow row) { return store::isReserved(row) ? startTimeText(row) : QString(); }},
         {u"施主"_s, 1500, [](ListedRow row) { return row.tblhoy_kaiki_seshug; }},
         {u"場所"_s, 1500, [](ListedRow row) { return row.tblhoy_kaiki_basho; }},
         {u"備考"_s, 2500, [](ListedRow row) { return row.tblhoy_bikou; }},

@@ -2,6 +2,7 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 #include "values/numbers.h"
@@ -22,9 +23,9 @@ void showMemorial(store::Database& database, 法要明Form& form, const store::t
     form.held.show(row);
     form.frm31_hohyo_mei.text = row.tblhoy_kaiki_mei;
     form.frm31_ygymd.text = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
-    if (row.tblhoy_kaiki_rs == 1) {
+    if (store::isReserved(row)) {
         calendar::showDate(database, form.予約, row.tblhoy_kaiki_rymd, desk);
-        form.frm31_am.chosen = row.tblhoy_kaiki_ampm == u"1";
+        form.frm31_am.chosen = row.tblhoy_kaiki_ampm == store::codes::morning;
         form.frm31_pm.chosen = !form.frm31_am.chosen;
         form.開始時.text = numberText(row.tblhoy_kaiki_hour);
         form.開始分.text = numberText(row.tblhoy_kaiki_mint);
@@ -37,7 +38,7 @@ void showMemorial(store::Database& database, 法要明Form& form, const store::t
     form.frm31_続柄.text = row.tblhoy_zokugara;
     form.frm31_ofuse.text = values::moneyText(row.tblhoy_ofuse.value_or(0));
     form.frm31_hoybikou.text = row.tblhoy_bikou;
-    if (row.tblhoy_kaiki_s == 1)
+    if (store::isHeld(row))
         calendar::showDate(database, form.実施, row.tblhoy_kaiki_jymd, desk);
 }
 

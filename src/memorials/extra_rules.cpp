@@ -2,6 +2,7 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -38,9 +39,9 @@ store::tbl_hohyo newMemorial(const 法要外Form& form, const desk::ScreenContex
     row.tblhoy_kaiki_mei = form.frm31_hohyo_mei.text;
     row.tblhoy_kaiki_yymd = scheduledDate(form);
     writeService(form, row);
-    if (row.tblhoy_kaiki_rs == 1) {
+    if (store::isReserved(row)) {
         // Booked in person: no notice is due.
-        row.tblhoy_tsuchi_s = 1;
+        row.tblhoy_tsuchi_s = store::codes::yes;
         row.tblhoy_tsuchi_ymd = row.tblhoy_kaiki_rymd;
     }
     row.tblhoy_kanaidx = store::kanaIndex(context.dnk_namek);

@@ -1,5 +1,6 @@
 #include "memorials/household_list_rules.h"
 
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -37,17 +38,15 @@ std::vector<MemorialColumn> columns() {
         {u"回忌名"_s, 1200, [](ListedRow row) { return row.tblhoy_kaiki_mei; }},
         {u"回忌日"_s, 1600, [](ListedRow row) { return row.scheduledEra; }},
         {u"区分"_s, 500,
-         [](ListedRow row) {
-             return row.tblhoy_kaiki_s == 1 ? u"済"_s : row.tblhoy_kaiki_rs == 1 ? u"予"_s : QString();
-         }},
+         [](ListedRow row) { return store::isHeld(row)       ? u"済"_s
+                                    : store::isReserved(row) ? u"予"_s
+                                                             : QString(); }},
         {u"法要日"_s, 1600, [](ListedRow row) { return row.heldEra; }},
         {u"場所"_s, 1000, [](ListedRow row) { return row.tblhoy_kaiki_basho; }},
         {u"施主"_s, 1400, [](ListedRow row) { return row.tblhoy_kaiki_seshug; }},
-        {u"予約日"_s, 1600, [](ListedRow row) { return row.tblhoy_kaiki_s == 1 ? QString() : row.reservedEra; }},
+        {u"予約日"_s, 1600, [](ListedRow row) { return store::isHeld(row) ? QString() : row.reservedEra; }},
         {u"開始時間"_s, 1000,
-         [](ListedRow row) {
-             return row.tblhoy_kaiki_s != 1 && row.tblhoy_kaiki_rs == 1 ? startTimeText(row) : QString();
-         }},
+         [](ListedRow row) { return !store::isHeld(row) && store::isReserved(row) ? startTimeText(row) : QString(); }},
         {u"備考"_s, 2500, [](ListedRow row) { return row.tblhoy_bikou; }},
         {{}, 0, [](ListedRow row) { return values::dateText(row.tblhoy_kaiki_yymd); }},
     };
@@ -92,7 +91,7 @@ void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, d
         store::Database database;
         form.household = {};
         form.household.dnk_no1 = context.dnk_no1;
-        if (const auto row = store::find(database, store::idxdnk_no, context.dnk_no1, 0))
+        if (const auto row = store::findHousehold(database, context.dnk_no1))
             form.household = desk::HouseholdBlock::of(*row);
         else
             desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);

@@ -1,5 +1,6 @@
 #include "memorials/listed_memorial.h"
 
+#include "store/row_rules.h"
 #include "store/table.h"
 
 #include <tuple>
@@ -28,18 +29,18 @@ bool memorialExists(const store::tbl_hohyo& row) {
 
 QString startTimeText(const store::tbl_hohyo& row) {
     const int minute = row.tblhoy_kaiki_mint.value_or(0);
-    return u"%1 %2：%3"_s.arg(row.tblhoy_kaiki_ampm == u"1" ? u"AM"_s : u"PM"_s)
+    return u"%1 %2：%3"_s.arg(row.tblhoy_kaiki_ampm == store::codes::morning ? u"AM"_s : u"PM"_s)
         .arg(row.tblhoy_kaiki_hour.value_or(0))
         .arg(minute == 0 ? u"00"_s : QString::number(minute));
 }
 
 void fillEraTexts(calendar::EraTexts& eras, ListedMemorial& row) {
     row.scheduledEra = eras.of(row.tblhoy_kaiki_yymd);
-    if (row.tblhoy_kaiki_rs == 1)
+    if (store::isReserved(row))
         row.reservedEra = eras.of(row.tblhoy_kaiki_rymd);
-    if (row.tblhoy_kaiki_s == 1)
+    if (store::isHeld(row))
         row.heldEra = eras.of(row.tblhoy_kaiki_jymd);
-    if (row.tblhoy_tsuchi_s == 1)
+    if (store::isNotified(row))
         row.noticeEra = eras.of(row.tblhoy_tsuchi_ymd);
 }
 
@@ -48,7 +49,7 @@ void fillEraTextsAndHouseholds(std::vector<ListedMemorial>& page, const QString&
     {
         store::Table households(database, store::idxdnk_no);
         for (ListedMemorial& row : page) {
-            if (households.seek(store::Seek::equal, row.tblhoy_no, 0))
+            if (store::seekHousehold(households, row.tblhoy_no))
                 row.household = households.row();
         }
     }

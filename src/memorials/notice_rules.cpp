@@ -3,6 +3,7 @@
 #include "calendar/date_range.h"
 #include "calendar/eras.h"
 #include "printing/address_label_rules.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -18,10 +19,6 @@ const QString title = u"法要通知"_s;
 const QString noMemorial = u"法要予定はありません"_s;
 const QString labelsAreOut =
     u"\n\n宛名は出力済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び出力されます。"_s;
-
-bool isOpenForNotice(ListedRow row) {
-    return row.tblhoy_kaiki_s == 0 && row.tblhoy_kaiki_rs == 0 && row.tblhoy_tsuchi_s == 0;
-}
 
 auto memorialsOf(const 法要通Form& form) {
     return [from = form.from, to = form.to](const NoticeKey& key, const auto& take) {
@@ -76,12 +73,13 @@ bool checkFrom(法要通Form& form, desk::Desk& desk) {
 
 void markNotified(store::Database& database, const 法要通Form& form, QDate day) {
     store::Write write(database);
-    SQLite::Statement mark(database.engine(), "UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 1, tblhoy_tsuchi_ymd = ? "
-                                              "WHERE tblhoy_kaiki_yymd BETWEEN ? AND ? "
-                                              "AND tblhoy_kaiki_s = 0 AND tblhoy_kaiki_rs = 0 AND tblhoy_tsuchi_s = 0");
-    store::bindValue(mark, 1, day);
-    store::bindValue(mark, 2, form.from);
-    store::bindValue(mark, 3, form.to);
+    SQLite::Statement mark(database.engine(), "UPDATE tbl_hohyo SET tblhoy_tsuchi_s = ?, tblhoy_tsuchi_ymd = ? "
+                                              "WHERE tblhoy_kaiki_yymd BETWEEN ? AND ? AND " +
+                                                  store::isOpenForNotice.sql());
+    store::bindValue(mark, 1, store::codes::yes);
+    store::bindValue(mark, 2, day);
+    store::bindValue(mark, 3, form.from);
+    store::bindValue(mark, 4, form.to);
     mark.exec();
     write.commit();
 }
@@ -100,7 +98,7 @@ void markNotified(store::Database& database, const 法要通Form& form, QDate da
                 [](const NoticeKey& key) {
                     return NoticeKey{key.scheduled, key.deceased, {}};
                 },
-            .listed = isOpenForNotice,
+            .listed = store::isOpenForNotice,
             .complete = [](std::vector<ListedMemorial>& page,
                            desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
             .exists = [](ListedRow row) { return memorialExists(row); }},

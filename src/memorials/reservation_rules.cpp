@@ -1,6 +1,7 @@
 #include "memorials/reservation_rules.h"
 
 #include "calendar/date_range.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 
@@ -95,7 +96,7 @@ bool checkTo(法要一Form& form, desk::Desk& desk) {
                 [](const ReservationKey& key) {
                     return ReservationKey{key.day, key.halfDay, key.hour, {}};
                 },
-            .listed = [](ListedRow row) { return row.tblhoy_kaiki_rs == 1 && row.tblhoy_kaiki_s == 0; },
+            .listed = store::isAwaited,
             .complete = [](std::vector<ListedMemorial>& page,
                            desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
             .exists = [](ListedRow row) { return memorialExists(row); }},

@@ -1,5 +1,6 @@
 #include "memorials/schedule_rules.h"
 
+#include "store/codes.h"
 #include "store/selections.h"
 #include "store/table.h"
 
@@ -25,7 +26,7 @@ store::tbl_hohyo unreserved(const store::tbl_kakocho& entry, const QString& labe
     row.tblhoy_meiymd = entry.tblkak_mei_ymd;
     row.tblhoy_kaiki_mei = label;
     row.tblhoy_kaiki_yymd = date;
-    row.tblhoy_kaiki_ampm = u"1"_s;
+    row.tblhoy_kaiki_ampm = store::codes::morning;
     row.tblhoy_kaiki_hour = std::int16_t{0};
     row.tblhoy_kaiki_mint = std::int16_t{0};
     row.tblhoy_ofuse = 0;

@@ -3,6 +3,7 @@
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
 #include "masters/master_rules.h"
+#include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
 #include "values/numbers.h"
@@ -39,7 +40,7 @@ void fillServiceLists(store::Database& database, ServiceForm& form) {
 void fillLiving(store::Database& database, desk::List& list, std::int16_t household, const std::string& order) {
     store::Selection<store::tbl_kazoku> family(database, "WHERE tbl_kazoku.tblkzk_no1 = ? " + order, household);
     while (family.next()) {
-        if (family.row().tblkzk_seishikbn == u"0")
+        if (store::isLiving(family.row()))
             list.items << family.row().tblkzk_nameg;
     }
 }
@@ -111,14 +112,14 @@ desk::SaveAttempt CheckMemorialInput(store::Database& database, ServiceForm& for
 void writeService(const ServiceForm& form, store::tbl_hohyo& row) {
     if (const auto reserved = values::readDate(form.予約.western.text)) {
         row.tblhoy_kaiki_rymd = *reserved;
-        row.tblhoy_kaiki_rs = 1;
-        row.tblhoy_kaiki_ampm = form.frm31_am.chosen ? u"1"_s : u"2"_s;
+        row.tblhoy_kaiki_rs = store::codes::yes;
+        row.tblhoy_kaiki_ampm = form.frm31_am.chosen ? store::codes::morning : store::codes::afternoon;
         row.tblhoy_kaiki_hour = values::readInt16(form.開始時.text);
         row.tblhoy_kaiki_mint = values::readInt16(form.開始分.text);
     }
     if (const auto held = values::readDate(form.実施.western.text)) {
         row.tblhoy_kaiki_jymd = *held;
-        row.tblhoy_kaiki_s = 1;
+        row.tblhoy_kaiki_s = store::codes::yes;
     }
     row.tblhoy_ofuse = values::readMoney(form.frm31_ofuse.text);
     row.tblhoy_kaiki_basho = form.frm31_法要場所.text;

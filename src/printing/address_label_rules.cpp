@@ -1,5 +1,6 @@
 #include "printing/address_label_rules.h"
 
+#include "store/row_rules.h"
 #include "store/table.h"
 
 #include <QDir>
@@ -37,8 +38,7 @@ Due due(store::Database& database, const Index& index, QDate from, QDate to, Dat
 Due memorialsDue(store::Database& database, QDate from, QDate to) {
     using store::tbl_hohyo;
     return due(database, store::idxhoy_yymd, from, to, &tbl_hohyo::tblhoy_kaiki_yymd, [](const tbl_hohyo& row) {
-        const bool open = row.tblhoy_kaiki_s == 0 && row.tblhoy_kaiki_rs == 0 && row.tblhoy_tsuchi_s == 0;
-        return open ? std::optional(row.tblhoy_no) : std::nullopt;
+        return store::isOpenForNotice(row) ? std::optional(row.tblhoy_no) : std::nullopt;
     });
 }
 
@@ -72,7 +72,7 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
         records = mode == LabelMode::memorials ? memorialsDue(database, from, to) : feesDue(database, from, to);
         store::Table households(database, store::idxdnk_no);
         for (const std::int16_t lbl_dnk_no : records.households) {
-            if (!households.seek(store::Seek::equal, lbl_dnk_no, 0)) {
+            if (!store::seekHousehold(households, lbl_dnk_no)) {
                 ++notFound;
                 continue;
             }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <tuple>
+#include <type_traits>
 
 // The register's tables: a struct a table, its members the fields under their own names. Absent numbers are NULL in the
 // file, absent dates an invalid QDate. Numbers are 16-bit, fees and offerings 32-bit yen. Two rows are equal when all
@@ -308,6 +309,14 @@ template <> struct Description<マスタ> {
     static constexpr auto fields = std::make_tuple(HOSHIREN_FIELD(マスタ, マ_区分), HOSHIREN_FIELD(マスタ, マ_NO),
                                                    HOSHIREN_FIELD(マスタ, マ_名称), HOSHIREN_FIELD(マスタ, マ_略称));
 };
+
+// Calls each.operator()<Row>() for every table.
+template <class Each> void forEachTable(Each each) {
+    [&]<class... Row>(std::type_identity<std::tuple<Row...>>) {
+        (each.template operator()<Row>(), ...);
+    }(std::type_identity<
+        std::tuple<tbl_danka, tbl_kazoku, tbl_kakocho, tbl_ohaka, tbl_hohyo, tbl_nengo, tbl_hatsuban, マスタ>>{});
+}
 
 // Helpers idxhoy_rymd and idxhak_bohyomei serve selections and are not sought by name.
 inline constexpr auto idxdnk_no =

@@ -29,7 +29,6 @@ Stored rejected(BulkRecord& record, const QString& message, std::initializer_lis
 
 namespace {
 
-constexpr int fieldCount = 17;
 // Records that share one commit. Commits of their own would take longer than all the rest; nothing is counted as stored
 // before its commit.
 constexpr int recordsPerCommit = 16;
@@ -38,7 +37,7 @@ class Run {
   public:
     Run(const ImportJob& job, QFile& input, ErrorFile& errors, store::Database& database, ImportCounts& counts,
         desk::Desk& desk)
-        : job_(job), errors_(errors), database_(database), reader_(input, fieldCount), size_(input.size()),
+        : job_(job), errors_(errors), database_(database), reader_(input, job.fieldCount), size_(input.size()),
           target_(job.open(database)), progress_(desk.progress(job.title)), counts_(counts) {}
 
     // False when the user has cancelled.

@@ -76,6 +76,7 @@ class ImportCounter {
 struct ImportJob {
     QString title;
     QString subject;              // what the closing message counts, with what stands between it and the number
+    int fieldCount = 0;           // of a record
     std::vector<int> errorFields; // numbers of the input's fields that the error file shows
     QString input;
     QString errors;

@@ -12,37 +12,30 @@ namespace {
 
 const QString exportTitle = u"お墓出力"_s;
 const QString importTitle = u"お墓一括登録"_s;
-constexpr std::int16_t disposed = 1;
-
-QString fee(const std::optional<std::int32_t>& yen) {
-    return yen ? QString::number(*yen) : QString();
-}
-
-std::vector<QString> exported(const store::tbl_ohaka& row) {
-    return {row.tblhak_banchi1,
-            row.tblhak_banchi2,
-            QString::number(row.tblhak_dnk_no),
-            row.tblhak_dnk_kbn,
-            row.tblhak_dnk_nameg,
-            row.tblhak_dnk_namek,
-            row.tblhak_bohyo_kbn,
-            row.tblhak_bohyo_mei,
-            values::dateText(row.tblhak_shiyo_stymd),
-            fee(row.tblhak_shiyo_ryokin),
-            values::dateText(row.tblhak_shiyo_jrymd),
-            fee(row.tblhak_kanri_ryokin),
-            values::dateText(row.tblhak_kanri_jrymd),
-            values::dateText(row.tblhak_kanri_nxymd),
-            QString::number(row.tblhak_haiki_kbn),
-            values::dateText(row.tblhak_haiki_ymd),
-            row.tblhak_biko};
-}
+constexpr std::int16_t disposed = store::codes::yes;
 
 std::int16_t disposalFlag(const BulkRecord& record) {
-    return record.field(15) == u"1"_s ? disposed : std::int16_t{0};
+    return record.field(15) == flagSet ? disposed : store::codes::no;
 }
 
 } // namespace
+
+const BulkLayout<store::tbl_ohaka>& graveLayout() {
+    using store::tbl_ohaka;
+    static const BulkLayout<tbl_ohaka> layout{
+        .fields = {bulkField<&tbl_ohaka::tblhak_banchi1>(), bulkField<&tbl_ohaka::tblhak_banchi2>(),
+                   bulkField<&tbl_ohaka::tblhak_dnk_no>(), bulkField<&tbl_ohaka::tblhak_dnk_kbn>(),
+                   bulkField<&tbl_ohaka::tblhak_dnk_nameg>(), bulkField<&tbl_ohaka::tblhak_dnk_namek>(),
+                   bulkField<&tbl_ohaka::tblhak_bohyo_kbn>(), bulkField<&tbl_ohaka::tblhak_bohyo_mei>(),
+                   bulkField<&tbl_ohaka::tblhak_shiyo_stymd>(), bulkField<&tbl_ohaka::tblhak_shiyo_ryokin>(),
+                   bulkField<&tbl_ohaka::tblhak_shiyo_jrymd>(), bulkField<&tbl_ohaka::tblhak_kanri_ryokin>(),
+                   bulkField<&tbl_ohaka::tblhak_kanri_jrymd>(), bulkField<&tbl_ohaka::tblhak_kanri_nxymd>(),
+                   bulkField<&tbl_ohaka::tblhak_haiki_kbn>(), bulkField<&tbl_ohaka::tblhak_haiki_ymd>(),
+                   bulkField<&tbl_ohaka::tblhak_biko>()},
+        .leftOut = {store::columnOf(&tbl_ohaka::tblhak_no), store::columnOf(&tbl_ohaka::tblhak_kanaidx),
+                    store::columnOf(&tbl_ohaka::tblhak_add_ymd)}};
+    return layout;
+}
 
 int ExportGraves(const QString& path, desk::Desk& desk) {
     store::Database database;
@@ -55,7 +48,7 @@ int ExportGraves(const QString& path, desk::Desk& desk) {
             return {};
         const store::tbl_ohaka& row = graves.row();
         ExportRecord record{u"%1 %2 %3"_s.arg(row.tblhak_banchi1, row.tblhak_banchi2, row.tblhak_bohyo_mei),
-                            exported(row)};
+                            graveLayout().record(row)};
         graves.moveNext();
         return record;
     });
@@ -66,6 +59,7 @@ std::optional<ImportCounts> ImportGraves(const QString& input, const QString& er
     ImportJob job{
         .title = importTitle,
         .subject = u"お墓登録 "_s,
+        .fieldCount = graveLayout().fieldCount(),
         .errorFields = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17},
         .input = input,
         .errors = errors,
@@ -73,7 +67,7 @@ std::optional<ImportCounts> ImportGraves(const QString& input, const QString& er
     if (mode == GraveImportMode::afterEmptying) {
         job.question = u"入力お墓番号は無視し、登録前に一旦全件削除します"_s;
         job.emptyingTable = "DELETE FROM tbl_ohaka";
-        job.kind = u"お墓"_s;
+        job.kind = store::codes::graveNumbers;
     }
     return importRecords(job, desk);
 }
@@ -97,8 +91,8 @@ void CheckGraveRecord(BulkRecord& record) {
     const auto badFee = [&](int number, const QString& message) {
         return record.rejectIf(given(number) && !values::readInt16(record.field(number)), message, {number});
     };
-    const bool household = given(4) && record.field(4) != u"0"_s;
-    const bool marker = given(7) && record.field(7) != u"空"_s;
+    const bool household = given(4) && record.field(4) != flagClear;
+    const bool marker = given(7) && record.field(7) != store::codes::vacantGrave;
     const bool flagged = disposalFlag(record) == disposed;
 
     record.rejectEmpty(1, u"お墓の区画は必須です"_s) || record.rejectEmpty(2, u"お墓の区画整理番号は必須です"_s) ||
@@ -111,7 +105,7 @@ void CheckGraveRecord(BulkRecord& record) {
         badFee(12, u"管理費に正しく入力して下さい"_s) || badDate(13, u"管理費受領日に正しく入力して下さい"_s) ||
         record.rejectIf(given(13) && noDate(14), u"管理費次回日に正しく入力して下さい"_s, {14}) ||
         record.rejectIf(!given(13) && given(14), u"管理費受領日に入力がなければ管理費次回日は無効です"_s, {14}) ||
-        record.rejectIf(given(15) && !flagged && record.field(15) != u"0"_s, u"W_廃棄区分に正しく入力して下さい"_s,
+        record.rejectIf(given(15) && !flagged && record.field(15) != flagClear, u"W_廃棄区分に正しく入力して下さい"_s,
                         {15}) ||
         badDate(16, u"W_廃棄日に正しく入力して下さい"_s) ||
         (flagged && record.rejectEmpty(16, u"墓標区分入力時にはW_廃棄日は必須です"_s)) ||
@@ -120,7 +114,7 @@ void CheckGraveRecord(BulkRecord& record) {
 
 GraveImport::GraveImport(store::Database& database, GraveImportMode mode, QDate today)
     : mode_(mode), today_(today), places_(database, store::idxhak_banchi12), graves_(database, store::idxhak_no),
-      counter_(database, u"お墓"_s) {}
+      counter_(database, store::codes::graveNumbers) {}
 
 // The grave that a record of this place belongs to. A place may have several rows, a live one and disposed ones: the
 // record is that of a row of its own disposal state, and of several such of one that no record of this file has changed
@@ -174,7 +168,7 @@ Stored GraveImport::StoreGraveRecord(BulkRecord& record) {
     row.tblhak_banchi1 = record.field(1);
     row.tblhak_banchi2 = record.field(2);
     row.tblhak_dnk_no = record.number(3).value_or(0);
-    row.tblhak_dnk_kbn = record.field(4) == u"0"_s ? QString() : record.field(4);
+    row.tblhak_dnk_kbn = record.field(4) == flagClear ? QString() : record.field(4);
     row.tblhak_dnk_nameg = record.field(5);
     // A row without a kana name keeps its index, be it blank or absent.
     if (!found || !record.field(6).isEmpty() || !row.tblhak_dnk_namek.isEmpty())

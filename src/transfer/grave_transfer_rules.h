@@ -3,14 +3,15 @@
 #include "desk/file_picker.h"
 #include "desk/screen_context.h"
 #include "store/table.h"
+#include "transfer/bulk_fields.h"
 #include "transfer/bulk_import.h"
 
 #include <QSet>
 
-// Graves in and out of the register as files of 17 fields a line: 1 section, 2 lot, 3 to 6 household number, category,
-// name and kana, 7 marker kind, 8 marker name, 9 start of use, 10 and 11 use fee and its receipt, 12 to 14 management
-// fee, its receipt and its next billing date, 15 disposal flag, 16 disposal date, 17 remarks. Grave numbers are not in
-// the file.
+// Graves in and out of the register as files of 17 fields a line (graveLayout): 1 section, 2 lot, 3 to 6 household
+// number, category, name and kana, 7 marker kind, 8 marker name, 9 start of use, 10 and 11 use fee and its receipt, 12
+// to 14 management fee, its receipt and its next billing date, 15 disposal flag, 16 disposal date, 17 remarks. Grave
+// numbers are not in the file.
 namespace transfer {
 
 struct お墓出力Form {
@@ -24,6 +25,8 @@ struct お墓一括Form {
     desk::Check 更新;   // a grave whose place is there is changed
     desk::Check エラー; // a grave whose place is there is rejected
 };
+
+const BulkLayout<store::tbl_ohaka>& graveLayout();
 
 enum class GraveImportMode { afterEmptying, update, reject };
 

@@ -9,34 +9,29 @@ namespace transfer {
 
 namespace {
 
+namespace codes = store::codes;
+
 const QString exportTitle = u"檀家出力"_s;
 const QString importTitle = u"檀家一括登録"_s;
 
-QString code(bool yes) {
-    return yes ? u"1"_s : u"0"_s;
-}
-
-std::vector<QString> exported(const store::tbl_danka& row) {
-    return {QString::number(row.tbldnk_no1),
-            QString::number(row.tbldnk_no2),
-            row.tbldnk_nameg,
-            row.tbldnk_namek,
-            code(row.tbldnk_dnkkbn == u"檀家"_s),
-            row.tbldnk_dnkkbn,
-            row.tbldnk_yubin,
-            row.tbldnk_jyusho1,
-            row.tbldnk_jyusho2,
-            row.tbldnk_tel,
-            row.tbldnk_fax,
-            row.tbldnk_chiku,
-            row.tbldnk_toshug,
-            row.tbldnk_toshuk,
-            code(row.tbldnk_haka_basho == u"境内"_s),
-            row.tbldnk_haka_basho,
-            row.tbldnk_bikou};
-}
-
 } // namespace
+
+const BulkLayout<store::tbl_danka>& householdLayout() {
+    using store::tbl_danka;
+    static const BulkLayout<tbl_danka> layout{
+        .fields = {bulkField<&tbl_danka::tbldnk_no1>(), bulkField<&tbl_danka::tbldnk_no2>(),
+                   bulkField<&tbl_danka::tbldnk_nameg>(), bulkField<&tbl_danka::tbldnk_namek>(),
+                   bulkFlag<&tbl_danka::tbldnk_dnkkbn, codes::parishioner>(), bulkField<&tbl_danka::tbldnk_dnkkbn>(),
+                   bulkField<&tbl_danka::tbldnk_yubin>(), bulkField<&tbl_danka::tbldnk_jyusho1>(),
+                   bulkField<&tbl_danka::tbldnk_jyusho2>(), bulkField<&tbl_danka::tbldnk_tel>(),
+                   bulkField<&tbl_danka::tbldnk_fax>(), bulkField<&tbl_danka::tbldnk_chiku>(),
+                   bulkField<&tbl_danka::tbldnk_toshug>(), bulkField<&tbl_danka::tbldnk_toshuk>(),
+                   bulkFlag<&tbl_danka::tbldnk_haka_basho, codes::withinGrounds>(),
+                   bulkField<&tbl_danka::tbldnk_haka_basho>(), bulkField<&tbl_danka::tbldnk_bikou>()},
+        .leftOut = {store::columnOf(&tbl_danka::tbldnk_kanaidx), store::columnOf(&tbl_danka::tbldnk_oyano),
+                    store::columnOf(&tbl_danka::tbldnk_bunkekbn), store::columnOf(&tbl_danka::tbldnk_addymd)}};
+    return layout;
+}
 
 int ExportHouseholds(const QString& path, desk::Desk& desk) {
     store::Database database;
@@ -48,7 +43,8 @@ int ExportHouseholds(const QString& path, desk::Desk& desk) {
         if (households.eof())
             return {};
         const store::tbl_danka& row = households.row();
-        ExportRecord record{u"%1-%2 %3"_s.arg(row.tbldnk_no1).arg(row.tbldnk_no2).arg(row.tbldnk_nameg), exported(row)};
+        ExportRecord record{u"%1-%2 %3"_s.arg(row.tbldnk_no1).arg(row.tbldnk_no2).arg(row.tbldnk_nameg),
+                            householdLayout().record(row)};
         households.moveNext();
         return record;
     });
@@ -58,6 +54,7 @@ std::optional<ImportCounts> ImportHouseholds(const QString& input, const QString
                                              desk::Desk& desk) {
     ImportJob job{.title = importTitle,
                   .subject = u"檀家さん "_s,
+                  .fieldCount = householdLayout().fieldCount(),
                   .errorFields = {1, 2, 3, 4, 6, 7, 8, 9, 10, 11, 12, 13, 14, 16, 17},
                   .input = input,
                   .errors = errors,
@@ -67,7 +64,7 @@ std::optional<ImportCounts> ImportHouseholds(const QString& input, const QString
     if (!options.numbered) {
         job.question = u"入力檀家番号は無視し、登録前に一旦全件削除します"_s;
         job.emptyingTable = "DELETE FROM tbl_danka";
-        job.kind = u"檀家"_s;
+        job.kind = codes::householdNumbers;
     }
     return importRecords(job, desk);
 }
@@ -94,12 +91,13 @@ void CheckHouseholdRecord(BulkRecord& record, bool numbered) {
         return !text.isEmpty() && text != one && text != other;
     };
     if (record.rejectEmpty(3, u"檀家名は必須です"_s) || record.rejectEmpty(4, u"檀家名カナは必須です"_s) ||
-        record.rejectIf(neither(6, u"一般"_s, u"檀家"_s), u"檀家区分は必須です"_s, {6, 5}) ||
+        record.rejectIf(neither(6, codes::nonParishioner, codes::parishioner), u"檀家区分は必須です"_s, {6, 5}) ||
         record.rejectEmpty(7, u"郵便番号は必須です"_s) || record.rejectEmpty(8, u"住所1は必須です"_s) ||
         record.rejectEmpty(10, u"電話は必須です"_s) || record.rejectEmpty(13, u"当主名は必須です"_s) ||
         record.rejectEmpty(14, u"当主カナは必須です"_s) ||
-        record.rejectIf(neither(16, u"境外"_s, u"境内"_s), u"墓所を正しく入力して下さい"_s, {16, 15}) || !numbered ||
-        record.rejectEmpty(1, u"檀家番号入力を選択時は必須です"_s))
+        record.rejectIf(neither(16, codes::outsideGrounds, codes::withinGrounds), u"墓所を正しく入力して下さい"_s,
+                        {16, 15}) ||
+        !numbered || record.rejectEmpty(1, u"檀家番号入力を選択時は必須です"_s))
         return;
     const bool numberWrong = record.number(1).value_or(0) < 1;
     const bool branchWrong = record.number(2).value_or(-1) < 0;
@@ -113,7 +111,7 @@ void CheckHouseholdRecord(BulkRecord& record, bool numbered) {
 
 HouseholdImport::HouseholdImport(store::Database& database, HouseholdOptions options, QDate today)
     : database_(database), options_(options), today_(today), households_(database, store::idxdnk_no),
-      counter_(database, u"檀家"_s) {}
+      counter_(database, codes::householdNumbers) {}
 
 Stored HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
     std::int16_t no1 = 0;
@@ -131,14 +129,15 @@ Stored HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
         return rejected(record, desk::noNumberLeft, {1});
     }
 
-    store::tbl_danka row;
+    // What the file does not hold stays as it is.
+    store::tbl_danka row = found ? households_.row() : store::tbl_danka();
     row.tbldnk_no1 = no1;
     row.tbldnk_no2 = no2;
     row.tbldnk_nameg = record.field(3);
     row.tbldnk_namek = record.field(4);
     row.tbldnk_dnkkbn = record.field(6);
     if (row.tbldnk_dnkkbn.isEmpty())
-        row.tbldnk_dnkkbn = record.field(5) == u"1"_s ? u"檀家"_s : u"一般"_s;
+        row.tbldnk_dnkkbn = record.field(5) == flagSet ? codes::parishioner : codes::nonParishioner;
     row.tbldnk_yubin = record.field(7);
     row.tbldnk_jyusho1 = record.field(8);
     row.tbldnk_jyusho2 = record.field(9);
@@ -147,11 +146,12 @@ Stored HouseholdImport::StoreHouseholdRecord(BulkRecord& record) {
     row.tbldnk_chiku = record.field(12);
     row.tbldnk_bikou = record.field(17);
     row.tbldnk_kanaidx = store::kanaIndex(row.tbldnk_namek);
-    row.tbldnk_haka_basho = record.field(16) == u"境内"_s || record.field(15) == u"1"_s ? u"境内"_s : u"境外"_s;
+    const bool within = record.field(16) == codes::withinGrounds || record.field(15) == flagSet;
+    row.tbldnk_haka_basho = within ? codes::withinGrounds : codes::outsideGrounds;
     row.tbldnk_toshug = record.field(13);
     row.tbldnk_toshuk = record.field(14);
     row.tbldnk_oyano = std::int16_t{0};
-    row.tbldnk_bunkekbn = u"0"_s;
+    row.tbldnk_bunkekbn = codes::noBranchFamily;
     row.tbldnk_addymd = today_;
     if (!found)
         households_.insert(row);

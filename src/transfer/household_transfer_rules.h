@@ -3,13 +3,14 @@
 #include "desk/file_picker.h"
 #include "desk/screen_context.h"
 #include "store/table.h"
+#include "transfer/bulk_fields.h"
 #include "transfer/bulk_import.h"
 
 #include <QSet>
 
-// Households in and out of the register as files of 17 fields a line: 1 number, 2 branch, 3 name, 4 kana, 5 category
-// code, 6 category, 7 postal code, 8 and 9 address, 10 telephone, 11 fax, 12 district, 13 head, 14 head's kana, 15
-// grave-place code, 16 grave place, 17 remarks.
+// Households in and out of the register as files of 17 fields a line (householdLayout): 1 number, 2 branch, 3 name, 4
+// kana, 5 category code, 6 category, 7 postal code, 8 and 9 address, 10 telephone, 11 fax, 12 district, 13 head, 14
+// head's kana, 15 grave-place code, 16 grave place, 17 remarks.
 namespace transfer {
 
 struct 檀家出力Form {
@@ -24,6 +25,8 @@ struct 檀家一括Form {
     desk::Check 更新;   // a household whose number is there is changed
     desk::Check エラー; // a household whose number is there is rejected
 };
+
+const BulkLayout<store::tbl_danka>& householdLayout();
 
 struct HouseholdOptions {
     bool numbered = false; // numbers from the file, else from the counter

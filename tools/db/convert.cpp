@@ -5,6 +5,7 @@
 #include "store/consistency.h"
 #include "store/draft.h"
 #include "store/table.h"
+#include "store/upgrade.h"
 #include "values/dates.h"
 #include "values/numbers.h"
 
@@ -12,10 +13,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
@@ -164,6 +167,13 @@ class Conversion {
         return texts.join(u"、"_s);
     }
 
+    // Whether a step of the layout brought the column: a register of the older format has none.
+    static bool cameLater(const QString& column) {
+        const QRegularExpression added(u"\\bADD COLUMN %1\\s"_s.arg(column));
+        return std::ranges::any_of(store::upgradeSteps(),
+                                   [&](const char* step) { return QString::fromUtf8(step).contains(added); });
+    }
+
     // Where the older table holds each field; nothing where it has no such column.
     template <class Row> std::vector<std::optional<std::size_t>> placesOf(const jet::Table& table) {
         std::vector<std::optional<std::size_t>> places;
@@ -177,7 +187,7 @@ class Conversion {
                             found = i;
                     if (found)
                         used[*found] = true;
-                    else
+                    else if (!cameLater(name))
                         fail(u"%1: 列 %2 がありません。空欄にします。"_s.arg(table.name, name));
                 };
                 (place(QString::fromUtf8(field.name)), ...);
@@ -340,14 +350,7 @@ int convertInto(const QString& file, const QString& draft) {
     Conversion conversion(old, target);
     if (!conversion.knows(u"tbl_danka"_s))
         throw store::Error(0, u"登録簿の表（tbl_danka）がありません。登録簿のファイルか確認して下さい。"_s);
-    conversion.run<store::tbl_danka>();
-    conversion.run<store::tbl_kazoku>();
-    conversion.run<store::tbl_kakocho>();
-    conversion.run<store::tbl_ohaka>();
-    conversion.run<store::tbl_hohyo>();
-    conversion.run<store::tbl_nengo>();
-    conversion.run<store::tbl_hatsuban>();
-    conversion.run<store::マスタ>();
+    store::forEachTable([&conversion]<class Row>() { conversion.run<Row>(); });
     write.commit();
     QStringList faults;
     store::findFaults(target, faults);

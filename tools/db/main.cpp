@@ -2,6 +2,7 @@
 #include "commands.h"
 #include "store/consistency.h"
 #include "store/database.h"
+#include "store/row_rules.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -52,37 +53,43 @@ int check(const QString& path) {
 // What the register holds: a label and the statement that counts it.
 struct Figure {
     const char16_t* label;
-    const char* statement;
+    std::string statement;
 };
 
-constexpr Figure figures[] = {
+std::string lastNumber(const QString& kind) {
+    return "SELECT tblno_sumino FROM tbl_hatsuban WHERE tblno_key1 = 0 AND tblno_key2 = " + store::literal(kind);
+}
+
+const Figure figures[] = {
     {u"形式の版", "PRAGMA user_version"},
-    {u"檀家（分家を除く）", "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 = 0"},
-    {u"檀家（分家）", "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 <> 0"},
-    {u"家族（存命）", "SELECT count(*) FROM tbl_kazoku WHERE tblkzk_seishikbn = '0'"},
-    {u"家族（死亡）", "SELECT count(*) FROM tbl_kazoku WHERE tblkzk_seishikbn <> '0'"},
+    {u"檀家（分家を除く）",
+     "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 = " + store::literal(store::codes::mainHousehold)},
+    {u"檀家（分家）",
+     "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 <> " + store::literal(store::codes::mainHousehold)},
+    {u"家族（存命）", "SELECT count(*) FROM tbl_kazoku WHERE " + store::isLiving.sql()},
+    {u"家族（死亡）", "SELECT count(*) FROM tbl_kazoku WHERE NOT " + store::isLiving.sql()},
     {u"過去帳", "SELECT count(*) FROM tbl_kakocho"},
-    {u"お墓（使用中）", "SELECT count(*) FROM tbl_ohaka WHERE tblhak_haiki_kbn = 0"},
-    {u"お墓（廃棄）", "SELECT count(*) FROM tbl_ohaka WHERE tblhak_haiki_kbn <> 0"},
+    {u"お墓（使用中）", "SELECT count(*) FROM tbl_ohaka WHERE " + store::isInUse.sql()},
+    {u"お墓（廃棄）", "SELECT count(*) FROM tbl_ohaka WHERE NOT " + store::isInUse.sql()},
     {u"法要", "SELECT count(*) FROM tbl_hohyo"},
-    {u"法要（予約中）", "SELECT count(*) FROM tbl_hohyo WHERE tblhoy_kaiki_rs = 1 AND tblhoy_kaiki_s = 0"},
-    {u"法要（実施済み）", "SELECT count(*) FROM tbl_hohyo WHERE tblhoy_kaiki_s = 1"},
+    {u"法要（予約中）", "SELECT count(*) FROM tbl_hohyo WHERE " + store::isAwaited.sql()},
+    {u"法要（実施済み）", "SELECT count(*) FROM tbl_hohyo WHERE " + store::isHeld.sql()},
     {u"年号", "SELECT count(*) FROM tbl_nengo"},
     {u"マスター（続柄・地区・場所）", "SELECT count(*) FROM マスタ"},
-    {u"最後に発番した檀家番号", "SELECT tblno_sumino FROM tbl_hatsuban WHERE tblno_key1 = 0 AND tblno_key2 = '檀家'"},
-    {u"最後に発番したお墓番号", "SELECT tblno_sumino FROM tbl_hatsuban WHERE tblno_key1 = 0 AND tblno_key2 = 'お墓'"},
-    {u"檀家名の写しが今と異なる家族",
-     "SELECT count(*) FROM tbl_kazoku JOIN tbl_danka ON tbldnk_no1 = tblkzk_no1 AND tbldnk_no2 = 0 "
-     "WHERE tblkzk_dnknameg <> tbldnk_nameg"},
-    {u"檀家名の写しが今と異なる過去帳",
-     "SELECT count(*) FROM tbl_kakocho JOIN tbl_danka ON tbldnk_no1 = tblkak_no AND tbldnk_no2 = 0 "
-     "WHERE tblkak_dnknameg <> tbldnk_nameg"},
-    {u"檀家名の写しが今と異なる法要",
-     "SELECT count(*) FROM tbl_hohyo JOIN tbl_danka ON tbldnk_no1 = tblhoy_no AND tbldnk_no2 = 0 "
-     "WHERE tblhoy_danknameg <> tbldnk_nameg"},
-    {u"檀家名の写しが今と異なるお墓",
-     "SELECT count(*) FROM tbl_ohaka JOIN tbl_danka ON tbldnk_no1 = tblhak_dnk_no AND tbldnk_no2 = 0 "
-     "WHERE tblhak_dnk_nameg <> tbldnk_nameg"},
+    {u"最後に発番した檀家番号", lastNumber(store::codes::householdNumbers)},
+    {u"最後に発番したお墓番号", lastNumber(store::codes::graveNumbers)},
+    {u"檀家名の写しが今と異なる家族", "SELECT count(*) FROM tbl_kazoku JOIN tbl_danka ON " +
+                                          store::householdSql<store::tbl_kazoku>() +
+                                          " WHERE tblkzk_dnknameg <> tbldnk_nameg"},
+    {u"檀家名の写しが今と異なる過去帳", "SELECT count(*) FROM tbl_kakocho JOIN tbl_danka ON " +
+                                            store::householdSql<store::tbl_kakocho>() +
+                                            " WHERE tblkak_dnknameg <> tbldnk_nameg"},
+    {u"檀家名の写しが今と異なる法要", "SELECT count(*) FROM tbl_hohyo JOIN tbl_danka ON " +
+                                          store::householdSql<store::tbl_hohyo>() +
+                                          " WHERE tblhoy_danknameg <> tbldnk_nameg"},
+    {u"檀家名の写しが今と異なるお墓", "SELECT count(*) FROM tbl_ohaka JOIN tbl_danka ON " +
+                                          store::householdSql<store::tbl_ohaka>() +
+                                          " WHERE tblhak_dnk_nameg <> tbldnk_nameg"},
 };
 
 int info(const QString& path) {

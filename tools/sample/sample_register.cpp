@@ -3,6 +3,7 @@
 #include "sample/people.h"
 
 #include "memorials/schedule_rules.h"
+#include "store/codes.h"
 #include "store/table.h"
 
 #include <QDir>
@@ -16,6 +17,8 @@ using namespace Qt::StringLiterals;
 namespace sample {
 
 namespace {
+
+namespace codes = store::codes;
 
 // Totals of a full register; smaller ones hold their share.
 constexpr qint64 mostLiving = 90'000;
@@ -75,7 +78,7 @@ class Maker {
         headBirth_ = today_.addYears(-chance_.between(38, 78)).addDays(-chance_.below(365));
         for (int i = 0; i < living; ++i)
             addMember(livingRelations[i], false);
-        household_.tbldnk_haka_basho = grave_.tblhak_dnk_no ? u"境内"_s : u"境外"_s;
+        household_.tbldnk_haka_basho = grave_.tblhak_dnk_no ? codes::withinGrounds : codes::outsideGrounds;
         danka_.insert(household_);
         ohaka_.insert(grave_);
         for (int i = 0; i < dead; ++i)
@@ -111,7 +114,7 @@ class Maker {
         household_.tbldnk_no1 = number;
         household_.tbldnk_nameg = family_.kanji;
         household_.tbldnk_namek = family_.kana;
-        household_.tbldnk_dnkkbn = chance_.percent(88) ? u"檀家"_s : u"一般"_s;
+        household_.tbldnk_dnkkbn = chance_.percent(88) ? codes::parishioner : codes::nonParishioner;
         household_.tbldnk_yubin = where.postalCode;
         household_.tbldnk_jyusho1 = where.line1;
         household_.tbldnk_jyusho2 = where.line2;
@@ -121,7 +124,7 @@ class Maker {
         household_.tbldnk_bikou = chance_.percent(6) ? u"護持会役員"_s : QString();
         household_.tbldnk_kanaidx = store::kanaIndex(family_.kana);
         household_.tbldnk_oyano = std::int16_t{0};
-        household_.tbldnk_bunkekbn = u"0"_s;
+        household_.tbldnk_bunkekbn = codes::noBranchFamily;
         household_.tbldnk_addymd = somewhereIn(today_.addYears(-15), today_);
     }
 
@@ -134,11 +137,11 @@ class Maker {
         grave_.tblhak_shiyo_ryokin = 1000 * chance_.between(10, 30);
         grave_.tblhak_kanri_ryokin = 1000 * chance_.between(3, 12);
         grave_.tblhak_kanaidx = u""_s;
-        grave_.tblhak_bohyo_kbn = u"空"_s;
+        grave_.tblhak_bohyo_kbn = codes::vacantGrave;
         grave_.tblhak_add_ymd = somewhereIn(today_.addYears(-15), today_);
         if (const int fate = chance_.below(100); fate >= 90) {
             if (fate >= 97) {
-                grave_.tblhak_haiki_kbn = 1;
+                grave_.tblhak_haiki_kbn = codes::yes;
                 grave_.tblhak_haiki_ymd = somewhereIn(today_.addYears(-10), today_);
             }
             return;
@@ -149,7 +152,7 @@ class Maker {
         grave_.tblhak_dnk_namek = family_.kana;
         grave_.tblhak_kanaidx = household_.tbldnk_kanaidx;
         const bool single = chance_.percent(10);
-        grave_.tblhak_bohyo_kbn = single ? u"個"_s : u"家"_s;
+        grave_.tblhak_bohyo_kbn = single ? codes::individualGrave : codes::familyGrave;
         grave_.tblhak_bohyo_mei = family_.kanji + (single                ? u"氏之墓"_s
                                                    : chance_.percent(50) ? u"家之墓"_s
                                                                          : u"家先祖代々之墓"_s);
@@ -184,8 +187,8 @@ class Maker {
         member.tblkzk_zokugara = QString::fromUtf16(relation.relationship);
         if (!head && !dead && woman == headIsWoman_ && member.tblkzk_zokugara == u"妻"_s)
             member.tblkzk_zokugara = u"妹"_s;
-        member.tblkzk_dohkyokbn = u"0"_s;
-        member.tblkzk_seishikbn = dead ? u"1"_s : u"0"_s;
+        member.tblkzk_dohkyokbn = codes::inHouse;
+        member.tblkzk_seishikbn = dead ? codes::deceased : codes::living;
         member.tblkzk_yubin = household_.tbldnk_yubin;
         member.tblkzk_jusho1 = household_.tbldnk_jyusho1;
         member.tblkzk_jusho2 = household_.tbldnk_jyusho2;
@@ -193,7 +196,7 @@ class Maker {
         member.tblkzk_chiku = household_.tbldnk_chiku;
         if (!dead && relation.older < -30 && chance_.percent(40)) {
             const Address own = address(chance_);
-            member.tblkzk_dohkyokbn = u"1"_s;
+            member.tblkzk_dohkyokbn = codes::elsewhere;
             member.tblkzk_yubin = own.postalCode;
             member.tblkzk_jusho1 = own.line1;
             member.tblkzk_jusho2 = own.line2;
@@ -245,7 +248,7 @@ class Maker {
             death.tblkak_haka_blk1 = grave_.tblhak_banchi1;
             death.tblkak_haka_bch = grave_.tblhak_banchi2;
         } else {
-            death.tblkak_haka_kbn = u"無"_s;
+            death.tblkak_haka_kbn = codes::noGrave;
         }
         death.tblkak_haka_basho = household_.tbldnk_haka_basho;
         death.tblkak_kanaidx = household_.tbldnk_kanaidx;
@@ -267,7 +270,7 @@ class Maker {
         memorial.tblhoy_meiymd = death.tblkak_mei_ymd;
         memorial.tblhoy_kaiki_mei = QString::fromUtf16(anniversary.label);
         memorial.tblhoy_kaiki_yymd = memorials::anniversaryDate(anniversary, death.tblkak_mei_ymd);
-        memorial.tblhoy_kaiki_ampm = u"1"_s;
+        memorial.tblhoy_kaiki_ampm = codes::morning;
         memorial.tblhoy_kaiki_hour = std::int16_t{0};
         memorial.tblhoy_kaiki_mint = std::int16_t{0};
         memorial.tblhoy_ofuse = 0;
@@ -277,12 +280,12 @@ class Maker {
         const qint64 ahead = today_.daysTo(memorial.tblhoy_kaiki_yymd);
         if (ahead > -3650 && ahead <= 0 && chance_.percent(80)) {
             book(memorial);
-            memorial.tblhoy_kaiki_s = 1;
+            memorial.tblhoy_kaiki_s = codes::yes;
             memorial.tblhoy_kaiki_jymd = memorial.tblhoy_kaiki_rymd = std::min(today_, memorial.tblhoy_kaiki_rymd);
             memorial.tblhoy_ofuse = 10'000 * chance_.between(1, 10);
         } else if (ahead > 0 && ahead < 90) {
             if (chance_.percent(50)) {
-                memorial.tblhoy_tsuchi_s = 1;
+                memorial.tblhoy_tsuchi_s = codes::yes;
                 memorial.tblhoy_tsuchi_ymd = today_.addDays(-chance_.between(1, 30));
             }
             if (chance_.percent(40))
@@ -294,11 +297,11 @@ class Maker {
     void book(store::tbl_hohyo& memorial) {
         static constexpr const char16_t* places[] = {u"本堂", u"本堂", u"自宅", u"墓前", u"会館"};
         const bool afternoon = chance_.percent(40);
-        memorial.tblhoy_kaiki_rs = 1;
+        memorial.tblhoy_kaiki_rs = codes::yes;
         memorial.tblhoy_kaiki_rymd = memorial.tblhoy_kaiki_yymd.addDays(-chance_.below(10));
         if (memorial.tblhoy_kaiki_rymd < memorial.tblhoy_meiymd)
             memorial.tblhoy_kaiki_rymd = memorial.tblhoy_kaiki_yymd;
-        memorial.tblhoy_kaiki_ampm = afternoon ? u"2"_s : u"1"_s;
+        memorial.tblhoy_kaiki_ampm = afternoon ? codes::afternoon : codes::morning;
         memorial.tblhoy_kaiki_hour =
             static_cast<std::int16_t>(afternoon ? chance_.between(1, 3) : chance_.between(9, 11));
         memorial.tblhoy_kaiki_mint = static_cast<std::int16_t>(30 * chance_.below(2));
