@@ -129,7 +129,7 @@ std::optional<store::tbl_ohaka> GraveImport::graveAt(const BulkRecord& record) {
         const store::tbl_ohaka& row = places_.row();
         if (row.tblhak_banchi1 != section || row.tblhak_banchi2 != lot)
             break;
-        const bool sameState = (row.tblhak_haiki_kbn == disposed) == (disposalFlag(record) == disposed);
+        const bool sameState = store::isDisposed(row) == (disposalFlag(record) == disposed);
         const bool changed = changed_.contains(row.tblhak_no);
         if (mode_ == GraveImportMode::update && (inserted_.contains(row.tblhak_no) || (changed && !sameState)))
             continue;
