@@ -39,7 +39,7 @@ namespace {
 const QDate today(2026, 11, 22);
 const int points =
     qEnvironmentVariableIsSet("HOSHIREN_FAULT_POINTS") ? qEnvironmentVariableIntValue("HOSHIREN_FAULT_POINTS") : 8;
-const int stride = points >= 100 ? 1 : 13;
+const int stride = points >= 100 ? 1 : 41;
 
 enum class WithoutCopy { stop, goOn };
 
