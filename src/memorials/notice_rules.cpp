@@ -7,6 +7,9 @@
 #include "store/table.h"
 #include "values/dates.h"
 
+#include <algorithm>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace memorials {
@@ -20,26 +23,46 @@ const QString noMemorial = u"法要予定はありません"_s;
 const QString labelsAreOut =
     u"\n\n宛名は出力済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び出力されます。"_s;
 
+// By day, name and number. A day's open memorials are few: they are put in order here, which costs less than to have
+// all of its rows sorted whole.
 auto memorialsOf(const 法要通Form& form) {
     return [from = form.from, to = form.to](const NoticeKey& key, const auto& take) {
         store::Database database;
         store::Selection<store::tbl_hohyo> rows(database,
                                                 "WHERE (tbl_hohyo.tblhoy_kaiki_yymd >= ?) And "
                                                 "(tbl_hohyo.tblhoy_kaiki_yymd <= ?) "
-                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC, "
-                                                "tbl_hohyo.tblhoy_zokunameg ASC, tbl_hohyo.tblhoy_no ASC ;",
+                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC ;",
                                                 std::max(from, key.scheduled), to);
         // The names' order is the register's: by code point.
         const QByteArray name = key.deceased.toUtf8();
-        bool found = false;
+        const auto isFrom = [&](const store::tbl_hohyo& row) {
+            const bool before = key.tie && row.tblhoy_kaiki_yymd == key.scheduled && MemorialTie::of(row) < *key.tie;
+            return row.tblhoy_zokunameg.toUtf8() >= name && !before;
+        };
+        QDate day;
+        std::vector<store::tbl_hohyo> open;
+        const auto handOn = [&] {
+            std::ranges::sort(
+                open, [](const auto& one, const auto& other) { return MemorialTie::of(one) < MemorialTie::of(other); });
+            return std::ranges::all_of(std::exchange(open, {}), [&](const auto& row) { return take({row}); });
+        };
+        bool found = false;    // on a day before
+        bool foundNow = false; // from there on, or on this day
         while (rows.next()) {
             const store::tbl_hohyo& row = rows.row();
-            const bool before = key.tie && row.tblhoy_kaiki_yymd == key.scheduled && MemorialTie::of(row) < *key.tie;
-            found = found || (row.tblhoy_zokunameg.toUtf8() >= name && !before);
-            if (found && !take({row}))
-                break;
+            if (row.tblhoy_kaiki_yymd != day) {
+                if (!handOn())
+                    return true;
+                day = row.tblhoy_kaiki_yymd;
+                found = foundNow;
+            }
+            const bool wanted = found || isFrom(row);
+            foundNow = foundNow || wanted;
+            if (wanted && store::isOpenForNotice(row))
+                open.push_back(row);
         }
-        return found;
+        handOn();
+        return foundNow;
     };
 }
 
