@@ -25,8 +25,8 @@ struct ExportRecord {
 // Writes the records that next gives until it gives none, and reports them under the title; a second message lists the
 // records with characters that the code page does not hold; the bar tells of look-alikes written in their place. Gives
 // the number written: 0, and no file, when there is none, when the user cancels, or when the path is one of the
-// register's own files or lies among its copies. An existing file is replaced when the new one is whole; store::Error is
-// thrown where that fails, and the old one stays.
+// register's own files or lies among its copies. An existing file is replaced when the new one is whole; store::Error
+// is thrown where that fails, and the old one stays.
 int exportRecords(const ExportJob& job, qint64 expected, desk::Desk& desk,
                   const std::function<std::optional<ExportRecord>()>& next);
 
