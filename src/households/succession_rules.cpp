@@ -99,8 +99,13 @@ void LoadSuccession(代替当Form& form, desk::ScreenContext& context, desk::Des
     store::Database database;
     masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
     form.held.showNew();
-    if (context.dnk_no1 == 0) {
+    // The new head's reading is not the former one's.
+    const auto show = [&form, &context] {
         form.showFields(context);
+        form.frm01_toshuk.text.clear();
+    };
+    if (context.dnk_no1 == 0) {
+        show();
         return;
     }
     const auto household = store::find(database, store::idxdnk_no, context.dnk_no1, context.dnk_no2);
@@ -110,7 +115,7 @@ void LoadSuccession(代替当Form& form, desk::ScreenContext& context, desk::Des
     }
     if (!context.dnk_handedOver)
         context.publishHousehold(desk::HouseholdBlock::of(*household));
-    form.showFields(context);
+    show();
     form.held.show(*household);
     listCandidates(database, form, context.dnk_no1);
 }
