@@ -56,7 +56,8 @@ std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
         .gap()
         .action(u"前ページ"_s, u"前ページ"_s, previous)
         .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openFamilyList));
     showsHousehold(*screen, screen->run(openFamilyList));
     return screen;
@@ -79,7 +80,8 @@ std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
         .gap()
         .action(u"前ページ"_s, u"前ページ"_s, previous)
         .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openDeathList));
     showsHousehold(*screen, screen->run(openDeathList));
     return screen;

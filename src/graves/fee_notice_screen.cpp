@@ -39,7 +39,8 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         .gap()
         .action(u"お墓照会"_s, u"お墓情報"_s, open)
         .action(u"檀家照会"_s, u"檀家情報"_s, screen->run(openFeeHousehold))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openFeeNotices));
     return screen;
 }

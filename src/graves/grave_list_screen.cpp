@@ -25,7 +25,8 @@ std::unique_ptr<ui::Screen> お墓一(ui::Workplace& workplace) {
         .gap()
         .action(u"前ページ"_s, u"前ページ"_s, previous)
         .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openGraveList));
     return screen;
 }

@@ -33,7 +33,8 @@ template <class Form> void addPage(ui::Layout& layout, PickerScreen<Form>& scree
         .gap()
         .action(u"前ページ"_s, u"前ページ"_s, previous)
         .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+        .closing()
+        .finish();
     screen.onOpen(screen.run(openPicker));
 }
 

@@ -34,7 +34,7 @@ std::unique_ptr<ui::Screen> 法要個(ui::Workplace& workplace) {
     const ui::Operation open = screen->run(openDeceasedMemorial);
     layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl),
                               {.clicked = screen->run(clickDeceasedMemorial), .opened = open}, 16);
-    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing();
+    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing().finish();
     screen->onOpen(screen->run(openDeceasedMemorials));
     screen->shows({.asked = askedDeceased, .load = screen->run(openDeceasedMemorials)});
     return screen;

@@ -36,7 +36,8 @@ std::unique_ptr<ui::Screen> 法要檀(ui::Workplace& workplace) {
         .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextHouseholdMemorials))
         .gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openHouseholdMemorials));
     auto* raw = screen.get();
     screen->shows({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },

@@ -35,7 +35,8 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
         .gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openNoticeDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openNoticeHousehold))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openNotices));
     return screen;
 }

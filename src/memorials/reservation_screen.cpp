@@ -28,7 +28,8 @@ std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
         .gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openReservationDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openReservationHousehold))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openReservations));
     return screen;
 }
