@@ -104,6 +104,7 @@ class MenuButtonWidget : public QPushButton {
 class Groups : public QWidget {
   public:
     explicit Groups(ui::Screen& menu) : grid_(new QGridLayout(this)) {
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
         grid_->setContentsMargins(0, 0, 0, 0);
         grid_->setHorizontalSpacing(12);
         const QFont buttonFont = scaled(menu, 1.15);

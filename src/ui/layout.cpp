@@ -25,7 +25,12 @@ namespace {
 // The controls of a screen. Only what they need at least makes the window scroll: a list gives way before that.
 class Body : public QWidget {
   public:
-    int heightForWidth(int width) const override { return layout()->minimumHeightForWidth(width); }
+    int heightForWidth(int width) const override {
+        // A scroll bar that stands must not itself be what makes it needed.
+        const QSize room = static_cast<const QScrollArea*>(parentWidget()->parentWidget())->maximumViewportSize();
+        const int needed = layout()->minimumHeightForWidth(room.width());
+        return needed <= room.height() ? needed : layout()->minimumHeightForWidth(width);
+    }
 };
 
 } // namespace

@@ -1,4 +1,5 @@
 // Date groups and date ranges.
+#include "ui/flow_layout.h"
 #include "ui/layout.h"
 
 #include <QComboBox>
@@ -12,9 +13,14 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value) {
     const QString what = rowName_;
     combo(names.era, value.era, 4).named(what + u"　元号"_s);
     QWidget* era = last_;
-    combo(names.year, value.year, 2).numeric().named(what + u"　年"_s).unit(u"年"_s);
-    combo(names.month, value.month, 2).numeric().named(what + u"　月"_s).unit(u"月"_s);
-    combo(names.day, value.day, 2).numeric().named(what + u"　日"_s).unit(u"日"_s);
+    // A date is not torn apart.
+    const auto part = [&](const QString& name, desk::Combo& box, const QString& unitName) {
+        items_->keepNextTogether();
+        combo(name, box, 2).numeric().named(what + u'　' + unitName).unit(unitName);
+    };
+    part(names.year, value.year, u"年"_s);
+    part(names.month, value.month, u"月"_s);
+    part(names.day, value.day, u"日"_s);
     note(u"西暦"_s).shown(names.western, value.western, 6).named(what + u"　西暦"_s);
     last_ = era;
     return *this;

@@ -43,30 +43,20 @@ void Screen::fit(QSize largest) {
         inner->updateGeometry();
     for (QLayout* inner : body->findChildren<QLayout*>())
         inner->invalidate();
-    const QLayout* content = body->layout();
+    QLayout* content = body->layout();
     const int notice = bar_->isVisibleTo(this) ? bar_->sizeHint().height() : 0;
     const auto height = [&](int width) {
-        const int wanted = content->hasHeightForWidth() ? content->heightForWidth(width) : content->sizeHint().height();
-        return notice + wanted + buttons_->heightForWidth(width);
+        int sum = notice;
+        for (QLayout* part : {content, buttons_->layout()})
+            sum += part->hasHeightForWidth() ? part->heightForWidth(width) : part->sizeHint().height();
+        return sum;
     };
     int width = std::max(content->sizeHint().width(), buttons_->sizeHint().width());
-    if (width > largest.width()) {
-        // No wider than what has gone into further lines needs.
-        int enough = largest.width();
-        int least = std::max(content->minimumSize().width(), buttons_->minimumSizeHint().width());
-        const int needed = height(enough);
-        while (least < enough) {
-            const int middle = (least + enough) / 2;
-            if (height(middle) > needed)
-                least = middle + 1;
-            else
-                enough = middle;
-        }
-        width = enough;
-    }
-    if (height(width) > largest.height())
-        width += style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    resize(QSize(width, height(width)).boundedTo(largest));
+    width = std::min(width, largest.width());
+    const int high = height(width);
+    if (high > largest.height())
+        width = std::min(width + style()->pixelMetric(QStyle::PM_ScrollBarExtent), largest.width());
+    resize(width, std::min(high, largest.height()));
 }
 
 // What the frame really takes is known as soon as the window stands.
