@@ -1,0 +1,87 @@
+#include "printing/listing_painter.h"
+
+#include "store/database.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace printing {
+
+struct PrintedListing::Face : LabelFont {
+    double width(const QString& text) const override { return font.width(text, LabelRun::fullPoints); }
+    bool canPrint(char32_t character) const override { return font.has(character); }
+
+    const PrintedFont font;
+};
+
+PrintedListing::PrintedListing(Listing listing) : face_(std::make_unique<Face>()), pages_(std::move(listing), *face_) {}
+PrintedListing::~PrintedListing() = default;
+
+const Listing& PrintedListing::listing() const {
+    return pages_.listing();
+}
+
+DocumentFacts PrintedListing::facts() const {
+    return {.noun = listing().title,
+            .jobTitle = "Hoshiren list",
+            .paper = {.landscape = pages_.paperWidth() > pages_.paperHeight()}};
+}
+
+int PrintedListing::pages() const {
+    return pages_.count();
+}
+
+void PrintedListing::paint(QPainter& painter, int page, double dotsAnInch) const {
+    const double dots = dotsAnInch / 25.4;
+    const Page contents = pages_.page(page);
+    for (const PageArea& area : contents.areas)
+        painter.fillRect(QRectF(area.x * dots, area.top * dots, area.width * dots, area.height * dots),
+                         QColor::fromRgbF(float(area.grey), float(area.grey), float(area.grey)));
+    face_->font.use(painter);
+    for (const PageText& text : contents.texts)
+        face_->font.draw(painter, dotsAnInch, text.text, text.x, text.top, text.points);
+}
+
+QString PrintedListing::remark() const {
+    return pages_.missing().isEmpty() ? QString() : u"印刷できない文字は〓にしました："_s + pages_.missing();
+}
+
+namespace {
+
+void tell(const PrintedListing& list, const PrintedJob& job, const QString& file, desk::Desk& desk) {
+    const QString& title = list.listing().title;
+    if (!job.file.isEmpty())
+        desk.notify(file + u'\n' + QDir::toNativeSeparators(job.file), title);
+    if (!job.waiting.isEmpty())
+        desk.notify(job.waiting, title);
+    if (const QString remark = list.remark(); !remark.isEmpty())
+        desk.notify(remark, title);
+}
+
+} // namespace
+
+void printListing(const PrintedListing& list, QWidget* opener, desk::Desk& desk) {
+    try {
+        tell(list, printDocument(list, opener, desk.today()),
+             u"プリンターがないため、%1をPDFファイルに書き出しました。"_s.arg(list.listing().title), desk);
+    } catch (const PrintFailure& failure) {
+        desk.notify(failure.message, list.listing().title);
+    }
+}
+
+void writeListing(const PrintedListing& list, desk::Desk& desk) {
+    try {
+        const QString& title = list.listing().title;
+        tell(list,
+             writePdf(list, QFileInfo(store::Database::registerPath()).path(),
+                      title + desk.today().toString(u"_yyyyMMdd"_s)),
+             u"%1をPDFファイルに書き出しました。"_s.arg(title), desk);
+    } catch (const PrintFailure& failure) {
+        desk.notify(failure.message, list.listing().title);
+    }
+}
+
+} // namespace printing
