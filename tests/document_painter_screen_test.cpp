@@ -63,6 +63,31 @@ TEST_F(DocumentPainter, WritesAnyPaperAsItIsRead) {
     }
 }
 
+// Characters whose glyph another one shares, alone and in the radicals' own order; a reader finds them as printed.
+TEST_F(DocumentPainter, NamesWhatWasPrinted) {
+    const QString texts[] = {u"西長青黄亀竜目母斉歯"_s, u"水火爪父爻爿片牙牛犬玄玉瓜瓦甘生用田"_s, u"髙﨑社神\uFA19"_s};
+    class Line : public TwoPages {
+      public:
+        explicit Line(QString text) : TwoPages(printing::a4), text_(std::move(text)) {}
+        int pages() const override { return 1; }
+        void paint(QPainter& painter, int, double dotsAnInch) const override {
+            const printing::PrintedFont font;
+            font.use(painter);
+            font.draw(painter, dotsAnInch, text_, 20, 30, 12);
+        }
+
+      private:
+        QString text_;
+    };
+    for (const QString& text : texts) {
+        QProcess reader;
+        reader.start(u"pdftotext"_s, {printing::writePdf(Line(text), directory.path(), u"字"_s).file, u"-"_s});
+        ASSERT_TRUE(reader.waitForFinished());
+        EXPECT_EQ(QString::fromUtf8(reader.readAllStandardOutput()).trimmed(), text) << text.toStdString();
+        EXPECT_EQ(reader.readAllStandardError(), QByteArray());
+    }
+}
+
 TEST_F(DocumentPainter, ShowsItsOwnWords) {
     QWidget opener;
     printing::showPreview(std::make_shared<TwoPages>(printing::Paper{.landscape = true}), &opener);

@@ -1,5 +1,6 @@
 #include "printing/document_painter.h"
 
+#include "printing/pdf_names_painter.h"
 #include "printing/print_windows_screen.h"
 #include "store/draft.h"
 
@@ -92,21 +93,6 @@ template <class Device> bool paintPages(Device& device, const PrintedDocument& d
     return painter.end();
 }
 
-// Qt names a glyph shared by a character and its radical (目, ⽬) by the radical: whoever searches or copies the text
-// would not find what was printed. The names are four hexadecimal digits each way, so the file's offsets stay.
-void nameCharactersNotRadicals(QByteArray& pdf) {
-    for (qsizetype at = 0; (at = pdf.indexOf("beginbfrange", at)) >= 0; ++at) {
-        const qsizetype end = pdf.indexOf("endbfrange", at);
-        for (qsizetype open = pdf.indexOf("<2", at); open >= 0 && open < end; open = pdf.indexOf("<2", open + 1)) {
-            const auto code = static_cast<char16_t>(pdf.sliced(open + 1, 4).toUShort(nullptr, 16));
-            if (code < 0x2E80 || code > 0x2FD5)
-                continue;
-            const QString character = QString(QChar(code)).normalized(QString::NormalizationForm_KC);
-            pdf.replace(open + 1, 4, QByteArray::number(character.front().unicode(), 16).rightJustified(4, '0'));
-        }
-    }
-}
-
 // Empty when the document cannot be painted.
 QByteArray pdfOf(const PrintedDocument& document, Lying lying) {
     QBuffer buffer;
@@ -117,7 +103,7 @@ QByteArray pdfOf(const PrintedDocument& document, Lying lying) {
     setPage(writer, facts.paper, lying);
     if (!paintPages(writer, document, lying))
         return {};
-    nameCharactersNotRadicals(buffer.buffer());
+    nameCharacters(buffer.buffer(), japaneseFont(QFont::Normal));
     return buffer.data();
 }
 
