@@ -37,6 +37,7 @@ class PrintedFont {
   public:
     explicit PrintedFont(QFont::Weight weight = QFont::Normal);
 
+    const QFont& font() const { return font_; }
     // Millimetres that a text takes at this size.
     double width(const QString& text, double points) const;
     bool has(char32_t character) const;

@@ -148,7 +148,7 @@ struct Measures {
     double titlePoints = points * 1.6;
     double smallPoints = std::max(9.0, points * 0.75);
     double pitch = pitchOf(points);
-    double padX = points * 0.1;
+    double padX = points * 0.16;
     double padY = points * 0.06;
 
     static double pitchOf(double size) { return size * millimetresAPoint * lineShare; }

@@ -4,7 +4,9 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QGlyphRun>
 #include <QPainter>
+#include <QRawFont>
 
 using namespace Qt::StringLiterals;
 
@@ -14,7 +16,55 @@ struct PrintedListing::Face : LabelFont {
     double width(const QString& text) const override { return font.width(text, LabelRun::fullPoints); }
     bool canPrint(char32_t character) const override { return font.has(character); }
 
+    // A text of characters that stand for themselves side by side is drawn from their glyphs, which are looked up once:
+    // shaping each of the thousands of texts of a long list takes three times as long. False where it is not so plain.
+    bool drawPlain(QPainter& painter, double dotsAnInch, const PageText& text) const {
+        QList<quint32> glyphs;
+        QList<QPointF> places;
+        double x = 0;
+        for (const QChar c : text.text) {
+            auto known = known_.constFind(c);
+            if (known == known_.cend())
+                known = known_.insert(c, look(c));
+            if (known->index == 0)
+                return false;
+            glyphs << known->index;
+            places << QPointF(x, 0);
+            x += known->advance;
+        }
+        QGlyphRun run;
+        run.setRawFont(raw_);
+        run.setGlyphIndexes(glyphs);
+        run.setPositions(places);
+        const double dots = dotsAnInch / 25.4;
+        const double size = text.points / 72 * dotsAnInch;
+        const double scale = size / raw_.pixelSize();
+        const QTransform corner = painter.transform();
+        painter.setTransform(QTransform(scale, 0, 0, scale, text.x * dots, text.top * dots + ascent_ * scale) * corner);
+        painter.drawGlyphRun(QPointF(), run);
+        painter.setTransform(corner);
+        return true;
+    }
+
     const PrintedFont font;
+
+  private:
+    struct Glyph {
+        quint32 index = 0; // 0: not plain
+        double advance = 0;
+    };
+    Glyph look(QChar c) const {
+        if (c.isSurrogate() || c.isMark() || c.category() == QChar::Other_Format)
+            return {};
+        const auto glyphs = raw_.glyphIndexesForString(c);
+        if (glyphs.size() != 1 || glyphs.front() == 0)
+            return {};
+        return {glyphs.front(), QFontMetricsF(font.font()).horizontalAdvance(c)};
+    }
+
+    const QRawFont raw_ = QRawFont::fromFont(font.font(), QFontDatabase::Japanese);
+    const double ascent_ = QFontMetricsF(font.font()).ascent();
+    mutable QHash<QChar, Glyph> known_;
 };
 
 PrintedListing::PrintedListing(Listing listing) : face_(std::make_unique<Face>()), pages_(std::move(listing), *face_) {}
@@ -42,7 +92,8 @@ void PrintedListing::paint(QPainter& painter, int page, double dotsAnInch) const
                          QColor::fromRgbF(float(area.grey), float(area.grey), float(area.grey)));
     face_->font.use(painter);
     for (const PageText& text : contents.texts)
-        face_->font.draw(painter, dotsAnInch, text.text, text.x, text.top, text.points);
+        if (!face_->drawPlain(painter, dotsAnInch, text))
+            face_->font.draw(painter, dotsAnInch, text.text, text.x, text.top, text.points);
 }
 
 QString PrintedListing::remark() const {

@@ -50,8 +50,8 @@ printing::Listing make(store::Database& database, const Wish& wish) {
     QString range = eras.year(wish.year) + QString::number(wish.month) + u'月';
     if (wish.day != 0)
         range += QString::number(wish.day) + u'日';
-    printing::Listing list{.title = u"祥月命日表"_s, .range = range, .lie = printing::Lie::upright};
-    list.type = printing::Type::large;
+    printing::Listing list{
+        .title = u"祥月命日表"_s, .range = range, .type = printing::Type::large, .lie = printing::Lie::across};
     using Row = const Remembered&;
     list.blocks = {tableOf<Remembered>(
         remembered,
