@@ -277,7 +277,7 @@ PrintedJob writePdf(const PrintedDocument& document, const QString& directory, c
                                                                           QDir::toNativeSeparators(path), words));
 }
 
-void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opener) {
+void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opener, std::vector<PreviewButton> offered) {
     const int pages = document->pages();
     auto* window = new QDialog(opener);
     window->setAttribute(Qt::WA_DeleteOnClose);
@@ -320,6 +320,12 @@ void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opene
     for (QWidget* widget : {static_cast<QWidget*>(previous), static_cast<QWidget*>(next), static_cast<QWidget*>(count)})
         buttons->addWidget(widget);
     buttons->addStretch(1);
+    for (PreviewButton& each : offered) {
+        QPushButton* made = button(each.name);
+        QObject::connect(made, &QPushButton::clicked, window,
+                         [window, pressed = std::move(each.pressed)] { pressed(window); });
+        buttons->addWidget(made);
+    }
     buttons->addWidget(close);
     whole->addLayout(buttons);
     window->resize(900, 700);

@@ -8,7 +8,9 @@
 #include <QHash>
 
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <vector>
 
 class QWidget;
 
@@ -29,8 +31,15 @@ PrintedJob printDocument(const PrintedDocument& document, QWidget* opener, QDate
 // name gets a number then. Throws PrintFailure; there is no file then.
 PrintedJob writePdf(const PrintedDocument& document, const QString& directory, const QString& name);
 
-// Shows it page by page in a window of the opener; nothing is printed or written. Returns at once.
-void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opener);
+struct PreviewButton {
+    QString name; // and caption
+    std::function<void(QWidget* window)> pressed;
+};
+
+// Shows it page by page in a window of the opener; nothing is printed or written, but by these buttons. Returns at
+// once.
+void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opener,
+                 std::vector<PreviewButton> buttons = {});
 
 // The one font of everything printed. Holds Japanese by itself, in Japanese forms.
 class PrintedFont {
