@@ -109,11 +109,23 @@ TEST_F(ReportsScreen, TellsAFileThatCannotBeWrittenAndWhatTheFontLacks) {
         QDate today() const override { return {2026, 11, 22}; }
         void open(const QString&, desk::Opening, std::function<void()>) override {}
         void close() override {}
-        std::unique_ptr<desk::Progress> progress(const QString&) override { return {}; }
+        struct Shown : desk::Progress {
+            bool advance(int, const QString&) override { return go; }
+            bool go;
+            explicit Shown(bool go) : go(go) {}
+        };
+        bool go = true;
+        std::unique_ptr<desk::Progress> progress(const QString&) override { return std::make_unique<Shown>(go); }
     } desk;
     printing::writeListing(printed, desk);
     EXPECT_EQ(desk.all.value(1), u"題: 印刷できない文字は〓にしました：\U0001F9FF"_s);
     desk.all.clear();
+    desk.go = false;
+    printing::writeListing(printed, desk);
+    EXPECT_EQ(desk.all, QStringList{u"題: 題の作成を中止しました。"_s});
+    EXPECT_EQ(QDir(directory.path()).entryList({u"*.pdf"_s}).size(), 1);
+    desk.all.clear();
+    desk.go = true;
     const QString registerPath = store::Database::registerPath();
     store::Database::setRegisterPath(path(u"nowhere/Hoshiren.mdb"_s));
     printing::writeListing(printed, desk);

@@ -93,6 +93,36 @@ std::array<std::vector<KanaLine>, 11> readKanaTabs() {
     return tabs;
 }
 
+printing::Listing kanaListing(QDate today) {
+    printing::ListingTable table;
+    table.columns = {{u"檀家NO"_s, desk::Align::right},
+                     {u"檀家名"_s},
+                     {u"ﾖﾐｶﾞﾅ"_s},
+                     {u"当主名"_s},
+                     {u"地区"_s},
+                     {u"住所"_s},
+                     {u"電話"_s},
+                     {u"備考"_s}};
+    std::size_t households = 0;
+    const auto tabs = readKanaTabs();
+    for (std::size_t tab = 0; tab < tabs.size(); ++tab) {
+        if (tabs[tab].empty())
+            continue;
+        printing::ListingGroup& group = table.groups.emplace_back();
+        group.heading = u"%1　%2件"_s.arg(kanaTabs()[tab].caption).arg(tabs[tab].size());
+        for (const KanaLine& line : tabs[tab]) {
+            QStringList& cells = group.rows.emplace_back(QStringList{QString::number(line.no1)});
+            cells.append(QStringList(line.texts.begin(), line.texts.end()));
+        }
+        households += tabs[tab].size();
+    }
+    return {.title = u"檀家一覧"_s,
+            .range = u"%1件"_s.arg(households),
+            .date = today.toString(u"yyyy年M月d日"_s),
+            .blocks = {std::move(table)},
+            .nothing = households == 0 ? u"印刷する行がありません。"_s : QString()};
+}
+
 void openChosen(const 檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk, const QString& screen) {
     context.G初期値();
     context.dnk_no1 = form.chosenNo;

@@ -2,7 +2,9 @@
 
 #include "desk/desk.h"
 #include "desk/screen_context.h"
+#include "printing/listing.h"
 
+#include <QDate>
 #include <QString>
 
 #include <array>
@@ -28,6 +30,9 @@ const std::array<KanaTab, 11>& kanaTabs();
 // The households of all eleven tabs as they stand in the file now, each tab ordered as a Japanese reader expects: by
 // reading, hiragana, katakana and half-width forms together; equal readings in number order.
 std::array<std::vector<KanaLine>, 11> readKanaTabs();
+
+// The same on paper, a group a tab.
+printing::Listing kanaListing(QDate today);
 
 struct 檀家一覧Form {
     // The household chosen last in any tab; 0 and empty until then.

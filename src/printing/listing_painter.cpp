@@ -7,6 +7,7 @@
 #include <QGlyphRun>
 #include <QPainter>
 #include <QRawFont>
+#include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
 
@@ -85,6 +86,8 @@ int PrintedListing::pages() const {
 }
 
 void PrintedListing::paint(QPainter& painter, int page, double dotsAnInch) const {
+    if (beforePage)
+        beforePage(page);
     const double dots = dotsAnInch / 25.4;
     const Page contents = pages_.page(page);
     for (const PageArea& area : contents.areas)
@@ -102,8 +105,23 @@ QString PrintedListing::remark() const {
 
 namespace {
 
-void tell(const PrintedListing& list, const PrintedJob& job, const QString& file, desk::Desk& desk) {
+// Hands the list over and tells what became of it; file: what is said of a file that it went into.
+void handOver(const PrintedListing& list, const QString& file, desk::Desk& desk,
+              const std::function<PrintedJob()>& way) {
     const QString& title = list.listing().title;
+    PrintedJob job;
+    try {
+        const auto progress = desk.progress(title);
+        const auto unwatched = qScopeGuard([&list] { list.beforePage = {}; });
+        list.beforePage = [&](int page) {
+            if (!progress->advance(page * 100 / list.pages(), u"%1 / %2 ページ"_s.arg(page + 1).arg(list.pages())))
+                throw PrintFailure(u"%1の作成を中止しました。"_s.arg(title));
+        };
+        job = way();
+    } catch (const PrintFailure& failure) {
+        desk.notify(failure.message, title);
+        return;
+    }
     if (!job.file.isEmpty())
         desk.notify(file + u'\n' + QDir::toNativeSeparators(job.file), title);
     if (!job.waiting.isEmpty())
@@ -115,24 +133,17 @@ void tell(const PrintedListing& list, const PrintedJob& job, const QString& file
 } // namespace
 
 void printListing(const PrintedListing& list, QWidget* opener, desk::Desk& desk) {
-    try {
-        tell(list, printDocument(list, opener, desk.today()),
-             u"プリンターがないため、%1をPDFファイルに書き出しました。"_s.arg(list.listing().title), desk);
-    } catch (const PrintFailure& failure) {
-        desk.notify(failure.message, list.listing().title);
-    }
+    const QString& title = list.listing().title;
+    handOver(list, u"プリンターがないため、%1をPDFファイルに書き出しました。"_s.arg(title), desk,
+             [&] { return printDocument(list, opener, desk.today()); });
 }
 
 void writeListing(const PrintedListing& list, desk::Desk& desk) {
-    try {
-        const QString& title = list.listing().title;
-        tell(list,
-             writePdf(list, QFileInfo(store::Database::registerPath()).path(),
-                      title + desk.today().toString(u"_yyyyMMdd"_s)),
-             u"%1をPDFファイルに書き出しました。"_s.arg(title), desk);
-    } catch (const PrintFailure& failure) {
-        desk.notify(failure.message, list.listing().title);
-    }
+    const QString& title = list.listing().title;
+    handOver(list, u"%1をPDFファイルに書き出しました。"_s.arg(title), desk, [&] {
+        return writePdf(list, QFileInfo(store::Database::registerPath()).path(),
+                        title + desk.today().toString(u"_yyyyMMdd"_s));
+    });
 }
 
 } // namespace printing

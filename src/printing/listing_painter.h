@@ -18,6 +18,9 @@ class PrintedListing : public PrintedDocument {
     void paint(QPainter& painter, int page, double dotsAnInch) const override;
     QString remark() const override; // of characters that stand as 〓
 
+    // Runs before each page is painted; what it throws ends the painting.
+    mutable std::function<void(int page)> beforePage = {};
+
   private:
     struct Face;
     const std::unique_ptr<Face> face_;
@@ -25,7 +28,8 @@ class PrintedListing : public PrintedDocument {
 };
 
 // Prints the list, or writes it as a PDF beside the register, and tells under its title what became of it: a refusal,
-// the file, why it waits at the printer, the characters that stand as 〓.
+// the file, why it waits at the printer, the characters that stand as 〓. A long list shows its progress and can be
+// stopped.
 void printListing(const PrintedListing& list, QWidget* opener, desk::Desk& desk);
 void writeListing(const PrintedListing& list, desk::Desk& desk);
 
