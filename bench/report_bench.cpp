@@ -57,7 +57,8 @@ void selectByHand(const std::string& path) {
                 "tblkak_mei_gname, tblkak_mei_gyy, tbldnk_no1, tbldnk_toshug FROM tbl_kakocho LEFT JOIN tbl_danka "
                 "ON tbldnk_no1 = tblkak_no AND tbldnk_no2 = 0 WHERE " +
                     died + " ORDER BY tblkak_dnknamek, tblkak_no, tblkak_zokunameg, tblkak_dnknameg") +
-        readAll(engine, "SELECT count(*), count(tblkak_mei_ymd) FROM tbl_kakocho WHERE tblkak_mei_ymd IS NULL OR "
+        readAll(engine, "SELECT count(*) FROM tbl_kakocho WHERE tblkak_mei_ymd IS NULL") +
+        readAll(engine, "SELECT count(*) FROM tbl_kakocho WHERE tblkak_mei_ymd IS NOT NULL AND "
                         "tblkak_mei_ymd IS NOT date(tblkak_mei_ymd, '+0 days')");
     sqlite3_close(engine);
     if (bytes == 0)
@@ -66,7 +67,7 @@ void selectByHand(const std::string& path) {
 
 printing::Listing anniversaries() {
     store::Database database;
-    return reports::reports().front().make(database, {.year = year, .today = QDate(2026, 11, 22)});
+    return reports::reports().front().make(database, {.year = year});
 }
 
 // The first lines of its table.

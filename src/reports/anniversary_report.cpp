@@ -11,8 +11,6 @@ using memorials::Unit;
 
 namespace reports {
 
-Report 年回表();
-
 namespace {
 
 constexpr int byAnniversary = 0;

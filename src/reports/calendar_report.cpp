@@ -11,8 +11,6 @@ using namespace Qt::StringLiterals;
 
 namespace reports {
 
-Report 法要予定表();
-
 namespace {
 
 struct Booking {
@@ -88,6 +86,8 @@ printing::Listing make(store::Database& database, const Wish& wish) {
              }}));
     note(list, u"檀家情報を取得出来ない法要：%1件（TELは空欄です。DBの整合性を確認して下さい。）"_s,
          std::ranges::count_if(bookings, [](Row booking) { return !booking.household; }));
+    note(list, u"予約日を読み取れない法要：%1件（この表には載っていません。DBの整合性を確認して下さい。）"_s,
+         unreadableDates(database, "tbl_hohyo", "tblhoy_kaiki_rymd"));
     return list;
 }
 

@@ -8,8 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace reports {
 
-Report 祥月命日表();
-
 namespace {
 
 struct Remembered {

@@ -7,16 +7,14 @@ using namespace Qt::StringLiterals;
 
 namespace reports {
 
-std::string deceasedSql(const std::string& condition) {
-    return "SELECT tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_kaimyoug, tblkak_mei_ymd, tblkak_mei_gname, "
-           "tblkak_mei_gyy, tbldnk_no1, tbldnk_toshug FROM tbl_kakocho LEFT JOIN tbl_danka ON " +
-           store::householdSql<store::tbl_kakocho>() + " WHERE " + condition +
-           " ORDER BY tblkak_dnknamek, tblkak_no, tblkak_zokunameg, tblkak_dnknameg;";
-}
-
 std::vector<Deceased> selectDeceased(store::Database& database, EraForms& eras, const std::string& condition,
                                      const QStringList& values) {
-    SQLite::Statement rows(database.engine(), deceasedSql(condition));
+    SQLite::Statement rows(
+        database.engine(),
+        "SELECT tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_kaimyoug, tblkak_mei_ymd, tblkak_mei_gname, "
+        "tblkak_mei_gyy, tbldnk_no1, tbldnk_toshug FROM tbl_kakocho LEFT JOIN tbl_danka ON " +
+            store::householdSql<store::tbl_kakocho>() + " WHERE " + condition +
+            " ORDER BY tblkak_dnknamek, tblkak_no, tblkak_zokunameg, tblkak_dnknameg;");
     int bound = 0;
     for (const QString& value : values)
         store::bindValue(rows, ++bound, value);
@@ -43,14 +41,11 @@ std::vector<Deceased> selectDeceased(store::Database& database, EraForms& eras, 
 }
 
 void noteDeceased(printing::Listing& list, store::Database& database, qint64 withoutHousehold) {
-    SQLite::Statement undated(database.engine(),
-                              "SELECT count(*), count(tblkak_mei_ymd) FROM tbl_kakocho "
-                              "WHERE tblkak_mei_ymd IS NULL OR tblkak_mei_ymd IS NOT date(tblkak_mei_ymd, '+0 days');");
+    SQLite::Statement undated(database.engine(), "SELECT count(*) FROM tbl_kakocho WHERE tblkak_mei_ymd IS NULL;");
     undated.executeStep();
-    const qint64 unreadable = undated.getColumn(1).getInt64();
-    note(list, u"命日が登録されていない方：%1名（この表には載っていません。）"_s,
-         undated.getColumn(0).getInt64() - unreadable);
-    note(list, u"命日を読み取れない方：%1名（この表には載っていません。DBの整合性を確認して下さい。）"_s, unreadable);
+    note(list, u"命日が登録されていない方：%1名（この表には載っていません。）"_s, undated.getColumn(0).getInt64());
+    note(list, u"命日を読み取れない方：%1名（この表には載っていません。DBの整合性を確認して下さい。）"_s,
+         unreadableDates(database, "tbl_kakocho", "tblkak_mei_ymd"));
     note(list, u"檀家情報を取得出来ない方：%1名（当主は空欄です。DBの整合性を確認して下さい。）"_s, withoutHousehold);
 }
 

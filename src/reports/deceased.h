@@ -25,8 +25,6 @@ struct Deceased {
 // household's kana and number, then by secular name.
 std::vector<Deceased> selectDeceased(store::Database& database, EraForms& eras, const std::string& condition,
                                      const QStringList& values);
-// The statement that this runs, for measurements.
-std::string deceasedSql(const std::string& condition);
 
 // Notes of what the list cannot show: entries without a date of death or with one that is none, and of those it shows
 // (each once) the ones whose household cannot be found.

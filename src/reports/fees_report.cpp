@@ -10,8 +10,6 @@ using namespace Qt::StringLiterals;
 
 namespace reports {
 
-Report 管理費請求一覧();
-
 namespace {
 
 struct Bill {
@@ -82,6 +80,8 @@ printing::Listing make(store::Database& database, const Wish& wish) {
          std::ranges::count_if(bills, [](Row bill) { return !bill.household; }));
     note(list, u"廃棄済みで請求日が残っているお墓：%1件（この表には載っていません。）"_s,
          std::ranges::count_if(graves, store::isDisposed));
+    note(list, u"次回請求日を読み取れないお墓：%1件（この表には載っていません。DBの整合性を確認して下さい。）"_s,
+         unreadableDates(database, "tbl_ohaka", "tblhak_kanri_nxymd"));
     if (bills.empty())
         list.nothing = range + u"に管理費を請求するお墓はありません。"_s;
     return list;

@@ -13,8 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace reports {
 
-Report お墓台帳();
-
 namespace {
 
 struct Grave {

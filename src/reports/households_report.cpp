@@ -13,8 +13,6 @@ using namespace Qt::StringLiterals;
 
 namespace reports {
 
-Report 檀家名簿();
-
 namespace {
 
 enum Kind { byKana, byDistrict, byKanaWithFamilies, byDistrictWithFamilies };

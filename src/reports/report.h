@@ -21,7 +21,6 @@ struct Wish {
     int month = 0; // 1 to 12
     int day = 0;   // 1 to 31
     int kind = 0;  // of the report's kinds, from 0
-    QDate today = {};
 };
 
 enum class Box { unused, optional, needed };
@@ -113,6 +112,9 @@ printing::ListingTable tableOf(const std::vector<Row>& rows, const std::vector<C
         table.sums = {sums};
     return table;
 }
+
+// How many rows of a table bear a date that is none.
+qint64 unreadableDates(store::Database& database, const std::string& table, const std::string& column);
 
 // A note that tells how many there are; nothing where there are none. "%1" stands for the number.
 inline void note(printing::Listing& list, const QString& text, qint64 count) {

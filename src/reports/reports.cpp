@@ -11,6 +11,14 @@ namespace reports {
 
 HOSHIREN_REPORTS(HOSHIREN_DECLARED)
 
+qint64 unreadableDates(store::Database& database, const std::string& table, const std::string& column) {
+    SQLite::Statement count(database.engine(), "SELECT count(*) FROM " + table + " WHERE " + column +
+                                                   " IS NOT NULL AND " + column + " IS NOT date(" + column +
+                                                   ", '+0 days');");
+    count.executeStep();
+    return count.getColumn(0).getInt64();
+}
+
 const std::vector<Report>& reports() {
     static const std::vector<Report> all{HOSHIREN_REPORTS(HOSHIREN_LISTED)};
     return all;

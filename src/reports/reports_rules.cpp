@@ -63,7 +63,6 @@ void openReports(帳票Form& form, desk::ScreenContext& context, desk::Desk& des
     for (const Report& report : reports())
         form.帳票種類.items << report.title;
     form.帳票種類.text = form.帳票種類.items.front();
-    form.帳票種類.moveToFront();
     chooseReport(form, context, desk);
 }
 
@@ -92,8 +91,7 @@ std::optional<printing::Listing> makeReport(帳票Form& form, desk::Desk& desk) 
         return {};
     const int kind = static_cast<int>(std::max<qsizetype>(0, report.kinds.indexOf(form.帳票区分.text)));
     store::Database database;
-    printing::Listing list =
-        report.make(database, {.year = *asked, .month = *month, .day = *day, .kind = kind, .today = desk.today()});
+    printing::Listing list = report.make(database, {.year = *asked, .month = *month, .day = *day, .kind = kind});
     list.date = EraForms(database).date(desk.today()) + u"現在"_s;
     return list;
 }
