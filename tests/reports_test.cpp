@@ -109,8 +109,8 @@ TEST_F(Reports, TellWhatIsMissing) {
     const Listing old = made(u"年回表"_s, {.year = 1802});
     EXPECT_EQ(linesOf(old), (QStringList{u"300回忌　1名"_s, u"3月1日|釈昔|昔|1503年3月1日|山（9）|"_s}));
     EXPECT_EQ(old.notes,
-              QStringList{u"命日を読み取れない方：1名（この表には載っていません。DBの整合性を確認して下さい。）"_s,
-                          u"檀家情報を取得出来ない方：1名（当主は空欄です。DBの整合性を確認して下さい。）"_s});
+              (QStringList{u"命日を読み取れない方：1名（この表には載っていません。DBの整合性を確認して下さい。）"_s,
+                           u"檀家情報を取得出来ない方：1名（当主は空欄です。DBの整合性を確認して下さい。）"_s}));
     const struct {
         QString title;
         reports::Wish wish;
