@@ -93,28 +93,53 @@ std::array<std::vector<KanaLine>, 11> readKanaTabs() {
     return tabs;
 }
 
-printing::Listing kanaListing(QDate today) {
+const std::vector<desk::ListColumn<KanaLine>>& kanaColumns() {
+    using Line = const KanaLine&;
+    static const std::vector<desk::ListColumn<KanaLine>> columns{
+        {u"檀家NO"_s, 800, [](Line line) { return QString::number(line.no1); }, desk::Align::right, desk::Align::right},
+        {u"檀家名"_s, 1400, [](Line line) { return line.texts[0]; }},
+        {QString(), 1600, [](Line line) { return line.texts[1]; }},
+        {u"当主名"_s, 1800, [](Line line) { return line.texts[2]; }},
+        {u"地区"_s, 1200, [](Line line) { return line.texts[3]; }},
+        {u"住所"_s, 3000, [](Line line) { return line.texts[4]; }},
+        {u"電話"_s, 1600, [](Line line) { return line.texts[5]; }},
+        {u"備考"_s, 2600, [](Line line) { return line.texts[6]; }}};
+    return columns;
+}
+
+void openKanaList(檀家一覧Form& form, desk::ScreenContext&, desk::Desk&) {
+    form.tabs = readKanaTabs();
+}
+
+void chooseHousehold(檀家一覧Form& form, std::size_t tab, int row, desk::Desk& desk) {
+    const std::vector<KanaLine>& lines = form.tabs[tab];
+    if (row < 1 || row > static_cast<int>(lines.size())) {
+        desk.notify(u"選択位置が有効でありません。"_s, u"檀家一覧"_s);
+        return;
+    }
+    const KanaLine& line = lines[static_cast<std::size_t>(row - 1)];
+    form.chosenNo = line.no1;
+    form.chosenName = line.texts[0];
+    form.chosenTab = tab;
+    form.chosenRow = row;
+}
+
+printing::Listing kanaListing(const 檀家一覧Form& form, QDate today) {
     printing::ListingTable table;
-    table.columns = {{u"檀家NO"_s, desk::Align::right},
-                     {u"檀家名"_s},
-                     {u"ﾖﾐｶﾞﾅ"_s},
-                     {u"当主名"_s},
-                     {u"地区"_s},
-                     {u"住所"_s},
-                     {u"電話"_s},
-                     {u"備考"_s}};
+    for (const auto& column : kanaColumns())
+        table.columns.push_back({column.header.isEmpty() ? u"ﾖﾐｶﾞﾅ"_s : column.header, column.align});
     std::size_t households = 0;
-    const auto tabs = readKanaTabs();
-    for (std::size_t tab = 0; tab < tabs.size(); ++tab) {
-        if (tabs[tab].empty())
+    for (std::size_t tab = 0; tab < form.tabs.size(); ++tab) {
+        if (form.tabs[tab].empty())
             continue;
         printing::ListingGroup& group = table.groups.emplace_back();
-        group.heading = u"%1　%2件"_s.arg(kanaTabs()[tab].caption).arg(tabs[tab].size());
-        for (const KanaLine& line : tabs[tab]) {
-            QStringList& cells = group.rows.emplace_back(QStringList{QString::number(line.no1)});
-            cells.append(QStringList(line.texts.begin(), line.texts.end()));
+        group.heading = u"%1　%2件"_s.arg(kanaTabs()[tab].caption).arg(form.tabs[tab].size());
+        for (const KanaLine& line : form.tabs[tab]) {
+            QStringList& cells = group.rows.emplace_back();
+            for (const auto& column : kanaColumns())
+                cells << column.cell(line);
         }
-        households += tabs[tab].size();
+        households += form.tabs[tab].size();
     }
     return {.title = u"檀家一覧"_s,
             .range = u"%1件"_s.arg(households),
