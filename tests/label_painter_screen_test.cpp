@@ -1,10 +1,9 @@
 #include "printing/label_painter.h"
+#include "support/pdf_words.h"
 
 #include <QDialog>
 #include <QLabel>
-#include <QProcess>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -13,36 +12,6 @@ using namespace Qt::StringLiterals;
 using printing::LabelAddress;
 
 namespace {
-
-// A piece of text of a PDF where poppler finds it, in millimetres from the top left corner of its sheet.
-struct Word {
-    int page;
-    double left;
-    double top;
-    double right;
-    QString text;
-};
-
-std::vector<Word> wordsOf(const QString& pdf) {
-    QProcess reader;
-    reader.start(u"pdftotext"_s, {u"-bbox"_s, pdf, u"-"_s});
-    EXPECT_TRUE(reader.waitForFinished()) << "pdftotext (poppler-utils) is needed";
-    const QString output = QString::fromUtf8(reader.readAllStandardOutput());
-    static const QRegularExpression element(
-        u"<page|<word xMin=\"([^\"]*)\" yMin=\"([^\"]*)\" xMax=\"([^\"]*)\"[^>]*>([^<]*)"_s);
-    const auto millimetres = [](const QString& points) { return points.toDouble() / 72 * 25.4; };
-    std::vector<Word> words;
-    int page = 0;
-    for (auto found = element.globalMatch(output); found.hasNext();) {
-        const auto match = found.next();
-        if (match.captured(1).isEmpty())
-            ++page;
-        else
-            words.push_back({page, millimetres(match.captured(1)), millimetres(match.captured(2)),
-                             millimetres(match.captured(3)), match.captured(4)});
-    }
-    return words;
-}
 
 class LabelPainter : public ::testing::Test {
   protected:

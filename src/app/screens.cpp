@@ -9,6 +9,7 @@
 #include "households/succession_screen.h"
 #include "masters/master_screen.h"
 #include "memorials/memorial_screens.h"
+#include "reports/reports_screen.h"
 #include "transfer/transfer_screen.h"
 
 using namespace Qt::StringLiterals;
@@ -48,6 +49,8 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"法要個"_s, memorials::法要個},
         {u"法要檀"_s, memorials::法要檀},
         {u"法要通"_s, memorials::法要通},
+
+        {u"帳票"_s, reports::帳票},
     };
     // clang-format on
 }

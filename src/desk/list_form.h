@@ -35,12 +35,19 @@ struct AnyList {
     // The cells of all rows of the list from its start on, not of one page, under the columns of the grid. A message
     // that concerns several rows is told once.
     virtual std::vector<QStringList> allRows(Desk& desk) const = 0;
+    // What is listed, as its printed form tells it: a household, a section, a range of days.
+    virtual QString range() const { return {}; }
 
   protected:
     AnyList() = default;
     AnyList(const AnyList&) = default;
     AnyList& operator=(const AnyList&) = default;
 };
+
+// How a list of one household is headed on paper: 山田（3）.
+inline QString householdRange(const QString& name, int number) {
+    return name + QStringLiteral("（%1）").arg(number);
+}
 
 // Tells each message once; everything else is the other desk's.
 class TellingOnce : public Desk {

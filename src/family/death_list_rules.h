@@ -16,6 +16,7 @@ struct 過去一Form : HouseholdBoxes, desk::ListForm<DeathLine, Position> {
     QDate today; // when the screen was opened; memorials on that day are past
 
     過去一Form();
+    QString range() const override { return desk::householdRange(household.dnk_nameg, household.dnk_no1); }
 
   protected:
     bool read(const Position& from, const Take& take) const override;

@@ -15,6 +15,7 @@ struct FamilyLine {
 
 struct 家族一Form : HouseholdBoxes, desk::ListForm<FamilyLine, Position> {
     家族一Form();
+    QString range() const override { return desk::householdRange(household.dnk_nameg, household.dnk_no1); }
 
   protected:
     bool read(const Position& from, const Take& take) const override;

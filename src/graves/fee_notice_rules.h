@@ -2,6 +2,7 @@
 
 #include "graves/grave_list_rules.h"
 #include "printing/label_printer.h"
+#include "values/dates.h"
 
 #include <QDate>
 
@@ -21,6 +22,7 @@ struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
     QDate to;
 
     お墓通Form();
+    QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
     void goOn(desk::Desk& desk) override;
 
   protected:

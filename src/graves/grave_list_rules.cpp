@@ -26,6 +26,10 @@ void CMB区画(store::Database& database, desk::Combo& list) {
         list.items.append(QString::fromUtf8(sections.getColumn(0).getText()));
 }
 
+QString sectionRange(const PlaceKey& start) {
+    return u"区画 "_s + start.section;
+}
+
 PlaceKey placeOf(const store::tbl_ohaka& grave) {
     return {grave.tblhak_banchi1, grave.tblhak_banchi2};
 }

@@ -21,6 +21,8 @@ struct PlaceKey {
 };
 
 PlaceKey placeOf(const store::tbl_ohaka& grave);
+// How a list of a section's graves is headed on paper.
+QString sectionRange(const PlaceKey& start);
 
 // Hands over the graves of the key's section, in the order of their lots, from the key's lot on; no grave at or after
 // it: false.
@@ -52,6 +54,7 @@ struct お墓一Form : desk::ListForm<ListedGrave, PlaceKey> {
     desk::Combo frm21_block;
 
     お墓一Form();
+    QString range() const override { return sectionRange(list.start()); }
 
   protected:
     bool read(const PlaceKey& from, const Take& take) const override;

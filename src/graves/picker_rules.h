@@ -23,6 +23,7 @@ struct 紐区画Form : PickerList<PlaceKey> {
     desk::Combo frm21_block;
 
     紐区画Form();
+    QString range() const override { return sectionRange(list.start()); }
 
   protected:
     bool read(const PlaceKey& from, const Take& take) const override;

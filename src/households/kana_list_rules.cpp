@@ -124,6 +124,30 @@ void chooseHousehold(檀家一覧Form& form, std::size_t tab, int row, desk::Des
     form.chosenRow = row;
 }
 
+printing::Listing kanaListing(const 檀家一覧Form& form, QDate today) {
+    printing::ListingTable table;
+    for (const auto& column : kanaColumns())
+        table.columns.push_back({column.header.isEmpty() ? u"ﾖﾐｶﾞﾅ"_s : column.header, column.align});
+    std::size_t households = 0;
+    for (std::size_t tab = 0; tab < form.tabs.size(); ++tab) {
+        if (form.tabs[tab].empty())
+            continue;
+        printing::ListingGroup& group = table.groups.emplace_back();
+        group.heading = u"%1　%2件"_s.arg(kanaTabs()[tab].caption).arg(form.tabs[tab].size());
+        for (const KanaLine& line : form.tabs[tab]) {
+            QStringList& cells = group.rows.emplace_back();
+            for (const auto& column : kanaColumns())
+                cells << column.cell(line);
+        }
+        households += form.tabs[tab].size();
+    }
+    return {.title = u"檀家一覧"_s,
+            .range = u"%1件"_s.arg(households),
+            .date = today.toString(u"yyyy年M月d日"_s),
+            .blocks = {std::move(table)},
+            .nothing = households == 0 ? u"印刷する行がありません。"_s : QString()};
+}
+
 void openChosen(const 檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk, const QString& screen) {
     context.G初期値();
     context.dnk_no1 = form.chosenNo;

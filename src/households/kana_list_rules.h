@@ -3,7 +3,9 @@
 #include "desk/desk.h"
 #include "desk/paging_list.h"
 #include "desk/screen_context.h"
+#include "printing/listing.h"
 
+#include <QDate>
 #include <QString>
 
 #include <array>
@@ -45,6 +47,9 @@ struct 檀家一覧Form {
 void openKanaList(檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // A click into a tab. Beside its rows it is told under the title 檀家一覧, and the choice stays.
 void chooseHousehold(檀家一覧Form& form, std::size_t tab, int row, desk::Desk& desk);
+
+// All tabs on paper, each a group.
+printing::Listing kanaListing(const 檀家一覧Form& form, QDate today);
 
 // A button of the list: clears the context, sets the chosen household and opens the screen.
 void openChosen(const 檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk, const QString& screen);

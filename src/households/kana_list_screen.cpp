@@ -3,6 +3,7 @@
 #include "households/kana_list_rules.h"
 #include "ui/layout.h"
 #include "ui/plain_text.h"
+#include "ui/printed_list.h"
 #include "ui/row_table.h"
 
 #include <QLabel>
@@ -98,6 +99,9 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
         .action(u"家族一欄"_s, u"家族一欄"_s, opener(u"家族一"_s))
         .action(u"過去帳"_s, u"過去帳"_s, opener(u"過去一"_s))
         .action(u"法要照会"_s, u"法要記録"_s, opener(u"法要檀"_s))
+        .gap()
+        .action(u"印刷"_s, u"印刷"_s,
+                [raw] { ui::previewListing(*raw, kanaListing(raw->form(), raw->desk().today())); })
         .closing()
         .finish();
     screen->onOpen(screen->run(openKanaList));

@@ -25,6 +25,7 @@ struct 法要個Form : desk::WholeList {
     bool handedOver = false; // shows the boxes of another screen
 
     void click(desk::ScreenContext& context, desk::Desk& desk) override;
+    QString range() const override { return frm21_dankag.text + u'　' + frm21_zoknameg.text; }
 };
 
 // The operations of the list of one deceased's memorials (dnk_no1, dnk_nameg, kak_zokunameg), all in one grid. Messages

@@ -33,7 +33,9 @@ std::unique_ptr<ui::Screen> 法要個(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
     const ui::Operation open = screen->run(openDeceasedMemorial);
     ui::addList(layout, *screen, form, open);
-    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing().finish();
+    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).gap();
+    ui::addPrinting(layout, *screen, form);
+    layout.closing().finish();
     screen->onOpen(screen->run(openDeceasedMemorials));
     screen->shows({.asked = askedDeceased, .load = screen->run(openDeceasedMemorials)});
     return screen;

@@ -17,6 +17,7 @@ struct 法要檀Form : desk::ListForm<ListedMemorial, QDate> { // by scheduled d
     desk::HouseholdBlock household; // whose memorials these are
 
     法要檀Form();
+    QString range() const override { return desk::householdRange(household.dnk_nameg, household.dnk_no1); }
 
   protected:
     bool read(const QDate& from, const Take& take) const override;

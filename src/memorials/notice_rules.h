@@ -2,6 +2,7 @@
 
 #include "memorials/listed_memorial.h"
 #include "printing/label_printer.h"
+#include "values/dates.h"
 
 #include <QDate>
 
@@ -22,6 +23,7 @@ struct 法要通Form : desk::ListForm<ListedMemorial, NoticeKey> {
     QDate to;
 
     法要通Form();
+    QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
 
   protected:
     // By day, name and number.

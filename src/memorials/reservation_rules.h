@@ -1,6 +1,7 @@
 #pragma once
 
 #include "memorials/listed_memorial.h"
+#include "values/dates.h"
 
 #include <QDate>
 
@@ -22,6 +23,7 @@ struct 法要一Form : desk::ListForm<ListedMemorial, ReservationKey> {
     QDate to;
 
     法要一Form();
+    QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
     // The page is filled again from the current position.
     void goOn(desk::Desk& desk) override { refill(desk); }
 

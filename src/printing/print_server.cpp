@@ -3,9 +3,11 @@
 #include <QStringList>
 
 #include <cups/cups.h>
+#include <cups/pwg.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -16,8 +18,6 @@ using namespace std::chrono_literals;
 namespace printing {
 namespace {
 
-// ASCII: some servers hand a title on in the code page of the printer.
-constexpr auto jobTitle = "Hoshiren labels";
 constexpr auto connecting = 10s;
 // Who waits gives up long before. So long this side tries to take the job back then.
 constexpr auto lingering = 60s;
@@ -41,7 +41,7 @@ Refusal lastRefusal() {
     return {cupsLastError(), QString::fromUtf8(cupsLastErrorString())};
 }
 
-QString inJapanese(ipp_status_t status) {
+QString inJapanese(ipp_status_t status, const DocumentFacts& facts) {
     switch (status) {
     case IPP_STATUS_ERROR_NOT_ACCEPTING_JOBS:
     case IPP_STATUS_ERROR_PRINTER_IS_DEACTIVATED:
@@ -58,7 +58,7 @@ QString inJapanese(ipp_status_t status) {
         return u"このプリンターはPDFを印刷できません。"_s;
     case IPP_STATUS_ERROR_REQUEST_ENTITY:
     case IPP_STATUS_ERROR_REQUEST_VALUE:
-        return u"印刷サーバーが宛名を受け取り切れません。ディスクの空きを確認して下さい。"_s;
+        return u"印刷サーバーが%1を受け取り切れません。ディスクの空きを確認して下さい。"_s.arg(facts.noun);
     case IPP_STATUS_ERROR_BUSY:
     case IPP_STATUS_ERROR_TEMPORARY:
     case IPP_STATUS_ERROR_TOO_MANY_JOBS:
@@ -72,19 +72,18 @@ QString inBrackets(const QString& words) {
     return words.isEmpty() ? words : u"（"_s + words + u"）"_s;
 }
 
-QString reasonOf(const Refusal& refusal) {
-    return inJapanese(refusal.status) + inBrackets(refusal.words);
+QString reasonOf(const Refusal& refusal, const DocumentFacts& facts) {
+    return inJapanese(refusal.status, facts) + inBrackets(refusal.words);
 }
 
-QString cannotPrint(const Queue& queue, const QString& reason) {
-    return u"プリンター「%1」に印刷できません。プリンターの状態を確認して下さい。\n理由：%2\n何も記録していません。"_s
-        .arg(queue.description, reason);
+QString cannotPrint(const Queue& queue, const QString& reason, const DocumentFacts& facts) {
+    return facts.failure(u"プリンター「%1」に印刷できません。プリンターの状態を確認して下さい。\n理由：%2"_s.arg(
+        queue.description, reason));
 }
 
-PrintFailure cannotAsk(const QString& reason) {
-    return PrintFailure(
-        u"印刷サーバーに問い合わせできません。パソコンの印刷の設定を確認して下さい。\n理由：%1\n何も記録していません。"_s
-            .arg(reason));
+PrintFailure cannotAsk(const QString& reason, const DocumentFacts& facts) {
+    return PrintFailure(facts.failure(
+        u"印刷サーバーに問い合わせできません。パソコンの印刷の設定を確認して下さい。\n理由：%1"_s.arg(reason)));
 }
 
 const QString brokenOff = u"印刷サーバーとの接続が切れました。"_s;
@@ -185,10 +184,18 @@ bool succeeded(const Message& answer) {
     return answer && ippGetStatusCode(answer.get()) < IPP_STATUS_REDIRECTION_OTHER_SITE;
 }
 
-// Only what the labels need: a queue's own defaults for all of this would move them.
-void addOptions(const Message& message) {
+// As printers know a size of paper: iso_a4_210x297mm; custom_... where it has no name of its own.
+QByteArray mediaOf(const Paper& paper) {
+    const auto hundredths = [](double millimetres) { return static_cast<int>(std::lround(millimetres * 100)); };
+    const pwg_media_t* media = pwgMediaForSize(hundredths(paper.width), hundredths(paper.height));
+    return media && media->pwg ? media->pwg : "iso_a4_210x297mm";
+}
+
+// What lays every page on its paper as it is: a queue's own defaults for all of this would move it. The page comes
+// upright, whichever way it is read.
+void addOptions(const Message& message, const Paper& paper) {
     ipp_t* job = message.get();
-    addText(message, IPP_TAG_JOB, IPP_TAG_KEYWORD, "media", "iso_a4_210x297mm");
+    addText(message, IPP_TAG_JOB, IPP_TAG_KEYWORD, "media", mediaOf(paper));
     addText(message, IPP_TAG_JOB, IPP_TAG_KEYWORD, "print-scaling", "none");
     ippAddBoolean(job, IPP_TAG_JOB, "fit-to-page", 0);
     ippAddInteger(job, IPP_TAG_JOB, IPP_TAG_INTEGER, "number-up", 1);
@@ -236,8 +243,8 @@ QString troubleOf(const QStringList& reasons) {
 // One job on its way. Asks on a new connection when the last one broke.
 class Job {
   public:
-    Job(const Queue& queue, const QByteArray& pdf, Conversation& conversation)
-        : queue_(queue), pdf_(pdf), conversation_(conversation), server_(std::in_place, conversation) {}
+    Job(const Queue& queue, const DocumentFacts& facts, const QByteArray& pdf, Conversation& conversation)
+        : queue_(queue), facts_(facts), pdf_(pdf), conversation_(conversation), server_(std::in_place, conversation) {}
 
     QString print() {
         create();
@@ -250,15 +257,15 @@ class Job {
         } catch (const PrintFailure& told) {
             conversation_.heard(); // from now on it is time for this
             server_.emplace(conversation_, true);
-            // Where the server answers, no label will come any more.
+            // Where the server answers, no sheet will come any more.
             if (!ask(requestFor(IPP_OP_CANCEL_JOB, queue_, job_), "/jobs/") && conversation_.wasSent())
-                throw PrintFailure(told.message + u'\n' + remarkOnLateLabels());
+                throw PrintFailure(told.message + u'\n' + remarkOnLateSheets(facts_));
             throw;
         }
     }
 
   private:
-    PrintFailure failure(const QString& reason) const { return PrintFailure(cannotPrint(queue_, reason)); }
+    PrintFailure failure(const QString& reason) const { return PrintFailure(cannotPrint(queue_, reason, facts_)); }
 
     // Null when the server does not answer.
     Message ask(Message request, const QByteArray& path) {
@@ -273,17 +280,17 @@ class Job {
     // Makes the job, still without its document: it prints nothing, and the server drops it when none comes.
     void create() {
         Message request = requestFor(IPP_OP_CREATE_JOB, queue_);
-        addText(request, IPP_TAG_OPERATION, IPP_TAG_NAME, "job-name", jobTitle);
-        addOptions(request);
+        addText(request, IPP_TAG_OPERATION, IPP_TAG_NAME, "job-name", facts_.jobTitle);
+        addOptions(request, facts_.paper);
         const Message answer = ask(std::move(request), pathOf(queue_));
         if (!answer)
-            throw failure(reasonOf(lastRefusal()));
+            throw failure(reasonOf(lastRefusal(), facts_));
         if (!succeeded(answer))
-            throw QueueRefused(cannotPrint(queue_, reasonOf(lastRefusal())));
+            throw QueueRefused(cannotPrint(queue_, reasonOf(lastRefusal(), facts_), facts_));
         job_ = numberOf(answer, "job-id").value_or(0);
         // Without a number the next requests would mean whatever the queue prints at the time.
         if (job_ <= 0)
-            throw failure(inJapanese(IPP_STATUS_ERROR_INTERNAL));
+            throw failure(inJapanese(IPP_STATUS_ERROR_INTERNAL, facts_));
     }
 
     void send() {
@@ -315,7 +322,7 @@ class Job {
         if (status == HTTP_STATUS_REQUEST_TOO_LARGE) // the server's disk is full, or its limit reached
             refusal.status = IPP_STATUS_ERROR_REQUEST_ENTITY;
         if (answer || status >= HTTP_STATUS_BAD_REQUEST)
-            throw failure(reasonOf(refusal));
+            throw failure(reasonOf(refusal, facts_));
         if (!conversation_.wasSent())
             throw failure(brokenOff);
         // The answer is lost, not the document: the job's state tells whether it is there.
@@ -342,7 +349,7 @@ class Job {
                 // Some servers forget a job once it is printed.
                 if (begun)
                     return {};
-                throw failure(u"宛名が印刷サーバーから消えました。"_s);
+                throw failure(u"%1が印刷サーバーから消えました。"_s.arg(facts_.noun));
             }
             const int state = numberOf(job, "job-state").value_or(0);
             if (state == IPP_JSTATE_CANCELED || state == IPP_JSTATE_ABORTED)
@@ -397,6 +404,7 @@ class Job {
     }
 
     const Queue& queue_;
+    const DocumentFacts& facts_;
     const QByteArray& pdf_;
     Conversation& conversation_;
     std::optional<Server> server_;
@@ -405,18 +413,18 @@ class Job {
 
 } // namespace
 
-QString remarkOnLateLabels() {
-    return u"後から宛名が出てきたときは、それを捨てて、もう一度印刷して下さい。"_s;
+QString remarkOnLateSheets(const DocumentFacts& facts) {
+    return u"後から%1が出てきたときは、それを捨てて、もう一度印刷して下さい。"_s.arg(facts.noun);
 }
 
-std::vector<Queue> queuesOfServer(Conversation& conversation) {
+std::vector<Queue> queuesOfServer(const DocumentFacts& facts, Conversation& conversation) {
     const auto start = std::chrono::steady_clock::now();
     Server server(conversation);
     if (!server.connected()) {
         const bool refusedAtOnce = std::chrono::steady_clock::now() - start < connecting / 2;
         if (serverIsLocal() && refusedAtOnce)
             return {};
-        throw cannotAsk(u"「%1」につながりません。"_s.arg(QString::fromUtf8(cupsServer())));
+        throw cannotAsk(u"「%1」につながりません。"_s.arg(QString::fromUtf8(cupsServer())), facts);
     }
     static constexpr std::array asked{"printer-name", "printer-info", "printer-uri-supported",
                                       "printer-is-accepting-jobs"};
@@ -430,7 +438,7 @@ std::vector<Queue> queuesOfServer(Conversation& conversation) {
     if (answer && ippGetStatusCode(answer.get()) == IPP_STATUS_ERROR_NOT_FOUND)
         return {};
     if (!succeeded(answer))
-        throw cannotAsk(reasonOf(lastRefusal()));
+        throw cannotAsk(reasonOf(lastRefusal(), facts), facts);
 
     std::vector<Queue> queues;
     bool within = false;
@@ -463,8 +471,9 @@ std::vector<Queue> queuesOfServer(Conversation& conversation) {
     return queues;
 }
 
-QString printOnQueue(const Queue& queue, const QByteArray& pdf, Conversation& conversation) {
-    return Job(queue, pdf, conversation).print();
+QString printOnQueue(const Queue& queue, const DocumentFacts& facts, const QByteArray& pdf,
+                     Conversation& conversation) {
+    return Job(queue, facts, pdf, conversation).print();
 }
 
 } // namespace printing

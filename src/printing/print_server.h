@@ -1,6 +1,6 @@
 #pragma once
 
-#include "printing/label_printer.h"
+#include "printing/printed_document.h"
 
 #include <QByteArray>
 #include <QString>
@@ -60,18 +60,19 @@ class QueueRefused : public PrintFailure {
 };
 
 // What is said when something went wrong after the document had left.
-QString remarkOnLateLabels();
+QString remarkOnLateSheets(const DocumentFacts& facts);
 
 // The two questions below speak to the print server that libcups finds and block until it has answered: they are for a
 // thread of its own. They throw PrintFailure with the server's reason.
 
 // The queues that print; none where no print server runs.
-std::vector<Queue> queuesOfServer(Conversation& conversation);
+std::vector<Queue> queuesOfServer(const DocumentFacts& facts, Conversation& conversation);
 
-// Hands a PDF to a queue as one job, every sheet on an A4 page of its own, on one side and in its own size. Returns
-// when the server has told that it holds all of it and the job has gone on for three seconds or is printed. Gives the
-// reason why the job waits at the printer (out of paper), else an empty text. Throws when the server refuses, loses or
-// aborts it; a job that is not wanted any more is cancelled. Concludes the conversation.
-QString printOnQueue(const Queue& queue, const QByteArray& pdf, Conversation& conversation);
+// Hands a PDF of upright pages to a queue as one job, every page on a sheet of the document's paper of its own, on one
+// side and in its own size. Returns when the server has told that it holds all of it and the job has gone on for three
+// seconds or is printed. Gives the reason why the job waits at the printer (out of paper), else an empty text. Throws
+// when the server refuses, loses or aborts it; a job that is not wanted any more is cancelled. Concludes the
+// conversation.
+QString printOnQueue(const Queue& queue, const DocumentFacts& facts, const QByteArray& pdf, Conversation& conversation);
 
 } // namespace printing

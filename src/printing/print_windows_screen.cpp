@@ -24,15 +24,14 @@ QPushButton* button(const QString& name) {
     return made;
 }
 
-const QString stopped = u"印刷を中止しました。\n何も記録していません。"_s;
-const QString silent =
-    u"印刷サーバーの返事がありません。プリンターとパソコンの状態を確認して下さい。\n何も記録していません。"_s;
+const QString silent = u"印刷サーバーの返事がありません。プリンターとパソコンの状態を確認して下さい。"_s;
 
 } // namespace
 
-ServerWindow::ServerWindow(QWidget* opener) : QDialog(opener), text_(new QLabel), stop_(button(u"中止"_s)) {
+ServerWindow::ServerWindow(const DocumentFacts& facts, QWidget* opener)
+    : QDialog(opener), facts_(facts), text_(new QLabel), stop_(button(u"中止"_s)) {
     setObjectName(u"印刷中"_s);
-    setWindowTitle(u"宛名印刷"_s);
+    setWindowTitle(facts.noun + u"印刷"_s);
     setWindowModality(Qt::ApplicationModal);
     setMinimumWidth(400);
     text_->setTextFormat(Qt::PlainText);
@@ -58,7 +57,7 @@ void ServerWindow::await(const QString& text, std::chrono::milliseconds patience
         loop.quit();
     };
     QTimer look;
-    connect(stop_, &QPushButton::clicked, &look, [&] { leave(stopped); });
+    connect(stop_, &QPushButton::clicked, &look, [&] { leave(printingStopped); });
     connect(&look, &QTimer::timeout, &look, [&] {
         if (ready())
             loop.quit();
@@ -69,17 +68,19 @@ void ServerWindow::await(const QString& text, std::chrono::milliseconds patience
     loop.exec();
     // The program is about to end when the loop is left without a reason.
     if (givenUp.isEmpty() && !ready())
-        leave(stopped);
+        leave(printingStopped);
     if (!givenUp.isEmpty())
-        throw PrintFailure(conversation.wasSent() ? givenUp + u'\n' + remarkOnLateLabels() : givenUp);
+        throw PrintFailure(facts_.failure(givenUp) +
+                           (conversation.wasSent() ? u'\n' + remarkOnLateSheets(facts_) : QString()));
 }
 
-std::optional<Queue> chooseQueue(QWidget* opener, const std::vector<Queue>& queues) {
+std::optional<Queue> chooseQueue(const DocumentFacts& facts, QWidget* opener, const std::vector<Queue>& queues) {
     QDialog window(opener);
     window.setObjectName(u"プリンター選択"_s);
     window.setWindowTitle(u"プリンターの選択"_s);
     window.setWindowModality(Qt::WindowModal);
-    auto* said = new QLabel(u"宛名を印刷するプリンターを選んで下さい。\n次からは、このプリンターに印刷します。"_s);
+    auto* said =
+        new QLabel(u"%1を印刷するプリンターを選んで下さい。\n次からは、このプリンターに印刷します。"_s.arg(facts.noun));
     auto* list = new QListWidget;
     list->setObjectName(u"プリンター一覧"_s);
     list->setAccessibleName(u"プリンター一覧"_s);

@@ -93,8 +93,9 @@ inline std::optional<tbl_danka> findHousehold(Database& database, std::int16_t n
 }
 // The same as the condition of a join with tbl_danka.
 template <class Row> std::string householdSql() {
-    return std::string("(tbldnk_no1 = ") + columnOf(householdNumber<Row>) +
-           " AND tbldnk_no2 = " + literal(codes::mainHousehold) + ')';
+    std::string condition = "(tbldnk_no1 = ";
+    condition += columnOf(householdNumber<Row>);
+    return condition + " AND tbldnk_no2 = " + literal(codes::mainHousehold) + ')';
 }
 // Rows whose number is no household's, nor a branch's.
 template <class Row> std::string lostSql() {

@@ -1,5 +1,7 @@
 #include "ui/list_view.h"
 
+#include "ui/printed_list.h"
+
 #include <QLabel>
 #include <QTimer>
 
@@ -50,6 +52,11 @@ void addList(Layout& layout, Screen& screen, desk::AnyList& list, const Operatio
 void addListButtons(Layout& layout, Screen& screen, desk::AnyList& list) {
     layout.action(u"前ページ"_s, u"前ページ"_s, previous(screen, list))
         .action(u"後ページ"_s, u"後ページ"_s, next(screen, list));
+    addPrinting(layout, screen, list);
+}
+
+void addPrinting(Layout& layout, Screen& screen, const desk::AnyList& list) {
+    layout.action(u"印刷"_s, u"印刷"_s, [&screen, &list] { previewListing(screen, listingOf(screen, list)); });
 }
 
 } // namespace ui

@@ -8,7 +8,9 @@ namespace ui {
 // The grid of a list with its place and total below it, bound to the list: click, double click and Enter (opened), Page
 // keys and wheel.
 void addList(Layout& layout, Screen& screen, desk::AnyList& list, const Operation& opened);
-// The buttons that every list has: 前ページ, 後ページ.
+// The buttons that every list has: 前ページ, 後ページ, and 印刷, which shows all that is listed as it would be printed.
 void addListButtons(Layout& layout, Screen& screen, desk::AnyList& list);
+// 印刷 alone, of a list without pages.
+void addPrinting(Layout& layout, Screen& screen, const desk::AnyList& list);
 
 } // namespace ui

@@ -34,9 +34,17 @@ ui::Screen& ScreenDriver::screen(const QString& name) {
 
 void ScreenDriver::type(const QString& screenName, const QString& name, const QString& text) {
     QWidget& widget = control(screenName, name);
-    if (auto* box = qobject_cast<QComboBox*>(&widget))
+    auto* box = qobject_cast<QComboBox*>(&widget);
+    if (box && box->isEditable()) {
         box->setEditText(text);
-    else
+    } else if (box) {
+        const int entry = box->findText(text);
+        if (entry < 0)
+            throw std::runtime_error((screenName + u'.' + name + u" has no entry "_s + text).toStdString());
+        box->setCurrentIndex(entry);
+        Q_EMIT box->activated(entry);
+        QCoreApplication::processEvents();
+    } else
         dynamic_cast<QLineEdit&>(widget).setText(text);
 }
 

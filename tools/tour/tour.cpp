@@ -73,6 +73,9 @@ class Tour : public drive::ScreenDriver {
     void death();
     void booking();
     void notice();
+    void report();
+    // A report chosen on 帳票 with its boxes, as its preview shows it.
+    QDialog& previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes = {});
 
     QDir folder_;
     QStringList failures_;
@@ -92,6 +95,7 @@ void Tour::go() {
     death();
     booking();
     notice();
+    report();
 }
 
 void Tour::household() {
@@ -201,6 +205,29 @@ void Tour::notice() {
     done(u"the labels of the notices are in "_s + folder_.filePath(labels.constFirst()));
 }
 
+QDialog& Tour::previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes) {
+    type(u"帳票"_s, u"帳票種類"_s, report);
+    fill(u"帳票"_s, boxes);
+    press(u"帳票"_s, u"プレビュー"_s);
+    auto* shown = screen(u"帳票"_s).findChild<QDialog*>(report + u"プレビュー"_s);
+    require(shown, u"there is no preview of "_s + report);
+    shown->resize(960, 730); // a page read across is seen whole
+    return *shown;
+}
+
+void Tour::report() {
+    press(u"メニュー"_s, u"帳票"_s);
+    picture(u"帳票"_s);
+    previewOf(u"年回表"_s).close();
+    expect(u"プリンターがないため、年回表をPDFファイルに書き出しました。\n"_s +
+               folder_.absoluteFilePath(u"年回表_20261122.pdf"_s),
+           u"年回表"_s);
+    press(u"帳票"_s, u"印刷"_s);
+    require(QFileInfo(folder_.filePath(u"年回表_20261122.pdf"_s)).size() > 0, u"there is no list of anniversaries"_s);
+    close(u"帳票"_s);
+    done(u"the coming year's anniversaries are printed"_s);
+}
+
 void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
@@ -222,6 +249,19 @@ void Tour::documents() {
     require(sheet, u"there is no preview of the labels"_s);
     save(*sheet, u"labels"_s);
     sheet->close();
+    open(u"帳票"_s);
+    const std::vector<std::pair<QString, std::vector<std::pair<QString, QString>>>> reports{
+        {u"年回表"_s, {}},
+        {u"祥月命日表"_s, {}},
+        {u"檀家名簿"_s, {{u"帳票区分"_s, u"五十音順（家族付き）"_s}}},
+        {u"お墓台帳"_s, {}},
+        {u"法要予定表"_s, {{u"帳票月"_s, u"12"_s}}},
+        {u"管理費請求一覧"_s, {}}};
+    for (const auto& [report, boxes] : reports) {
+        QDialog& shown = previewOf(report, boxes);
+        save(shown, report);
+        shown.close();
+    }
     for (const QString& name : {u"代替当"_s, u"お墓登"_s, u"お墓通"_s}) {
         open(name);
         if (name == u"お墓通"_s)
