@@ -89,6 +89,7 @@ class Rows {
     std::int16_t number(std::size_t row) const { return rows_[row].number; }
     SearchedRow searched(std::size_t row, int owner) const {
         SearchedRow made{kind_, rows_[row].rowid, owner, rows_[row].number, 0, {}};
+        made.texts.reserve(searched_);
         for (std::size_t at = 0; at < searched_; ++at)
             made.texts.push_back(text(row, at));
         return made;

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <numeric>
+#include <unordered_map>
 
 using namespace Qt::StringLiterals;
 
@@ -31,6 +31,19 @@ unsigned rankOf(Kind kind) {
     return 2;
 }
 
+
+// As a syllabary is ordered: voiced syllables with their unvoiced ones, unless nothing else differs. No reading comes
+// last.
+int compareReadings(std::u16string_view one, std::u16string_view other) {
+    if (one.empty() || other.empty())
+        return static_cast<int>(one.empty()) - static_cast<int>(other.empty());
+    const auto [left, right] = std::ranges::mismatch(one, other, {}, syllable, syllable);
+    if (left != one.end() && right != other.end())
+        return syllable(*left) < syllable(*right) ? -1 : 1;
+    if (left != one.end() || right != other.end())
+        return left == one.end() ? -1 : 1;
+    return one.compare(other);
+}
 
 } // namespace
 
@@ -356,46 +369,56 @@ std::u16string_view Texts::kana(std::uint32_t record) const {
 }
 
 int Texts::compareOrder(std::uint32_t record, const Texts& otherTexts, std::uint32_t other) const {
-    const std::u16string_view mine = kana(record);
-    const std::u16string_view theirs = otherTexts.kana(other);
-    if (mine.empty() != theirs.empty())
-        return mine.empty() ? 1 : -1;
-    const auto [left, right] = std::ranges::mismatch(mine, theirs, {}, syllable, syllable);
-    if (left != mine.end() && right != theirs.end())
-        return syllable(*left) < syllable(*right) ? -1 : 1;
-    if (left != mine.end() || right != theirs.end())
-        return left == mine.end() ? -1 : 1;
-    if (const int voiced = mine.compare(theirs))
-        return voiced;
-    const auto numbers = [](const Texts& texts, std::uint32_t at) {
-        const Record& row = texts.records_[at];
-        return std::tuple(row.number, row.branch, row.kind, row.rowid);
-    };
-    const auto one = numbers(*this, record);
-    const auto two = numbers(otherTexts, other);
+    if (const int reading = compareReadings(kana(record), otherTexts.kana(other)))
+        return reading;
+    const auto one = numbersOf(records_[record]);
+    const auto two = numbersOf(otherTexts.records_[other]);
     return one < two ? -1 : one > two;
 }
 
 void Texts::putInOrder() {
-    // The first syllables as one number decide for most.
-    struct Place {
+    // Many rows share a reading: each is weighed once, most of them by their first syllables as one number.
+    struct Reading {
         std::uint64_t beginning;
-        std::uint32_t record;
+        std::u16string_view text;
+        std::uint32_t id;
     };
-    std::vector<Place> places(size());
-    for (std::uint32_t record = 0; record < places.size(); ++record) {
-        const std::u16string_view reading = kana(record);
-        std::uint64_t beginning = 0;
-        for (std::size_t at = 0; at < 4; ++at)
-            beginning = (beginning << 16) | (at < reading.size() ? syllable(reading[at]) : u'\0');
-        places[record] = {reading.empty() ? std::numeric_limits<std::uint64_t>::max() : beginning, record};
+    std::vector<Reading> readings;
+    std::unordered_map<std::u16string_view, std::uint32_t> ids;
+    std::vector<std::uint32_t> readingOf(size());
+    for (std::uint32_t record = 0; record < size(); ++record) {
+        const std::u16string_view text = kana(record);
+        const auto [known, fresh] = ids.try_emplace(text, static_cast<std::uint32_t>(readings.size()));
+        readingOf[record] = known->second;
+        if (!fresh)
+            continue;
+        std::uint64_t beginning = text.empty() ? std::numeric_limits<std::uint64_t>::max() : 0;
+        for (std::size_t at = 0; at < 4 && !text.empty(); ++at)
+            beginning = (beginning << 16) | (at < text.size() ? syllable(text[at]) : u'\0');
+        readings.push_back({beginning, text, known->second});
     }
-    std::ranges::sort(places, [this](const Place& one, const Place& other) {
+    std::ranges::sort(readings, [](const Reading& one, const Reading& other) {
         return one.beginning != other.beginning ? one.beginning < other.beginning
-                                                : compareOrder(one.record, *this, other.record) < 0;
+                                                : compareReadings(one.text, other.text) < 0;
+    });
+    std::vector<std::uint32_t> rank(readings.size());
+    for (std::uint32_t at = 0; at < readings.size(); ++at)
+        rank[readings[at].id] = at;
+    // Number and branch as one, the lowest first.
+    const auto numbers = [this](std::uint32_t record) {
+        const auto shifted = [](std::int16_t number) { return static_cast<std::uint64_t>(int{number} + 0x8000); };
+        return (shifted(records_[record].number) << 16) | shifted(records_[record].branch);
+    };
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> places;
+    places.reserve(size());
+    for (std::uint32_t record = 0; record < size(); ++record)
+        places.emplace_back((std::uint64_t{rank[readingOf[record]]} << 32) | numbers(record), record);
+    std::ranges::sort(places, [this](const auto& one, const auto& other) {
+        return one.first != other.first ? one.first < other.first
+                                        : numbersOf(records_[one.second]) < numbersOf(records_[other.second]);
     });
     for (std::uint32_t at = 0; at < places.size(); ++at)
-        records_[places[at].record].order = at;
+        records_[places[at].second].order = at;
 }
 
 Texts::Builder::Builder(const Texts* former) : texts_(std::make_shared<Texts>()) {
@@ -447,11 +470,11 @@ void Texts::Builder::add(const SearchedRow& row) {
         QStringView text = row.texts[at++];
         // What a member has from the household is found there. Names and remarks are his own.
         const bool own = at <= 2 || at == table.fields.size();
-        if (&table == &searchedTable(Kind::member) && !own && household_.contains(text))
+        if (&table == &searchedTable(Kind::member) && !own && std::ranges::find(household_, text) != household_.end())
             text = {};
         addField(field, text);
         if (row.kind == Kind::household)
-            household_.append(text.toString());
+            household_.push_back(text);
     }
 }
 
@@ -461,9 +484,13 @@ std::shared_ptr<const Texts> Texts::Builder::finish() {
     texts.records_.push_back({0, static_cast<std::uint32_t>(texts.text_.size()), 0,
                               static_cast<std::uint32_t>(texts.units_.size()), 0, 0, 0, Kind::household});
     texts.units_.push_back({0, end});
-    texts.text_.shrink_to_fit();
-    texts.stored_.shrink_to_fit();
-    texts.records_.shrink_to_fit();
+    const auto giveBack = [](auto& kept) {
+        if (kept.capacity() > kept.size() + kept.size() / 8)
+            kept.shrink_to_fit();
+    };
+    giveBack(texts.text_);
+    giveBack(texts.stored_);
+    giveBack(texts.records_);
     texts.putInOrder();
     return std::exchange(texts_, {});
 }

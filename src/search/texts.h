@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace search {
@@ -116,6 +117,7 @@ class Texts {
         Match match;
     };
 
+    static auto numbersOf(const Record& row) { return std::tuple(row.number, row.branch, row.kind, row.rowid); }
     template <class Found> void eachPlace(const std::u16string& word, std::size_t begin, std::size_t end, Found found) const;
     Match matchAt(std::size_t place, std::size_t length) const;
     std::vector<Hit> hits(const std::u16string& word, const std::vector<std::uint32_t>* units) const;
@@ -133,7 +135,7 @@ class Texts {
     std::vector<Unit> units_;       // and one more at the end
 };
 
-// Takes rows unit by unit, a household before what belongs to it.
+// Takes rows unit by unit, a household before what belongs to it. A row's texts are looked at until its unit is complete.
 class Texts::Builder {
   public:
     // Makes as much room as the texts of a former reading needed.
@@ -146,7 +148,7 @@ class Texts::Builder {
 
     std::shared_ptr<Texts> texts_;
     std::vector<std::size_t> partStarts_; // of one field
-    QStringList household_;               // the texts of the unit's household
+    std::vector<QStringView> household_;  // the texts of the unit's household
 };
 
 } // namespace search
