@@ -4,6 +4,7 @@
 #include "store/database.h"
 #include "ui/notice_bar.h"
 #include "ui/plain_text.h"
+#include "ui/search_box.h"
 #include "values/dates.h"
 
 #include <QDir>
@@ -123,6 +124,7 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     path->setTextInteractionFlags(Qt::TextSelectableByMouse);
     path->setWordWrap(true);
     whole->addWidget(path);
+    whole->addWidget(ui::searchLine(*menu));
 
     auto* groups = new QHBoxLayout;
     groups->setSpacing(12);
