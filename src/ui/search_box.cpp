@@ -141,7 +141,7 @@ SearchBox::SearchBox(Screen& screen)
     screen.searchedBy(this);
     screen.installEventFilter(this);
     screen.onEnter(this, [this] {
-        if (const desk::FoundLine* line = results_->isVisible() ? lines_->line(lines_->picked()) : nullptr)
+        if (results_->isVisible() && lines_->line(lines_->picked()))
             open(lines_->picked());
         else if (text().isEmpty())
             focusNextChild();
