@@ -28,6 +28,7 @@ constexpr int highest = std::numeric_limits<std::int16_t>::max();
 constexpr int numbersAtOnce = 512; // households with all that is theirs: some milliseconds
 constexpr int vacantGravesAtOnce = 4096;
 constexpr int moment = 20;     // ms
+constexpr int gap = 2;         // ms
 constexpr int patience = 3000; // ms
 constexpr int mostUnreadable = 64;
 
@@ -48,6 +49,7 @@ class Connection {
             throw store::Error(0, u"登録簿ファイルの版が違うので、探せません。"_s);
     }
     SQLite::Database& engine() { return engine_; }
+    bool keepsLog() { return engine_.execAndGet("PRAGMA journal_mode").getString() == "wal"; }
 
   private:
     SQLite::Database engine_;
@@ -220,8 +222,15 @@ std::optional<Reading> readRegister(const QString& path, const Texts* former, co
     const auto readPart = [&](Add add, int from, int to) {
         for (const QDeadlineTimer end(patience); !stopped();) {
             try {
-                Connection connection(path);
-                add(connection.engine(), from, to, builder);
+                bool keepsLog = false;
+                {
+                    Connection connection(path);
+                    keepsLog = connection.keepsLog();
+                    add(connection.engine(), from, to, builder);
+                }
+                // Who ends a bulk run needs the file for himself, and cannot wait for it by the engine's means.
+                if (keepsLog)
+                    QThread::msleep(gap);
                 return;
             } catch (const SQLite::Exception& failure) {
                 if (primary(failure) != SQLITE_BUSY || end.hasExpired())
