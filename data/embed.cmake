@@ -1,9 +1,11 @@
-# Writes the SQL files as C++ raw strings; the upgrades' steps, numbered from 2 on without a gap, as one list.
+# Writes the SQL files and the table of variants as C++ raw strings; the upgrades' steps, numbered from 2 on without a gap, as one list.
 set(text "#include \"store/embedded_data.h\"\n\nnamespace store {\n")
 foreach(name schema nengo master)
   file(READ ${DATA}/${name}.sql sql)
   string(APPEND text "const char* const embedded_${name} = R\"sql~(${sql})sql~\";\n")
 endforeach()
+file(READ ${DATA}/variants.txt variants)
+string(APPEND text "const char* const embedded_variants = R\"txt~(${variants})txt~\";\n")
 file(GLOB steps ${DATA}/upgrades/*.sql)
 list(LENGTH steps count)
 string(APPEND text "const char* const embedded_upgrades[] = {\n")

@@ -4,6 +4,7 @@
 #include "app/daily_copy.h"
 #include "app/screens.h"
 #include "quit_when_painted.h"
+#include "search/register_finder.h"
 #include "store/database.h"
 
 int main(int argc, char** argv) {
@@ -11,6 +12,7 @@ int main(int argc, char** argv) {
     app::prepare(application);
     store::bringBackToOneFile(store::Database::registerPath());
     ui::Workplace workplace(app::screens());
+    workplace.finder = std::make_unique<search::RegisterFinder>([&workplace] { return workplace.operating(); });
     workplace.open(QStringLiteral("メニュー"));
     new QuitWhenPainted(*workplace.find(QStringLiteral("メニュー")));
     std::optional<app::DailyCopy> copy;

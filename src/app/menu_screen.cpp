@@ -4,6 +4,7 @@
 #include "store/database.h"
 #include "ui/layout.h"
 #include "ui/plain_text.h"
+#include "ui/search_box.h"
 #include "values/dates.h"
 
 #include <QDir>
@@ -228,6 +229,7 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     path->setTextInteractionFlags(Qt::TextSelectableByMouse);
     path->setWordWrap(true);
     whole->addWidget(path);
+    whole->addWidget(ui::searchLine(*menu));
     whole->addWidget(new Groups(*menu), 1);
 
     ui::Layout layout(*menu);

@@ -89,6 +89,9 @@ struct CheckState {
 struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock, GraveBlock, CheckState {
     std::int16_t hak_himo_no = 0; // grave chosen in a picker, 0 none
 
+    // The screen that opens shows the branch of dnk_no2; 檀家登 starts from the household that is no branch otherwise.
+    bool dnk_branchNamed = false;
+
     // Clears the record: household, deceased (its related person and relationship apart), memorial, member and grave;
     // hak_himo_no and the check state keep their values.
     void G初期値();
@@ -114,8 +117,8 @@ struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock
     void forgetAlso(const ScreenContext& other);
     void allForgot() { forgotten_.clear(); }
 
-    // What was handed over from boxes holds for one opening only.
-    void endHandOver() { dnk_handedOver = kak_handedOver = false; }
+    // What was handed over from boxes holds for one opening only, and so does the naming of a branch.
+    void endHandOver() { dnk_handedOver = kak_handedOver = dnk_branchNamed = false; }
 
   private:
     struct Forgotten {

@@ -182,7 +182,8 @@ void publishShown(const HouseholdFields& form, desk::ScreenContext& context) {
 }
 
 void openHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    context.dnk_no2 = 0;
+    if (!context.dnk_branchNamed)
+        context.dnk_no2 = 0;
     openBranch(form, context, desk);
 }
 

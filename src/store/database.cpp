@@ -2,6 +2,7 @@
 
 #include "store/draft.h"
 #include "store/embedded_data.h"
+#include "store/own_changes.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -140,6 +141,8 @@ Database::Database(const QString& path, Layouts layouts) : engine_(openExisting(
     // not run. A prepared file could do anything in the user's name otherwise.
     sqlite3_db_config(handle, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    if (path == registerPath())
+        watchChanges(handle);
     try {
         engine_.exec("PRAGMA synchronous = EXTRA");
         if (pragma(engine_, "application_id") != applicationId) {

@@ -6,6 +6,8 @@ namespace store {
 extern const char* const embedded_schema;
 extern const char* const embedded_nengo;
 extern const char* const embedded_master;
+// The table of data/variants.txt.
+extern const char* const embedded_variants;
 // The steps of data/upgrades/ in their order, ended by a null pointer.
 extern const char* const embedded_upgrades[];
 

@@ -13,7 +13,10 @@
 namespace store {
 
 RegisterIdentity registerIdentity() {
-    const QString path = Database::registerPath();
+    return registerIdentity(Database::registerPath());
+}
+
+RegisterIdentity registerIdentity(const QString& path) {
     RegisterIdentity identity;
 #ifdef HOSHIREN_NUMBERED_FILES
     struct stat status {};

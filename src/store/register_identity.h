@@ -15,7 +15,8 @@ struct RegisterIdentity {
     bool operator==(const RegisterIdentity&) const = default;
 };
 
-// Of the register that operations open; empty where there is none.
+// Of the register that operations open, or of the file at a path; empty where there is none.
 RegisterIdentity registerIdentity();
+RegisterIdentity registerIdentity(const QString& path);
 
 } // namespace store

@@ -16,6 +16,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QProgressDialog>
+#include <QScopeGuard>
+#include <QShortcut>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -138,6 +140,8 @@ Screen::Screen(Workplace& workplace, const QString& name, const QString& caption
     setWindowTitle(caption);
     setWindowFlag(Qt::Window);
     bar_->pressed = [this](NoticeAction action) { barPressed(action); };
+    auto* search = new QShortcut(Qt::Key_F3, this);
+    connect(search, &QShortcut::activated, this, [this] { workplace_.goToSearch(*this); });
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
 }
 
@@ -152,6 +156,11 @@ desk::Desk& Screen::desk() {
 
 desk::ScreenContext& Screen::context() {
     return workplace_.context;
+}
+
+void Screen::askForRecord(const Operation& part) {
+    const auto putBack = qScopeGuard([this, before = std::exchange(asks_, true)] { asks_ = before; });
+    part();
 }
 
 void Screen::operate(const Operation& operation) {

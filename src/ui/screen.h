@@ -20,6 +20,7 @@ class QScrollArea;
 namespace ui {
 
 class NoticeBar;
+class SearchBox;
 class Workplace;
 enum class NoticeAction;
 
@@ -63,6 +64,10 @@ class Screen : public QWidget {
     const QString& title() const { return title_; }
     desk::Desk& desk();
     desk::ScreenContext& context();
+    Workplace& workplace() { return workplace_; }
+    // The box on this screen in which everything is searched; null where it has none.
+    void searchedBy(SearchBox* box) { searchBox_ = box; }
+    SearchBox* searchBox() const { return searchBox_; }
     // Runs an operation. During one, further events of the screen are left out and it refuses to close.
     void operate(const Operation& operation);
     bool operating() const { return busy_; }
@@ -75,6 +80,8 @@ class Screen : public QWidget {
     // Opening others from here brings them forward and asks for no record (the menu).
     void asksForNoRecord() { asks_ = false; }
     bool asksForRecords() const { return asks_; }
+    // A part of an operation whose openings do ask for one.
+    void askForRecord(const Operation& part);
 
     // Runs the opening operation.
     void open();
@@ -169,6 +176,7 @@ class Screen : public QWidget {
     std::vector<std::pair<const QObject*, Operation>> entered_;
     Subject subject_;
     NoticeBar* bar_;
+    SearchBox* searchBox_ = nullptr;
     std::function<QString()> idleText_;
     std::function<void()> idlePressed_;
     QHash<QString, QString> baseline_; // what the boxes showed when they were filled

@@ -1,6 +1,7 @@
 #include "ui/workplace.h"
 
 #include "ui/message_box.h"
+#include "ui/search_box.h"
 
 #include <QWindow>
 
@@ -29,6 +30,8 @@ void Workplace::open(const QString& name, Screen* opener, desk::Opening how, Ope
                         desk::Icon::exclamation);
             return;
         }
+        if (first_.isEmpty())
+            first_ = name;
         screen = maker(*this).release();
         open_.insert(name, screen);
     }
@@ -72,6 +75,16 @@ void Workplace::showDraft() {
     drafts.turn();
     context = draft.context;
     open(draft.screen, nullptr, desk::Opening::modeless, {}, &draft);
+}
+
+void Workplace::goToSearch(Screen& from) {
+    if (!finder || from.windowModality() != Qt::NonModal || operating())
+        return;
+    if (!from.searchBox())
+        open(first_);
+    const Screen* there = from.searchBox() ? &from : find(first_);
+    if (there && there->searchBox())
+        there->searchBox()->begin();
 }
 
 void Workplace::forgetDeleted() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/finder.h"
 #include "desk/screen_context.h"
 #include "ui/screen.h"
 
@@ -23,6 +24,7 @@ class Workplace {
 
     desk::ScreenContext context;
     Drafts drafts;
+    std::unique_ptr<desk::Finder> finder; // null: the boxes of the search rest
     std::function<QDate()> today = [] { return QDate::currentDate(); };
 
     // Opens a screen or brings it forward without loading it again. modal: the opener is blocked until the screen
@@ -34,6 +36,9 @@ class Workplace {
     // Opens the screen of the first draft on the record that it was typed for; the screen's bar then offers it. The
     // next call shows the next one. A screen that waits for another one is left alone: that one comes forward.
     void showDraft();
+    // Brings the keyboard to the search: on this screen where it has the box, else on the one that was opened first,
+    // anew where it has been closed. Nothing while this screen is open before another one, or works.
+    void goToSearch(Screen& from);
     // What the last operation deleted is kept by no other screen.
     void forgetDeleted();
 
@@ -53,6 +58,7 @@ class Workplace {
     };
     QHash<QString, ScreenMaker> makers_;
     QHash<QString, Screen*> open_;
+    QString first_; // opened
     QHash<QString, std::vector<Waiting>> waiting_;
 };
 
