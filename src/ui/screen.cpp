@@ -107,7 +107,11 @@ class Screen::ScreenDesk : public desk::Desk {
         showForUser();
         return askQuestion(&screen_, text, title, preset);
     }
-    void inform(const QString& text) override { screen_.informed_ = text; }
+    void inform(const QString& text) override { offer(text, {}); }
+    void offer(const QString& text, std::vector<desk::Offer> offers) override {
+        screen_.informed_ = text;
+        screen_.offers_ = std::move(offers);
+    }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
         // From here on the record is the opened screen's.
@@ -138,6 +142,7 @@ Screen::Screen(Workplace& workplace, const QString& name, const QString& caption
     setWindowTitle(caption);
     setWindowFlag(Qt::Window);
     bar_->pressed = [this](NoticeAction action) { barPressed(action); };
+    bar_->taken = [this](const Operation& run) { operate(run); };
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
 }
 
@@ -160,6 +165,7 @@ void Screen::operate(const Operation& operation) {
     busy_ = true;
     handedOver_ = false;
     informed_.clear();
+    offers_.clear();
     readForm();
     const std::optional<Draft> before = currentDraft();
     putBackKept();
