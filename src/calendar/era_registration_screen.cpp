@@ -25,7 +25,8 @@ std::unique_ptr<ui::Screen> 年号登(ui::Workplace& workplace) {
         .updating(u"更新"_s, u"更新"_s, screen->run(changeEra))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteEra))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openEras));
     screen->showsHeld({.lookUp = screen->run(showNamedEra)});
     return screen;

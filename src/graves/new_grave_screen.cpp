@@ -22,7 +22,8 @@ std::unique_ptr<ui::Screen> お墓新(ui::Workplace& workplace) {
         .updating(u"更新"_s, u"更新"_s, screen->run(updateGrave))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteGrave))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openNewGrave));
     auto* raw = screen.get();
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },

@@ -39,6 +39,7 @@ std::unique_ptr<ui::Screen> お墓登(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm13_jyusho1), 28)
         .row()
         .shown(HOSHIREN_CONTROL(form, frm13_jyusho2), 28)
+        .named(u"住所２行目"_s)
         .row(u"備考"_s)
         .shown(HOSHIREN_CONTROL(form, frm13_dnkbiko), 28);
     addGraveFields(layout, *screen, form,
@@ -51,7 +52,8 @@ std::unique_ptr<ui::Screen> お墓登(ui::Workplace& workplace) {
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteGrave))
         .action(u"廃棄"_s, u"廃棄"_s, screen->run(disposeGrave))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openRegistration));
     auto* raw = screen.get();
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },

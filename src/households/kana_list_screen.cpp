@@ -139,7 +139,8 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
         .action(u"家族一欄"_s, u"家族一欄"_s, opener(u"家族一"_s))
         .action(u"過去帳"_s, u"過去帳"_s, opener(u"過去一"_s))
         .action(u"法要照会"_s, u"法要記録"_s, opener(u"法要檀"_s))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen([sources] {
         auto read = readKanaTabs();
         for (std::size_t i = 0; i < sources.size(); ++i)

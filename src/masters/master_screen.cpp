@@ -35,7 +35,8 @@ std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
     layout.mainAction(u"更新"_s, u"確定"_s, screen->run(saveEntry))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteEntry))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openMasters));
     screen->showsHeld({.lookUp = screen->run(showNamedEntry)});
     return screen;

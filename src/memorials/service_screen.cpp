@@ -21,12 +21,10 @@ void layOutDeceased(ui::Layout& layout, ServiceForm& form) {
         .shown(HOSHIREN_CONTROL(form, frm31_mei_gymd), 11)
         .note(u"享年"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_kyounen), 3);
-    layout.last()->setAccessibleName(u"享年"_s);
     layout.row(u"関係者"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_moshu), 9)
         .note(u"続柄"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_mshzkgr), 6);
-    layout.last()->setAccessibleName(u"続柄"_s);
     layout.row(u"備考"_s).shown(HOSHIREN_CONTROL(form, frm31_kaak_bikou), 20);
 }
 
@@ -36,7 +34,8 @@ void layOutHousehold(ui::Layout& layout, ServiceForm& form) {
         .shown(HOSHIREN_CONTROL(form, frm31_no), 4)
         .row(u"檀家名"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_dankag), 9)
-        .shown(HOSHIREN_CONTROL(form, frm31_dankak), 9);
+        .shown(HOSHIREN_CONTROL(form, frm31_dankak), 9)
+        .named(u"檀家名カナ"_s);
 }
 
 void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
@@ -45,10 +44,10 @@ void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
         .numeric()
-        .note(u"時"_s)
+        .unit(u"時"_s)
         .combo(HOSHIREN_CONTROL(form, 開始分), 3)
         .numeric()
-        .note(u"分"_s)
+        .unit(u"分"_s)
         .row(u"場所"_s)
         .combo(HOSHIREN_CONTROL(form, frm31_法要場所), 14);
 }
@@ -97,7 +96,8 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
     layout.mainAction(u"更新"_s, u"更新"_s, screen->run(saveDetail))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteDetail))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openDetail));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .asked = askedMemorial,
@@ -127,7 +127,8 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerExtra))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteExtra))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openExtra));
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameOpened(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedExtra(raw->form(), context); },

@@ -212,8 +212,7 @@ void Screen::open() {
         operate(load_);
     else
         showForm();
-    if (fit_)
-        fit_();
+    fit(freeRoom());
 }
 
 void Screen::bind(Binding binding) {
@@ -300,6 +299,7 @@ void Screen::focusMoved(QWidget* from, QWidget* to) {
 
 bool Screen::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate) {
+        keepOnDisplay();
         lookAgain_ = busy_;
         if (!busy_) {
             lookAtFile();

@@ -194,8 +194,8 @@ void Screen::showFor(const Draft& draft) {
     if (subject_.record().key() != draft.key)
         strayKey_ = draft.key;
     refreshBar();
-    if (!shown && fit_)
-        fit_();
+    if (!shown)
+        fit(freeRoom());
 }
 
 // The key of the draft that the bar offers: of the record shown, or of one that is gone.
