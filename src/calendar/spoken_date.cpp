@@ -134,8 +134,12 @@ std::optional<QDate> typedDate(store::Database& database, const desk::DateGroup&
     return year && month && day ? values::makeDate(*year, *month, *day) : std::nullopt;
 }
 
+QString weekday(QDate date) {
+    return date.isValid() ? QString(u"月火水木金土日"_s[date.dayOfWeek() - 1]) : QString();
+}
+
 QString dateHint(QDate date, QDate today, bool birth) {
-    const QString day = values::dateText(date) + u'（' + u"月火水木金土日"_s[date.dayOfWeek() - 1] + u'）';
+    const QString day = values::dateText(date) + u'（' + weekday(date) + u'）';
     const bool stillToCome = std::pair(today.month(), today.day()) < std::pair(date.month(), date.day());
     const int years = today.year() - date.year() - (stillToCome ? 1 : 0);
     if (birth && date <= today)

@@ -36,6 +36,9 @@ void enterToday(store::Database& database, desk::DateGroup& group, desk::Desk& d
 // The date that stands in the four boxes or, spoken, in the era box; nothing where there is none. Shows nothing.
 std::optional<QDate> typedDate(store::Database& database, const desk::DateGroup& group, QDate today);
 
+// 月, 火 and so on; empty for an absent date.
+QString weekday(QDate date);
+
 // What tells a date apart at a glance: 2026/11/20（金）, of one that is a year and more ago with the full years since,
 // as the age of a person born then (満81歳) or as a time (6年前).
 QString dateHint(QDate date, QDate today, bool birth);

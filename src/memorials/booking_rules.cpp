@@ -19,6 +19,7 @@ namespace {
 constexpr int noon = 12;
 constexpr int hoursOfADay = 24;
 constexpr int minutesOfAnHour = 60;
+constexpr std::ptrdiff_t bookingsNamed = 4; // the label has no room for a whole 彼岸
 
 std::optional<int> beginningOf(const store::tbl_hohyo& row) {
     return beginning(row.tblhoy_kaiki_ampm == store::codes::morning, row.tblhoy_kaiki_hour, row.tblhoy_kaiki_mint);
@@ -72,12 +73,23 @@ BookingState bookingState(store::Database& database, const ServiceForm& form, co
         lines << u"この日にほかの予約はありません"_s;
     else
         lines << u"この日のほかの予約 %1件"_s.arg(others.size());
-    for (const store::tbl_hohyo& row : others) {
+    const auto overlaps = [&](const store::tbl_hohyo& row) {
         const auto begins = beginningOf(row);
-        const bool overlaps = typed && begins && std::abs(*typed - *begins) < minutesOfAService;
-        state.warns = state.warns || overlaps;
-        lines << describe(row, overlaps);
+        return typed && begins && std::abs(*typed - *begins) < minutesOfAService;
+    };
+    // Of a full day those that overlap are named before the rest.
+    auto room = bookingsNamed - std::ranges::count_if(others, overlaps);
+    std::ptrdiff_t unnamed = 0;
+    for (const store::tbl_hohyo& row : others) {
+        const bool meets = overlaps(row);
+        state.warns = state.warns || meets;
+        if (meets || room-- > 0)
+            lines << describe(row, meets);
+        else
+            ++unnamed;
     }
+    if (unnamed > 0)
+        lines << u"・ほか%1件"_s.arg(unnamed);
     state.text = lines.join(u'\n');
     return state;
 }

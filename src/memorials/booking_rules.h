@@ -19,7 +19,8 @@ std::optional<int> beginning(bool morning, std::optional<std::int16_t> hour, std
 
 // What 予約状況 says of the date and time that stand in the boxes, saved or not: that the day is past, and the other
 // services booked for it and not held yet, in order of time, each with its time, household, deceased, name and place,
-// those that it overlaps marked. Empty without a date. own is the memorial of the boxes; absent for a new one.
+// those that it overlaps marked; of many only some besides those, and the number of the rest. Empty without a date. own
+// is the memorial of the boxes; absent for a new one.
 struct BookingState {
     QString text;
     bool warns = false; // of an overlap or of a day that is past

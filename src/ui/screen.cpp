@@ -167,6 +167,8 @@ void Screen::operate(const Operation& operation) {
     informed_.clear();
     offers_.clear();
     readForm();
+    for (const auto& prepare : prepare_)
+        prepare();
     const std::optional<Draft> before = currentDraft();
     putBackKept();
     const int writes = store::writesCommitted();

@@ -108,6 +108,8 @@ class Screen : public QWidget {
     void addToTabOrder(QWidget* widget);
     // Runs when the keyboard leaves the control for another control of this screen, the closing button apart.
     void onLeave(QWidget* widget, Operation operation);
+    // Runs on the form that each operation finds, before it.
+    void beforeOperations(std::function<void()> prepare) { prepare_.push_back(std::move(prepare)); }
     // Runs on Enter in the control, which then does not move on to the next one.
     void onEnter(QWidget* widget, Operation operation);
 
@@ -167,6 +169,7 @@ class Screen : public QWidget {
     std::vector<QWidget*> tabOrder_;
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
     std::vector<std::pair<const QObject*, Operation>> entered_;
+    std::vector<std::function<void()>> prepare_;
     Subject subject_;
     NoticeBar* bar_;
     std::function<QString()> idleText_;
