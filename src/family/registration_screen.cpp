@@ -1,6 +1,7 @@
 #include "calendar/date_group_screen.h"
 #include "family/family_screens.h"
 #include "family/registration_rules.h"
+#include "masters/postal_codes.h"
 #include "ui/layout.h"
 
 using namespace Qt::StringLiterals;
@@ -43,6 +44,8 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
                  {{HOSHIREN_CONTROL(form, frm12_dohkyo), u"同居"_s}, {HOSHIREN_CONTROL(form, frm12_bekkyo), u"別居"_s}})
         .row(u"郵便番号"_s)
         .text(HOSHIREN_CONTROL(form, frm12_yubinno), 6)
+        .onLeave(
+            [&form, raw = screen.get()] { masters::fillAddress(form.frm12_yubinno, form.frm12_jyusho1, raw->desk()); })
         .row(u"住所１"_s)
         .text(HOSHIREN_CONTROL(form, frm12_jyusho1), 26)
         .row()

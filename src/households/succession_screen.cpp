@@ -1,6 +1,7 @@
 #include "households/succession_screen.h"
 
 #include "households/succession_rules.h"
+#include "masters/postal_codes.h"
 #include "ui/layout.h"
 
 using namespace Qt::StringLiterals;
@@ -37,6 +38,8 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
         .frame()
         .row(u"郵便番号"_s)
         .text(HOSHIREN_CONTROL(form, frm01_yubinno), 6)
+        .onLeave(
+            [&form, raw = screen.get()] { masters::fillAddress(form.frm01_yubinno, form.frm01_jyusho1, raw->desk()); })
         .row(u"住所１"_s)
         .text(HOSHIREN_CONTROL(form, frm01_jyusho1), 24)
         .row(u"住所２"_s)
