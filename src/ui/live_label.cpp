@@ -17,19 +17,18 @@ LiveLabel::LiveLabel(Screen& screen, const QString& name, std::function<LiveText
     screen.bind({this, nullptr, {}, [this] { refresh(); }});
 }
 
-// By what the user does, not by what is shown: a form that is being shown is not read.
 void LiveLabel::follow(QWidget* control) {
     if (auto* box = qobject_cast<QComboBox*>(control))
         connect(box, &QComboBox::editTextChanged, this, [this] { typed(); });
     else if (auto* edit = qobject_cast<QLineEdit*>(control))
-        connect(edit, &QLineEdit::textEdited, this, [this] { typed(); });
+        connect(edit, &QLineEdit::textChanged, this, [this] { typed(); });
     else if (auto* button = qobject_cast<QAbstractButton*>(control))
-        connect(button, &QAbstractButton::clicked, this, [this] { typed(); });
+        connect(button, &QAbstractButton::toggled, this, [this] { typed(); });
 }
 
 void LiveLabel::typed() {
-    if (screen_.operating())
-        return; // shown with the rest when the operation ends
+    if (screen_.operating() || screen_.filling())
+        return; // brought up to date with the rest
     screen_.readForm();
     refresh();
 }

@@ -243,6 +243,7 @@ void Screen::readForm() {
 }
 
 void Screen::showForm() {
+    filling_ = true;
     for (const Binding& binding : bindings_) {
         if (binding.intoWidget)
             binding.intoWidget();
@@ -258,6 +259,7 @@ void Screen::showForm() {
         std::rotate(tabOrder_.begin(), place, place + 1);
         applyTabOrder();
     }
+    filling_ = false;
 }
 
 void Screen::putBackKept() {

@@ -66,6 +66,8 @@ class Screen : public QWidget {
     // Runs an operation. During one, further events of the screen are left out and it refuses to close.
     void operate(const Operation& operation);
     bool operating() const { return busy_; }
+    // What changes in the widgets now is what the form holds.
+    bool filling() const { return filling_; }
     // The operation that runs when the screen opens.
     void onOpen(Operation operation) { load_ = std::move(operation); }
     // Declares what the screen shows; the bar, drafts and the accent of the main buttons follow from it.
@@ -193,6 +195,7 @@ class Screen : public QWidget {
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;
     bool busy_ = false;
+    bool filling_ = false;
     bool lookAgain_ = false;
     bool closing_ = false;
     bool handedOver_ = false;
