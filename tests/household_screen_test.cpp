@@ -119,7 +119,8 @@ TEST_F(HouseholdScreens, ANewHeadIsChosenWithHisRelationship) {
         return control(u"代替当"_s, box).palette().color(QPalette::Base);
     };
     EXPECT_NE(ground(u"frm01_jyusho1"_s), ground(u"frm01_dankag"_s));
-    EXPECT_TRUE(control<QLabel>(u"代替当"_s, u"檀家との違い"_s).text().contains(u"：郵便番号、住所１、電話番号"_s));
+    EXPECT_TRUE(
+        control<QLabel>(u"代替当"_s, u"檀家との違い"_s).text().contains(u"：カナ、郵便番号、住所１、電話番号"_s));
     type(u"代替当"_s, u"frm01_jyusho1"_s, u"寺前1丁目2-3"_s);
     EXPECT_EQ(ground(u"frm01_jyusho1"_s), ground(u"frm01_dankag"_s));
     type(u"代替当"_s, u"frm01_jyusho1"_s, u"川端2"_s);

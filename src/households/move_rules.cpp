@@ -64,8 +64,10 @@ void correctFamily(檀家登Form& form, const store::tbl_danka& before, desk::De
 }
 
 void correctNames(檀家登Form& form, const store::tbl_danka& before, desk::Desk& desk) {
-    if (!desk::copyBefore(desk, title))
+    if (!desk::copyBefore(desk, title)) {
+        offerCopies(form, before, desk);
         return;
+    }
     store::Database database;
     const auto found = store::findNameCopies(database, before.tbldnk_no1);
     const auto left = store::writeNameCopies(database, before.tbldnk_no1);

@@ -73,6 +73,7 @@ class Tour : public drive::ScreenDriver {
     void death();
     void booking();
     void notice();
+    void move();
 
     QDir folder_;
     QStringList failures_;
@@ -201,6 +202,22 @@ void Tour::notice() {
     done(u"the labels of the notices are in "_s + folder_.filePath(labels.constFirst()));
 }
 
+// A date as it is spoken, and the family that a household which moved has left behind.
+void Tour::move() {
+    const QString name = u"檀家登"_s;
+    open(u"家族登"_s);
+    type(u"家族登"_s, u"生年元号"_s, u"昭20.8.15"_s);
+    save(screen(u"家族登"_s), u"日付"_s);
+    close(u"家族登"_s);
+    fill(name, {{u"frm01_yubinno"_s, u"220-0001"_s}, {u"frm01_jyusho1"_s, u"港町1丁目1-1"_s}});
+    answer(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
+    expect(u"入力された内容で檀家さんは更新されました。"_s, u"檀家 登録"_s);
+    press(name, u"更新"_s);
+    save(screen(name), u"引っ越し"_s);
+    press(name, u"家族も直す"_s);
+    done(u"a household has moved"_s);
+}
+
 void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
@@ -212,6 +229,7 @@ void Tour::documents() {
     open(u"檀家登"_s);
     save(screen(u"檀家登"_s), u"お知らせ"_s);
     press(u"檀家登"_s, u"捨てる"_s);
+    move();
     open(u"檀家一覧"_s);
     control<QTabWidget>(u"檀家一覧"_s, u"SSTab1"_s).setCurrentIndex(1);
     clickCell(u"檀家一覧"_s, u"DBGrid2"_s, 3, 1);
@@ -226,6 +244,8 @@ void Tour::documents() {
         open(name);
         if (name == u"お墓通"_s)
             press(name, u"表示"_s);
+        if (name == u"代替当"_s)
+            clickLine(name, u"frm01_toshug"_s, control<QListWidget>(name, u"frm01_toshug"_s).item(1)->text());
         save(screen(name), name);
     }
     done(u"the documents' other pictures"_s);
