@@ -1,6 +1,7 @@
 #include "targets.h"
 
 #include "calendar/eras.h"
+#include "calendar/spoken_date.h"
 #include "db/jet_reader.h"
 #include "transfer/bulk_record.h"
 #include "values/dates.h"
@@ -119,6 +120,8 @@ void bulkFile(QByteArrayView bytes) {
     require(readAll(written, fieldCount, written.size() + 1) == accepted, "an accepted record is read back as it was");
 }
 
+constexpr int firstEra = 1504; // of the era table
+
 void typedTexts(QByteArrayView bytes) {
     const QString text = QString::fromUtf8(bytes);
     const auto whole = values::readWhole(text);
@@ -136,9 +139,15 @@ void typedTexts(QByteArrayView bytes) {
             "a date is one of the register's");
     require(!date || values::readDate(values::dateText(*date)) == date, "a date reads as shown");
     require(!date || !whole, "no text is a date and a number");
-    const auto inEraForm = calendar::readDate(eraTable(), text);
-    require(!date || inEraForm == date, "a Western date is read alike in the date-range boxes");
-    require(!inEraForm || (inEraForm->isValid() && inEraForm->year() >= values::firstYear), "so is one in era form");
+    const auto spoken = calendar::readSpoken(eraTable(), text, QDate(2026, 11, 22));
+    require(!date || date->year() < firstEra || (spoken && spoken->date == *date), "a Western date is a spoken one");
+    require(!spoken || (spoken->date.isValid() && spoken->date.year() >= values::firstYear), "so is one in era form");
+    if (spoken) {
+        desk::DateGroup group;
+        group.era.text = text;
+        const bool spread = calendar::spreadSpoken(eraTable(), group, QDate(2026, 11, 22));
+        require(spread && calendar::typedDate(eraTable(), group, {}) == spoken->date, "spread it is the same date");
+    }
 }
 
 void eraRoundTrip(QByteArrayView bytes) {
@@ -149,7 +158,6 @@ void eraRoundTrip(QByteArrayView bytes) {
     NoDesk desk;
     std::int16_t error = 0;
     if (const auto date = values::makeDate(number(0) * 256 + number(1), 1 + number(2) % 12, 1 + number(2) / 12)) {
-        constexpr int firstEra = 1504;
         const auto era = calendar::eraDate(eraTable(), *date);
         require(era.has_value() == (date->year() >= firstEra), "every year from the first era's on has an era");
         if (era) {
@@ -158,7 +166,8 @@ void eraRoundTrip(QByteArrayView bytes) {
                     "an era year is the Western year it came from");
             // The boxes take three digits of an era year.
             if (era->year.size() <= 3)
-                require(calendar::readDate(eraTable(), era->full) == date, "a date in era form reads as shown");
+                require(calendar::readSpoken(eraTable(), era->full, {}).value_or(calendar::SpokenDate()).date == *date,
+                        "a date in era form reads as shown");
         }
     }
     require(desk.messages == 0, "nothing is told of what can be converted");

@@ -1,6 +1,6 @@
 #include "transfer/bulk_file.h"
 #include "transfer/bulk_record.h"
-#include "transfer/cp932.h"
+#include "values/cp932.h"
 
 #include <QBuffer>
 #include <QDir>
@@ -62,11 +62,11 @@ TEST(Cp932, EveryPairThatDecodesComesBackAsWindowsWritesIt) {
         for (int trail = 0; trail < 0x100; ++trail) {
             const char pair[] = {static_cast<char>(lead), static_cast<char>(trail)};
             QString text;
-            if (!transfer::cp932::decode(QByteArrayView(pair, 2), text))
+            if (!values::cp932::decode(QByteArrayView(pair, 2), text))
                 continue;
             ++held;
             ASSERT_EQ(text.size(), 1);
-            const auto bytes = transfer::cp932::encode(text[0].unicode());
+            const auto bytes = values::cp932::encode(text[0].unicode());
             ASSERT_TRUE(bytes);
             elsewhere += *bytes != (lead << 8 | trail);
         }
@@ -92,13 +92,13 @@ TEST(Cp932, TheCharactersThatTellItFromItsRelatives) {
     };
     for (const auto& c : cases) {
         QString text;
-        EXPECT_TRUE(transfer::cp932::decode(c.bytes, text)) << c.bytes;
+        EXPECT_TRUE(values::cp932::decode(c.bytes, text)) << c.bytes;
         EXPECT_EQ(text, QString(QChar(c.unit)));
         const QByteArrayView bytes(c.bytes);
         const quint16 code = static_cast<quint16>(bytes.size() == 1 ? static_cast<unsigned char>(bytes[0])
                                                                     : static_cast<unsigned char>(bytes[0]) << 8 |
                                                                           static_cast<unsigned char>(bytes[1]));
-        EXPECT_EQ(transfer::cp932::encode(c.unit) == code, c.chosen) << std::hex << code;
+        EXPECT_EQ(values::cp932::encode(c.unit) == code, c.chosen) << std::hex << code;
     }
 }
 

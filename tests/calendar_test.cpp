@@ -1,5 +1,6 @@
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "calendar/spoken_date.h"
 
 #include "support/register_fixture.h"
 #include "support/test_desk.h"
@@ -64,23 +65,79 @@ TEST_F(Calendar, FillsTheBoxesAndShowsStoredDates) {
               QStringList({u"平成"_s, u"31"_s, u"5"_s, u"2"_s, u"2019/05/02"_s}));
 }
 
-TEST_F(Calendar, ReadsRangeBoxesInEitherCalendar) {
-    const std::pair<QString, QDate> cases[] = {{u"２０２６年１１月２２日"_s, {2026, 11, 22}},
-                                               {u"ｒ８／１１／２２"_s, {2026, 11, 22}},
-                                               {u"h31-4-30"_s, {2019, 4, 30}},
-                                               {u"S64.1.7"_s, {1989, 1, 7}},
-                                               {u"元禄元年9月30日"_s, {1688, 9, 30}},
-                                               {u" 昭和 20 年 8 月 15 日"_s, {1945, 8, 15}},
-                                               {u"T1.7.30"_s, {1912, 7, 30}},
-                                               {u"M1.1.1"_s, {1868, 1, 1}},
-                                               {u"R8.2.30"_s, {}},
-                                               {u"X8.1.1"_s, {}},
-                                               {u"令和8年11月"_s, {}},
-                                               {u"8.11.22"_s, {}}};
-    for (const auto& [typed, date] : cases)
-        EXPECT_EQ(calendar::readDate(database, typed).value_or(QDate()), date) << typed.toStdString();
+TEST_F(Calendar, ReadsDatesAsTheyAreSpoken) {
+    execute(u"INSERT INTO tbl_nengo VALUES ('無始', 0, 0)"_s);
+    const std::pair<QString, QString> cases[] = {{u"２０２６年１１月２２日"_s, u"令和8 2026/11/22"_s},
+                                                 {u"20261120"_s, u"令和8 2026/11/20"_s},
+                                                 {u"２０２６１１２０"_s, u"令和8 2026/11/20"_s},
+                                                 {u"18680101"_s, u"明治1 1868/01/01"_s},
+                                                 {u"ｒ８／１１／２２"_s, u"令和8 2026/11/22"_s},
+                                                 {u"R8/11/20"_s, u"令和8 2026/11/20"_s},
+                                                 {u"令8.11.20"_s, u"令和8 2026/11/20"_s},
+                                                 {u"れいわ８。１１。２０"_s, u"令和8 2026/11/20"_s},
+                                                 {u"ﾍｲｾｲ31・4・30"_s, u"平成31 2019/04/30"_s},
+                                                 {u"㍼64.1.7"_s, u"昭和64 1989/01/07"_s},
+                                                 {u"昭64-1-7"_s, u"昭和64 1989/01/07"_s},
+                                                 {u"h31-4-30"_s, u"平成31 2019/04/30"_s},
+                                                 {u"元禄元年9月30日"_s, u"元禄1 1688/09/30"_s},
+                                                 {u" 昭和 20 年 8 月 15 日"_s, u"昭和20 1945/08/15"_s},
+                                                 {u"大1.7.30"_s, u"大正1 1912/07/30"_s},
+                                                 {u"M1.1.1"_s, u"明治1 1868/01/01"_s},
+                                                 {u"8.11.20"_s, u"令和8 2026/11/20"_s},
+                                                 {u"8年11月20日"_s, u"令和8 2026/11/20"_s},
+                                                 // No such day, no such era, not complete.
+                                                 {u"R8.2.30"_s, {}},
+                                                 {u"8.11.31"_s, {}},
+                                                 {u"20261131"_s, {}},
+                                                 {u"令和0.1.1"_s, {}},
+                                                 {u"X8.1.1"_s, {}},
+                                                 {u"慶3.1.1"_s, {}},
+                                                 {u"無始8.1.1"_s, {}},
+                                                 {u"14990101"_s, {}},
+                                                 {u"令和8年11月"_s, {}},
+                                                 {u"8.11"_s, {}},
+                                                 {u"2026112"_s, {}},
+                                                 {u"令和"_s, {}},
+                                                 {{}, {}}};
+    for (const auto& [typed, expected] : cases) {
+        SCOPED_TRACE(typed.toStdString());
+        const auto date = calendar::readSpoken(database, typed, today);
+        EXPECT_EQ(date ? date->era + QString::number(date->year) + u' ' + values::dateText(date->date) : QString(),
+                  expected);
+        // Spread over the boxes it is what the check makes of them; anything else stays.
+        desk::DateGroup group;
+        group.era.text = typed;
+        group.western.text = u"1999/09/09"_s;
+        EXPECT_EQ(calendar::spreadSpoken(database, group, today), !expected.isEmpty());
+        EXPECT_EQ(group.western.text, u"1999/09/09"_s);
+        if (expected.isEmpty()) {
+            EXPECT_EQ(group.era.text + group.year.text, typed);
+        } else {
+            desk::SaveAttempt attempt(context);
+            EXPECT_EQ(calendar::checkDate(database, group, calendar::命日, context, desk), date->date);
+            EXPECT_EQ(calendar::typedDate(database, group, today), date->date);
+        }
+    }
+    EXPECT_EQ(calendar::readSpoken(database, u"8.11.20"_s, {}), std::nullopt);
+    // A new era is the present one at once, and its first character its short name.
+    execute(u"INSERT INTO tbl_nengo VALUES ('大明', 2026, 2050)"_s);
+    for (const auto& typed : {u"1.11.20"_s, u"大1.11.20"_s})
+        EXPECT_EQ(calendar::readSpoken(database, typed, today)->era, u"大明"_s);
     execute(u"DELETE FROM tbl_nengo WHERE tblnen_nengo = '令和'"_s);
-    EXPECT_EQ(calendar::readDate(database, u"R8.11.22"_s), std::nullopt);
+    EXPECT_EQ(calendar::readSpoken(database, u"R8.11.22"_s, today), std::nullopt);
+}
+
+TEST_F(Calendar, TellsADateApart) {
+    const std::tuple<QDate, bool, QString> cases[] = {
+        {{2026, 11, 22}, true, u"2026/11/22（日） 満0歳"_s},  {{1945, 11, 22}, true, u"1945/11/22（木） 満81歳"_s},
+        {{1945, 11, 23}, true, u"1945/11/23（金） 満80歳"_s}, {{2027, 1, 5}, true, u"2027/01/05（火）"_s},
+        {{2020, 11, 23}, false, u"2020/11/23（月） 5年前"_s}, {{2025, 11, 23}, false, u"2025/11/23（日）"_s}};
+    for (const auto& [date, birth, hint] : cases)
+        EXPECT_EQ(calendar::dateHint(date, today, birth), hint);
+    desk::DateGroup group;
+    calendar::enterToday(database, group, desk);
+    EXPECT_EQ(calendar::typedDate(database, group, today), today);
+    EXPECT_EQ(group.western.text, QString());
 }
 
 TEST_F(Calendar, ChecksADateGroup) {

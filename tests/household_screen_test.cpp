@@ -1,5 +1,6 @@
 #include "support/screen_fixture.h"
 
+#include <QLabel>
 #include <QTabWidget>
 #include <QtTest>
 
@@ -96,12 +97,33 @@ TEST_F(HouseholdScreens, TypedDistrictsStayAsTypedAndMarksLeadTheKeyboard) {
     EXPECT_EQ(query(u"SELECT マ_略称 FROM マスタ WHERE マ_区分 = 2"_s), u"東の地区|東"_s);
 }
 
+TEST_F(HouseholdScreens, TheBarOffersWhatAMoveLeavesBehind) {
+    execute(u"UPDATE tbl_kazoku SET tblkzk_tel = '03-3'"_s);
+    open(household);
+    type(household, u"frm01_tel"_s, u"045"_s);
+    change();
+    EXPECT_EQ(control<QAbstractButton>(household, u"家族も直す"_s).text(), u"家族2人も直す(&F)"_s);
+    press(household, u"家族も直す"_s);
+    EXPECT_EQ(query(u"SELECT DISTINCT tblkzk_tel FROM tbl_kazoku"_s), u"045"_s);
+    EXPECT_EQ(control<QLabel>(household, u"お知らせ文"_s).text(), u"家族2人の住所・電話番号を直しました"_s);
+    EXPECT_EQ(screen(household).findChild<QAbstractButton*>(u"家族も直す"_s), nullptr);
+}
+
 TEST_F(HouseholdScreens, ANewHeadIsChosenWithHisRelationship) {
     open(u"代替当"_s);
     EXPECT_EQ(text(u"代替当"_s, u"frm01_jyusho1"_s), u"寺前1丁目2-3"_s);
     clickLine(u"代替当"_s, u"frm01_toshug"_s, u"次郎"_s);
     EXPECT_EQ(control<QListWidget>(u"代替当"_s, u"frm01_tsh_zkgr"_s).currentRow(), 1);
     EXPECT_EQ(text(u"代替当"_s, u"frm01_jyusho1"_s), u"川端2"_s);
+    const auto ground = [this](const QString& box) {
+        return control(u"代替当"_s, box).palette().color(QPalette::Base);
+    };
+    EXPECT_NE(ground(u"frm01_jyusho1"_s), ground(u"frm01_dankag"_s));
+    EXPECT_TRUE(
+        control<QLabel>(u"代替当"_s, u"檀家との違い"_s).text().contains(u"：カナ、郵便番号、住所１、電話番号"_s));
+    type(u"代替当"_s, u"frm01_jyusho1"_s, u"寺前1丁目2-3"_s);
+    EXPECT_EQ(ground(u"frm01_jyusho1"_s), ground(u"frm01_dankag"_s));
+    type(u"代替当"_s, u"frm01_jyusho1"_s, u"川端2"_s);
     press(u"代替当"_s, u"家族一覧"_s);
     EXPECT_EQ(text(u"家族一"_s, u"frm12_jyusho1"_s), u"川端2"_s);
 }

@@ -114,9 +114,9 @@ TEST_F(Reservations, ListWhatIsBookedAndNotYetHeldByDayAndTime) {
     EXPECT_EQ(deceased(), u"早い|午前|午後|終わり"_s);
     EXPECT_EQ(column(form.frm21_tbl, 1), u"AM 9：5|AM 10：30|PM 1：00|AM 24：60"_s);
     EXPECT_EQ(cells(form.frm21_tbl, 1),
-              u"令和8年12月1日|AM 9：5|山田|8|早い|3回忌|令和9年1月12日|本堂|施主|||備考|2027/01/12"_s);
+              u"令和8年12月1日|AM 9：5|山田|8|早い|3回忌|令和9年1月12日|本堂|施主|||備考|2027/01/12|火"_s);
     EXPECT_EQ(cells(form.frm21_tbl, 3), u"令和8年12月1日|PM 1：00|山田|7|午後|3回忌|令和9年1月10日|本堂|施主|"
-                                        "寺前1丁目2-3|03-1234-5678|備考|2027/01/10"_s);
+                                        "寺前1丁目2-3|03-1234-5678|備考|2027/01/10|火"_s);
 
     click(form, 2);
     openReservationDeceased(form, context, desk);
@@ -163,7 +163,10 @@ TEST_F(Reservations, LoseNoneOfAnHour) {
     form.nextPage(desk);
     const QString page = deceased();
     click(form, 2);
-    openReservationDeceased(form, context, desk);
+    openReservedService(form, context, desk);
+    EXPECT_EQ(desk.opened.back().screen, u"法要明"_s);
+    EXPECT_EQ(context.kak_zokunameg + values::dateText(context.hoy_kaiki_yymd),
+              deceased().section(u'|', 1, 1) + cells(form.frm21_tbl, 2).section(u'|', 12, 12));
     desk.opened.back().closed();
     EXPECT_EQ(deceased(), page);
 }

@@ -1,3 +1,4 @@
+#include "memorials/booking_rules.h"
 #include "memorials/detail_rules.h"
 #include "memorials/extra_rules.h"
 #include "support/register_fixture.h"
@@ -171,6 +172,109 @@ TEST_F(Services, BookingAndHoldingAreKeptAndNoFlagIsLowered) {
     form = detail();
     save(form);
     EXPECT_EQ(stored(u"tblhoy_kaiki_seshug"_s), u"ア"_s);
+}
+
+TEST_F(Services, ADayTellsItsOtherBookings) {
+    int made = 0;
+    const auto book = [&](const QString& label, const QString& day, const QString& time, int held = 0) {
+        execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei, "
+                "tblhoy_kaiki_yymd, tblhoy_kaiki_rs, tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, "
+                "tblhoy_kaiki_mint, tblhoy_kaiki_s, tblhoy_kaiki_basho) VALUES (8, '鈴木', '鈴木　一', '%1', "
+                "date('2000-01-01', '%2 days'), 1, '%3', %4, %5, '本堂')"_s.arg(label)
+                    .arg(++made)
+                    .arg(day, time)
+                    .arg(held));
+    };
+    book(u"午後"_s, u"2027-02-14"_s, u"'2', 1, 0"_s);
+    book(u"朝"_s, u"2027-02-14"_s, u"'1', 10, 0"_s);
+    book(u"未定"_s, u"2027-02-14"_s, u"'1', 0, 0"_s);
+    book(u"済"_s, u"2027-02-14"_s, u"'1', 10, 0"_s, 1);
+    book(u"翌日"_s, u"2027-02-15"_s, u"'1', 10, 0"_s);
+    book(u"昔"_s, u"2026-11-21"_s, u"'1', 10, 0"_s);
+    // 予約日|am or pm|hour|minute; the day's other services, those that overlap after a !
+    const std::tuple<QString, QString, bool> cases[] = {
+        {u"|a|10|0"_s, {}, false},
+        {u"9.2|a|10|0"_s, {}, false},
+        {u"9.2.14|a||"_s, u"未定 朝 午後"_s, false},
+        {u"9.2.14|a|10|30"_s, u"未定 !朝 午後"_s, true},
+        {u"９．２．１４|a|11|00"_s, u"未定 朝 午後"_s, false},
+        {u"9.2.14|a|9|00"_s, u"未定 朝 午後"_s, false},
+        {u"9.2.14|a|9|15"_s, u"未定 !朝 午後"_s, true},
+        {u"9.2.14|p|10|0"_s, u"未定 朝 午後"_s, false},
+        {u"9.2.14|a|12|15"_s, u"未定 朝 !午後"_s, true},
+        {u"9.2.14|p|12|15"_s, u"未定 朝 !午後"_s, true},
+        {u"9.2.14|a|13|45"_s, u"未定 朝 !午後"_s, true},
+        {u"9.2.14|p|x|0"_s, u"未定 朝 午後"_s, false},
+        {u"9.2.16|a|10|0"_s, u"ありません"_s, false},
+        {u"8.11.21|a|13|0"_s, u"過ぎ 昔"_s, true},
+    };
+    store::Database database;
+    for (const auto& [typed, others, warns] : cases) {
+        SCOPED_TRACE(typed.toStdString());
+        法要外Form form;
+        form.予約.era.text = typed.section(u'|', 0, 0);
+        form.frm31_am.chosen = typed.section(u'|', 1, 1) == u"a";
+        form.開始時.text = typed.section(u'|', 2, 2);
+        form.開始分.text = typed.section(u'|', 3, 3);
+        const BookingState state = bookingState(database, form, nullptr, today);
+        QStringList seen;
+        for (const QString& line : state.text.split(u'\n')) {
+            for (const auto& word : {u"ありません"_s, u"過ぎ"_s})
+                if (line.contains(word))
+                    seen << word;
+            if (line.contains(u'（'))
+                seen << (line.startsWith(u"【重なり】"_s) ? u"!"_s : QString()) +
+                            line.section(u'（', 1).section(u'）', 0, 0);
+        }
+        EXPECT_EQ(seen.join(u' '), others);
+        EXPECT_EQ(state.warns, warns);
+    }
+}
+
+TEST_F(Services, ABookingIsTakenBackAndNothingElse) {
+    const QString ask = u"この法要の予約を取り消しますか？"_s;
+    const QString booking = u"tblhoy_kaiki_rs, tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour, "
+                            "tblhoy_kaiki_mint"_s;
+    const QString others = query(u"SELECT group_concat(name) FROM pragma_table_info('tbl_hohyo') WHERE "
+                                 "instr('%1', name) = 0"_s.arg(booking));
+    法要明Form form = detail();
+    desk.expect(u"予約されていない法要です。取り消す予約がありません"_s, detailTitle);
+    cancelDetail(form, context, desk);
+    execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_rs = 1, tblhoy_kaiki_rymd = '2027-02-14', tblhoy_kaiki_ampm = '2', "
+            "tblhoy_kaiki_hour = 1, tblhoy_kaiki_mint = 30, tblhoy_kaiki_basho = '本堂', tblhoy_kaiki_seshug = 'ア', "
+            "tblhoy_zokugara = '長男', tblhoy_ofuse = 5000, tblhoy_bikou = '備', tblhoy_tsuchi_s = 1, "
+            "tblhoy_tsuchi_ymd = '2026-10-01'"_s);
+    const QString before = stored(others);
+    form = detail();
+    desk.answer(ask, detailTitle, false);
+    cancelDetail(form, context, desk);
+    EXPECT_EQ(desk.lastPreset, desk::Preset::no);
+    desk.answer(ask, detailTitle, true);
+    cancelDetail(form, context, desk);
+    EXPECT_EQ(stored(booking), u"0,NULL,1,0,0"_s);
+    EXPECT_EQ(stored(others), before);
+    EXPECT_EQ(form.予約.western.text + form.予約.era.text + form.開始時.text + form.開始分.text, QString());
+    EXPECT_TRUE(form.frm31_am.chosen && !form.frm31_pm.chosen);
+
+    // Held, an extra one, changed elsewhere: refused, as it was.
+    const std::pair<QString, QString> refused[] = {
+        {u"tblhoy_kaiki_s = 1"_s, u"実施済みの法要です。予約は取り消せません"_s},
+        {u"tblhoy_kaiki_mei = '納骨'"_s, u"回忌外の法要です。予約を取り消すときは「削除」を使って下さい"_s},
+        {{}, changedElsewhere}};
+    for (const auto& [state, message] : refused) {
+        execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_rs = 1, tblhoy_kaiki_rymd = '2027-02-14'"_s);
+        if (!state.isEmpty())
+            execute(u"UPDATE tbl_hohyo SET "_s + state);
+        form = detail();
+        if (state.isEmpty()) {
+            desk.answer(ask, detailTitle, true);
+            desk.whileAsked = [this] { execute(u"UPDATE tbl_hohyo SET tblhoy_bikou = '別'"_s); };
+        }
+        desk.expect(message, detailTitle);
+        cancelDetail(form, context, desk);
+        EXPECT_EQ(query(u"SELECT tblhoy_kaiki_rs FROM tbl_hohyo"_s), u"1"_s);
+        execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_s = 0, tblhoy_kaiki_mei = '3回忌'"_s);
+    }
 }
 
 TEST_F(Services, OnlyTheFirstFailureSpeaksAndAllAreRed) {

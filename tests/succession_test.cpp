@@ -66,6 +66,10 @@ TEST_F(Succession, ListsTheLivingAndShowsTheOneChosen) {
               QStringList({u"太郎"_s, u"次郎'"_s, u"本人"_s, u"長男"_s}));
     EXPECT_EQ(form.frm01_jyusho2.text, u""_s); // the household's own second line is not kept beside it
     EXPECT_EQ(form.frm01_地区.text + form.frm01_biko.text, u"川端地区遠方"_s);
+    const households::Differences now = households::differences(form);
+    EXPECT_EQ(now.boxes.size(), 7);
+    EXPECT_EQ(now.text, u"檀家の今の記録から変わる欄：郵便番号、住所１、電話番号、地区、備考\n"
+                        "空欄なので今の記録が残る欄：住所２「離れ」、FAX「03-2」"_s);
 
     context.dnk_haka_basho = u"境内"_s;
     households::openFamilyOfSuccession(form, context, desk);

@@ -1,6 +1,6 @@
 #include "calendar/date_range.h"
 
-#include "calendar/eras.h"
+#include "calendar/spoken_date.h"
 #include "store/database.h"
 #include "values/dates.h"
 
@@ -25,8 +25,10 @@ std::optional<QDate> check(std::optional<QDate> date, desk::Text& box, const QSt
 std::optional<QDate> rangeDate(const desk::Text& box) {
     if (const auto western = values::readDate(box.text))
         return western;
+    // A date without its era could be of any: the boxes of a range are for distant years, too.
     store::Database database;
-    return readDate(database, box.text);
+    const auto spoken = readSpoken(database, box.text, {});
+    return spoken ? std::optional(spoken->date) : std::nullopt;
 }
 
 std::optional<QDate> checkRangeStart(desk::Text& box, const QString& title, desk::Desk& desk) {

@@ -1,11 +1,7 @@
 #include "calendar/eras.h"
 
 #include "store/table.h"
-#include "values/dates.h"
 #include "values/numbers.h"
-
-#include <QMap>
-#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -18,13 +14,6 @@ QStringList numbersUpTo(int last) {
     for (int number = 1; number <= last; ++number)
         numbers << QString::number(number);
     return numbers;
-}
-
-std::optional<int> firstYearOf(store::Database& database, const QString& era) {
-    store::Table eras(database, store::idxnen_nengo);
-    if (!eras.seek(store::Seek::equal, era))
-        return {};
-    return eras.row().tblnen_snen;
 }
 
 EraDate inEra(const store::tbl_nengo& era, QDate date) {
@@ -84,16 +73,23 @@ QString EraTexts::of(QDate date) {
     return known->second ? inEra(known->second->era, date).full : eraText(database_, date, desk_);
 }
 
+std::optional<int> westernYear(store::Database& database, const QString& era, const QString& year) {
+    const auto found = store::find(database, store::idxnen_nengo, era);
+    const auto eraYear = values::readInt16(year);
+    if (!found || !eraYear)
+        return {};
+    return found->tblnen_snen + *eraYear - 1;
+}
+
 QString 元号変換(store::Database& database, const QString& era, const QString& year, std::int16_t& error,
                  desk::Desk& desk) {
-    const auto firstYear = firstYearOf(database, era);
-    const auto eraYear = values::readInt16(year);
-    if (!firstYear || !eraYear) {
+    const auto western = westernYear(database, era, year);
+    if (!western) {
         error = 1;
         desk.notify(u"元号の変換が出来ません。入力した元号・ﾃﾞｰﾀ･ﾍﾞｰｽの整合性をﾁｪｯｸしてください"_s, u"檀家 登録"_s);
         return {};
     }
-    return QString::number(*firstYear + *eraYear - 1);
+    return QString::number(*western);
 }
 
 void CMB年号(store::Database& database, desk::DateGroup& group) {
@@ -103,27 +99,6 @@ void CMB年号(store::Database& database, desk::DateGroup& group) {
     group.year.items << numbersUpTo(100);
     group.month.items << numbersUpTo(12);
     group.day.items << numbersUpTo(31);
-}
-
-std::optional<QDate> readDate(store::Database& database, QStringView text) {
-    if (const auto western = values::readDate(text))
-        return western;
-    static const QRegularExpression form(
-        u"^(?<era>[^0-9\\s]+?)\\s*(?<y>[0-9]{1,3}|元)\\s*(?:年|[./-])\\s*(?<m>[0-9]{1,2})\\s*(?:月|[./-])\\s*"
-        "(?<d>[0-9]{1,2})\\s*日?$"_s);
-    const auto match = form.match(values::halfWidth(text.trimmed()));
-    if (!match.hasMatch())
-        return {};
-    static const QMap<QString, QString> initials{
-        {u"M"_s, u"明治"_s}, {u"T"_s, u"大正"_s}, {u"S"_s, u"昭和"_s}, {u"H"_s, u"平成"_s}, {u"R"_s, u"令和"_s}};
-    const QString typed = match.captured(u"era"_s);
-    const QString initial = typed.normalized(QString::NormalizationForm_KC).toUpper();
-    const auto firstYear = firstYearOf(database, initials.value(initial, typed));
-    if (!firstYear)
-        return {};
-    const QString year = match.captured(u"y"_s);
-    return values::makeDate(*firstYear + (year == u"元"_s ? 1 : year.toInt()) - 1, match.captured(u"m"_s).toInt(),
-                            match.captured(u"d"_s).toInt());
 }
 
 } // namespace calendar

@@ -7,7 +7,6 @@
 
 #include <QDate>
 #include <QString>
-#include <QStringView>
 
 #include <cstdint>
 #include <map>
@@ -57,18 +56,17 @@ class EraTexts {
     std::map<int, std::optional<EraOfYear>> eras_;
 };
 
-// Era name and era year to the Western year as text. The last year of the era is not consulted; 0 and negative years
-// count on. With an unknown name (or a year that is no 16-bit number) it shows a message, sets the error flag to 1 and
-// gives an empty text; the flag is left alone otherwise.
+// Era name and era year to the Western year: nothing with an unknown name or a year that is no 16-bit number. The last
+// year of the era is not consulted; 0 and negative years count on.
+std::optional<int> westernYear(store::Database& database, const QString& era, const QString& year);
+
+// The same as text. Where there is none it shows a message, sets the error flag to 1 and gives an empty text; the flag
+// is left alone otherwise.
 QString 元号変換(store::Database& database, const QString& era, const QString& year, std::int16_t& error,
                  desk::Desk& desk);
 
 // Appends to the group's boxes: the era names, newest first, and the years 1 to 100, months and days. Called once a
 // group when its screen is loaded.
 void CMB年号(store::Database& database, desk::DateGroup& group);
-
-// A date as typed into a date-range box: Western, or in era form with the era's name or the initial of one of the last
-// five (令和8年11月22日, R8.11.22). Nothing when it is no date of the calendar or its era is not in the table.
-std::optional<QDate> readDate(store::Database& database, QStringView text);
 
 } // namespace calendar

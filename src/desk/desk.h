@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace desk {
 
@@ -21,6 +22,15 @@ class Progress {
     virtual bool advance(int percent, const QString& text) = 0;
 };
 
+// Something that follows from what was just done, offered in the bar: a button with this object name and caption,
+// pressed with the mouse or with Alt and its key, on which run is an operation of the screen.
+struct Offer {
+    QString name;
+    QString caption;
+    QChar key;
+    std::function<void()> run;
+};
+
 // What an operation reaches of the outside. Every operation gets one and talks to nothing else.
 class Desk {
   public:
@@ -32,6 +42,8 @@ class Desk {
     virtual bool ask(const QString& text, const QString& title, Preset preset = Preset::yes) = 0;
     // Tells in the screen's bar what needs no answer; it stays until the screen's next operation.
     virtual void inform(const QString& text) = 0;
+    // The same with what follows from it, if the user likes; a desk without buttons only tells.
+    virtual void offer(const QString& text, [[maybe_unused]] std::vector<Offer> offers) { inform(text); }
 
     virtual QDate today() const = 0;
 

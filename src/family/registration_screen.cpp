@@ -1,5 +1,7 @@
+#include "calendar/date_group_screen.h"
 #include "family/family_screens.h"
 #include "family/registration_rules.h"
+#include "masters/postal_codes.h"
 #include "ui/layout.h"
 
 using namespace Qt::StringLiterals;
@@ -33,7 +35,8 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm12_namek), 20)
         .kanaOf(u"frm12_nameg"_s)
         .row(u"生年月日"_s)
-        .dates({u"生年元号"_s, u"生年"_s, u"生年月"_s, u"生年日"_s, u"生年日YMD"_s}, form.生年)
+        .dates({u"生年元号"_s, u"生年"_s, u"生年月"_s, u"生年日"_s, u"生年日YMD"_s}, form.生年,
+               calendar::dateHelp(*screen, form.生年, calendar::DateOf::birth))
         .row(u"当主との続柄"_s)
         .combo(HOSHIREN_CONTROL(form, frm12_続柄), 8)
         .row(u"同居区分"_s)
@@ -41,6 +44,8 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
                  {{HOSHIREN_CONTROL(form, frm12_dohkyo), u"同居"_s}, {HOSHIREN_CONTROL(form, frm12_bekkyo), u"別居"_s}})
         .row(u"郵便番号"_s)
         .text(HOSHIREN_CONTROL(form, frm12_yubinno), 6)
+        .onLeave(
+            [&form, raw = screen.get()] { masters::fillAddress(form.frm12_yubinno, form.frm12_jyusho1, raw->desk()); })
         .row(u"住所１"_s)
         .text(HOSHIREN_CONTROL(form, frm12_jyusho1), 26)
         .row()

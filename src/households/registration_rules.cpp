@@ -3,6 +3,7 @@
 #include "desk/numbering.h"
 #include "desk/save_attempt.h"
 #include "households/erasure_rules.h"
+#include "households/move_rules.h"
 #include "masters/master_rules.h"
 #include "store/row_rules.h"
 #include "store/table.h"
@@ -96,10 +97,6 @@ void showHousehold(檀家登Form& form, const desk::HouseholdBlock& household) {
     form.frm01_haka_soto.chosen = !form.frm01_haka_nai.chosen;
 }
 
-desk::Refusal refusal() {
-    return {title, u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s};
-}
-
 // Nothing when there is no counter table to read a number from.
 std::optional<std::int16_t> proposedNumber(store::Database& database, desk::Desk& desk) {
     try {
@@ -113,6 +110,10 @@ std::optional<std::int16_t> proposedNumber(store::Database& database, desk::Desk
 }
 
 } // namespace
+
+desk::Refusal householdRefusal() {
+    return {title, u"指定された檀家番号を読めませんません。DBの整合性を確認して下さい"_s};
+}
 
 void HouseholdFields::showFields(const desk::HouseholdBlock& household) {
     frm01_no.text = QString::number(household.dnk_no1);
@@ -271,22 +272,24 @@ void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::De
         !desk.ask(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, title))
         return;
     const desk::HouseholdBlock household = typedHousehold(form, shownNumbers(form));
+    const store::tbl_danka before = form.held.isNew() ? store::tbl_danka() : form.held.row();
     store::Database database;
     const bool changed = desk::change(
-        form.held, database, refusal(), desk, [&](store::tbl_danka& row) { household.writeInto(row); },
+        form.held, database, householdRefusal(), desk, [&](store::tbl_danka& row) { household.writeInto(row); },
         [&] { masters::MST設定(database, masters::Category::地区, form.frm01_地区.text); });
     if (!changed)
         return;
     context.publishHousehold(household);
     desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
     masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
+    offerCopies(form, before, desk);
 }
 
 void DeleteHousehold(檀家登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     if (numbersChanged(form, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
     store::Database database;
-    if (desk::remove(form.held, database, refusal(), desk))
+    if (desk::remove(form.held, database, householdRefusal(), desk))
         desk.notify(u"指定された檀家さんは削除されました。"_s, title);
 }
 

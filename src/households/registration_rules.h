@@ -53,8 +53,10 @@ void openBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& d
 void LoadHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 登録: issues a number, inserts the household and says so in the bar.
 void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// The words in which 檀家登 refuses a household that is other than held.
+desk::Refusal householdRefusal();
 // 更新 and 削除 act on the household last looked up or registered, only while both number boxes show it and only while
-// the file holds it as it was read.
+// the file holds it as it was read. 更新 then offers in the bar to bring the copies of what changed into step.
 void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void DeleteHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 檀家抹消: after a Yes hands the household shown to EraseHousehold, which asks again for each kind of data. A number

@@ -1,5 +1,6 @@
 #include "households/household_screens.h"
 #include "households/registration_rules.h"
+#include "masters/postal_codes.h"
 #include "ui/layout.h"
 
 using namespace Qt::StringLiterals;
@@ -38,6 +39,8 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .frame(u"連絡先"_s, u"連絡先"_s)
         .row(u"郵便番号"_s)
         .text(HOSHIREN_CONTROL(form, frm01_yubinno), 6)
+        .onLeave(
+            [&form, raw = screen.get()] { masters::fillAddress(form.frm01_yubinno, form.frm01_jyusho1, raw->desk()); })
         .row(u"住所1"_s)
         .text(HOSHIREN_CONTROL(form, frm01_jyusho1), 26)
         .row()

@@ -152,6 +152,50 @@ void PickNewHead(代替当Form& form, desk::ScreenContext& context, desk::Desk& 
     form.held.filledAnew();
 }
 
+Differences differences(const 代替当Form& form) {
+    if (!form.held)
+        return {};
+    const store::tbl_danka& row = form.held.row();
+    const auto category = desk::categoryText(form.frm01_dnkkbn1.chosen);
+    const auto storedCategory = desk::categoryText(row.tbldnk_dnkkbn == desk::categoryText(true));
+    struct Box {
+        QString name;
+        QString label;
+        const QString& shown;
+        const QString& stored;
+        bool keeps = false; // emptied it leaves what is stored
+    };
+    const Box boxes[] = {{u"frm01_dankag"_s, u"檀家名"_s, form.frm01_dankag.text, row.tbldnk_nameg},
+                         {u"frm01_dankak"_s, u"カナ"_s, form.frm01_dankak.text, row.tbldnk_namek},
+                         {u"frm01_dnkkbn1"_s, u"檀家区分"_s, category, storedCategory},
+                         {u"frm01_yubinno"_s, u"郵便番号"_s, form.frm01_yubinno.text, row.tbldnk_yubin},
+                         {u"frm01_jyusho1"_s, u"住所１"_s, form.frm01_jyusho1.text, row.tbldnk_jyusho1},
+                         {u"frm01_jyusho2"_s, u"住所２"_s, form.frm01_jyusho2.text, row.tbldnk_jyusho2, true},
+                         {u"frm01_tel"_s, u"電話番号"_s, form.frm01_tel.text, row.tbldnk_tel},
+                         {u"frm01_fax"_s, u"FAX"_s, form.frm01_fax.text, row.tbldnk_fax, true},
+                         {u"frm01_地区"_s, u"地区"_s, form.frm01_地区.text, row.tbldnk_chiku, true},
+                         {u"frm01_biko"_s, u"備考"_s, form.frm01_biko.text, row.tbldnk_bikou, true}};
+    Differences found;
+    QStringList changed;
+    QStringList kept;
+    for (const Box& box : boxes) {
+        if (box.shown == box.stored)
+            continue;
+        found.boxes << box.name;
+        if (box.keeps && box.shown.isEmpty())
+            kept << u"%1「%2」"_s.arg(box.label, box.stored);
+        else
+            changed << box.label;
+    }
+    QStringList lines;
+    if (!changed.isEmpty())
+        lines << u"檀家の今の記録から変わる欄："_s + changed.join(u"、"_s);
+    if (!kept.isEmpty())
+        lines << u"空欄なので今の記録が残る欄："_s + kept.join(u"、"_s);
+    found.text = lines.join(u'\n');
+    return found;
+}
+
 void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (form.held.isNew()) {
         desk.notify(u"檀家を照会してから登録して下さい"_s, title);

@@ -25,6 +25,13 @@ void LoadSuccession(代替当Form& form, desk::ScreenContext& context, desk::Des
 // A line of frm01_toshug has been chosen: shows the member's name, address and contacts. One who has died, or who is
 // not found under the household's name, is told of and chosen no more; the boxes stay.
 void PickNewHead(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// The boxes that show something else than the household opened, by their object names, and what is to be known of them:
+// their labels, and which empty ones leave what is stored. The head himself apart; nothing before a household is shown.
+struct Differences {
+    QStringList boxes;
+    QString text;
+};
+Differences differences(const 代替当Form& form);
 // 更新: after a Yes writes the household that was opened in tbl_danka, then, as a second write, the new head's row of
 // tbl_kazoku; neither where household or member is other than read. Emptied optional fields (second address line, fax,
 // district, remarks) leave what is stored.

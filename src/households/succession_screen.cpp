@@ -1,6 +1,7 @@
 #include "households/succession_screen.h"
 
 #include "households/succession_rules.h"
+#include "masters/postal_codes.h"
 #include "ui/layout.h"
 
 using namespace Qt::StringLiterals;
@@ -37,6 +38,8 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
         .frame()
         .row(u"郵便番号"_s)
         .text(HOSHIREN_CONTROL(form, frm01_yubinno), 6)
+        .onLeave(
+            [&form, raw = screen.get()] { masters::fillAddress(form.frm01_yubinno, form.frm01_jyusho1, raw->desk()); })
         .row(u"住所１"_s)
         .text(HOSHIREN_CONTROL(form, frm01_jyusho1), 24)
         .row(u"住所２"_s)
@@ -48,7 +51,17 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
         .row(u"地区"_s)
         .combo(HOSHIREN_CONTROL(form, frm01_地区), 10)
         .row(u"備考"_s)
-        .text(HOSHIREN_CONTROL(form, frm01_biko), 24);
+        .text(HOSHIREN_CONTROL(form, frm01_biko), 24)
+        .row()
+        .live(
+            u"檀家との違い"_s,
+            [&form] {
+                const Differences now = differences(form);
+                return ui::LiveText{now.text, false, now.boxes};
+            },
+            {u"frm01_dankag"_s, u"frm01_dankak"_s, u"frm01_dnkkbn1"_s, u"frm01_dnkkbn2"_s, u"frm01_yubinno"_s,
+             u"frm01_jyusho1"_s, u"frm01_jyusho2"_s, u"frm01_tel"_s, u"frm01_fax"_s, u"frm01_地区"_s, u"frm01_biko"_s},
+            24, 3);
     layout.mainAction(u"更新"_s, u"更新"_s, screen->run(CarryOutSuccession))
         .gap()
         .action(u"家族一覧"_s, u"家族一覧"_s, screen->run(openFamilyOfSuccession))

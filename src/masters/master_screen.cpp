@@ -1,11 +1,27 @@
 #include "masters/master_screen.h"
 
 #include "masters/master_rules.h"
+#include "masters/postal_codes.h"
 #include "ui/layout.h"
+
+#include <QFileDialog>
 
 using namespace Qt::StringLiterals;
 
 namespace masters {
+
+namespace {
+
+void choosePostalCodesFile(ui::Screen& screen) {
+    const QString path =
+        QFileDialog::getOpenFileName(&screen, u"郵便番号のファイル"_s, QFileInfo(postalCodesFile()).path(),
+                                     u"CSV (*.csv *.CSV);;すべてのファイル (*)"_s);
+    if (!path.isEmpty())
+        screen.desk().inform(
+            u"郵便番号%1件を読みました。住所が空の欄に、郵便番号から入ります"_s.arg(choosePostalCodes(path)));
+}
+
+} // namespace
 
 std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<マスター登Form>>(workplace, u"マスター登"_s, u"マスター登録"_s,
@@ -33,6 +49,10 @@ std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
         .row(u"登録略称"_s)
         .text(HOSHIREN_CONTROL(form, 登録略称), 12);
     layout.mainAction(u"更新"_s, u"確定"_s, screen->run(saveEntry))
+        .gap()
+        .action(
+            u"郵便番号簿"_s, u"郵便番号簿"_s, [raw = screen.get()] { choosePostalCodesFile(*raw); },
+            u"郵便局の郵便番号のファイル（KEN_ALL.CSV）を選びます"_s)
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(deleteEntry))
         .closing()

@@ -2,6 +2,7 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "memorials/booking_rules.h"
 #include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
@@ -17,6 +18,12 @@ const QString title = u"法要明細"_s;
 
 void showMemorial(store::Database& database, 法要明Form& form, const store::tbl_hohyo& row, desk::Desk& desk) {
     form.held.show(row);
+    form.予約.clear();
+    form.実施.clear();
+    form.frm31_am.chosen = true;
+    form.frm31_pm.chosen = false;
+    form.開始時.text.clear();
+    form.開始分.text.clear();
     form.frm31_hohyo_mei.text = row.tblhoy_kaiki_mei;
     form.frm31_ygymd.text = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
     if (store::isReserved(row)) {
@@ -92,6 +99,12 @@ void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& d
             form.held, database, {title, memorialMissing}, desk,
             [&form](store::tbl_hohyo& row) { writeService(form, row); }, [&] { keepWords(database, form); }))
         desk.notify(u"入力された内容で法要は更新されました。"_s, title);
+}
+
+void cancelDetail(法要明Form& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::Database database;
+    if (cancelBooking(database, form.held, title, desk))
+        showMemorial(database, form, form.held.row(), desk);
 }
 
 void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {

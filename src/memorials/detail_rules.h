@@ -21,6 +21,8 @@ void publishShown(const 法要明Form& form, desk::ScreenContext& context);
 void bookOnScheduledDay(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk); // 法要日に予約
 // 更新, 削除: only while the file holds the memorial as read.
 void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 予約取消: as cancelBooking says; shows the memorial as it is then.
+void cancelDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 } // namespace memorials

@@ -2,6 +2,7 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "memorials/booking_rules.h"
 #include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
@@ -197,6 +198,10 @@ void registerExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk
     startAnew(form, context);
     form.frm31_ygymd.text = calendar::eraText(database, row.tblhoy_kaiki_yymd, desk);
     desk.notify(u"指定された法要は登録されました。"_s, title);
+}
+
+void cancelExtra(法要外Form&, desk::ScreenContext&, desk::Desk& desk) {
+    desk.notify(extraIsDeleted, title);
 }
 
 void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -24,6 +24,8 @@ void nameOpened(const 法要外Form& form, desk::ScreenContext& context);
 void chooseDeceased(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 登録: writes the memorial of the deceased as the death register holds him now, new words in the same write.
 void registerExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 予約取消: tells that an extra memorial goes with 削除.
+void cancelExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 削除: the memorial of the deceased on the dates shown; while that is the one last registered here, only as it was
 // registered.
 void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);

@@ -1,6 +1,7 @@
 #include "memorials/reservation_rules.h"
 
 #include "calendar/date_range.h"
+#include "calendar/spoken_date.h"
 #include "store/row_rules.h"
 #include "store/table.h"
 #include "values/dates.h"
@@ -42,6 +43,8 @@ std::vector<MemorialColumn> columns() {
         {u"TEL"_s, 1600, householdText(&store::tbl_danka::tbldnk_tel)},
         {u"備考"_s, 2500, [](ListedRow row) { return row.tblhoy_bikou; }},
         {{}, 0, [](ListedRow row) { return values::dateText(row.tblhoy_kaiki_yymd); }},
+        {u"曜日"_s, 600, [](ListedRow row) { return calendar::weekday(row.tblhoy_kaiki_rymd); }, Align::center,
+         Align::center},
     };
 }
 
@@ -144,6 +147,14 @@ void openReservationDeceased(法要一Form& form, desk::ScreenContext& context, 
         return;
     publishMemorial(*row, context);
     form.open(u"過去登"_s, desk);
+}
+
+void openReservedService(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const ListedMemorial* row = form.list.selected();
+    if (!row)
+        return;
+    publishMemorial(*row, context);
+    form.open(u"法要明"_s, desk);
 }
 
 void openReservationHousehold(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk) {

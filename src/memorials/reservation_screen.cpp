@@ -18,7 +18,7 @@ std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm02_to), 10)
         .onLeave(screen->run(leaveReservationsTo));
     layout.last()->setAccessibleName(u"検索終了日"_s);
-    ui::addList(layout, *screen, form, screen->run(openReservationDeceased));
+    ui::addList(layout, *screen, form, screen->run(openReservedService));
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showReservations));
     ui::addListButtons(layout, *screen, form);
     layout.gap()

@@ -1,3 +1,5 @@
+#include "calendar/date_group_screen.h"
+#include "memorials/booking_rules.h"
 #include "memorials/detail_rules.h"
 #include "memorials/extra_rules.h"
 #include "memorials/memorial_screens.h"
@@ -38,8 +40,23 @@ void layOutHousehold(ui::Layout& layout, ServiceForm& form) {
         .named(u"檀家名カナ"_s);
 }
 
-void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
-    layout.row(u"開始時間"_s)
+// own is the memorial that the boxes are of; none for a new one.
+void layOutBooking(ui::Layout& layout, ui::Screen& screen, ServiceForm& form, const QString& dayName,
+                   const std::function<const store::tbl_hohyo*()>& own) {
+    layout.row(u"予約日"_s)
+        .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, dayName, u"予約YMD"_s}, form.予約,
+               calendar::dateHelp(screen, form.予約))
+        .row()
+        .live(
+            u"予約状況"_s,
+            [&screen, &form, own] {
+                store::Database database = calendar::impatientDatabase();
+                const BookingState state = bookingState(database, form, own(), screen.desk().today());
+                return ui::LiveText{state.text, state.warns};
+            },
+            {u"予約年号"_s, u"予約年"_s, u"予約月"_s, dayName, u"frm31_am"_s, u"frm31_pm"_s, u"開始時"_s, u"開始分"_s},
+            28, 2)
+        .row(u"開始時間"_s)
         .options(u"開始時間"_s, {},
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
@@ -52,10 +69,11 @@ void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
         .combo(HOSHIREN_CONTROL(form, frm31_法要場所), 14);
 }
 
-void layOutHolding(ui::Layout& layout, ServiceForm& form, const QString& listName, const QString& offeringLabel,
-                   ui::Operation asBooked) {
+void layOutHolding(ui::Layout& layout, ui::Screen& screen, ServiceForm& form, const QString& listName,
+                   const QString& offeringLabel, ui::Operation asBooked) {
     layout.row(u"実施日"_s)
-        .dates({u"実施年号"_s, u"実施年"_s, u"実施月"_s, u"実施日付"_s, u"実施YMD"_s}, form.実施)
+        .dates({u"実施年号"_s, u"実施年"_s, u"実施月"_s, u"実施日付"_s, u"実施YMD"_s}, form.実施,
+               calendar::dateHelp(screen, form.実施))
         .row()
         .button(u"実施日"_s, u"予約通り実施"_s, std::move(asBooked), u"実施日が予約日と同じ時に押して下さい"_s)
         .row(u"施主"_s)
@@ -88,13 +106,13 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
         .row(u"法要日"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_ygymd), 14)
         .button(u"予約日"_s, u"法要日に予約"_s, screen->run(bookOnScheduledDay),
-                u"予約日と法要日が同じ時に押して下さい"_s)
-        .row(u"予約日"_s)
-        .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, u"予約日付"_s, u"予約YMD"_s}, form.予約);
-    layOutTimeAndPlace(layout, form);
-    layOutHolding(layout, form, u"frm31_kankeisha"_s, u"供養料"_s, [raw] { holdAsBooked(raw->form()); });
+                u"予約日と法要日が同じ時に押して下さい"_s);
+    layOutBooking(layout, *screen, form, u"予約日付"_s,
+                  [raw] { return raw->form().held ? &raw->form().held.row() : nullptr; });
+    layOutHolding(layout, *screen, form, u"frm31_kankeisha"_s, u"供養料"_s, [raw] { holdAsBooked(raw->form()); });
     layout.mainAction(u"更新"_s, u"更新"_s, screen->run(saveDetail))
         .gap()
+        .action(u"予約取消"_s, u"予約取消"_s, screen->run(cancelDetail))
         .action(u"削除"_s, u"削除"_s, screen->run(deleteDetail))
         .closing()
         .finish();
@@ -119,13 +137,12 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
         .row(u"法要名"_s)
         .text(HOSHIREN_CONTROL(form, frm31_hohyo_mei), 14)
         .row(u"法要日"_s)
-        .shown(HOSHIREN_CONTROL(form, frm31_ygymd), 14)
-        .row(u"予約日"_s)
-        .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, u"予約日"_s, u"予約YMD"_s}, form.予約);
-    layOutTimeAndPlace(layout, form);
-    layOutHolding(layout, form, u"関係者"_s, u"お布施"_s, [raw] { holdAsBooked(raw->form()); });
+        .shown(HOSHIREN_CONTROL(form, frm31_ygymd), 14);
+    layOutBooking(layout, *screen, form, u"予約日"_s, [] { return nullptr; });
+    layOutHolding(layout, *screen, form, u"関係者"_s, u"お布施"_s, [raw] { holdAsBooked(raw->form()); });
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerExtra))
         .gap()
+        .action(u"予約取消"_s, u"予約取消"_s, screen->run(cancelExtra))
         .action(u"削除"_s, u"削除"_s, screen->run(deleteExtra))
         .closing()
         .finish();

@@ -31,7 +31,7 @@ const Holder holders[] = {
 };
 
 // A row's household is every branch of its number or, where the row has a branch number that is there, that branch.
-std::string selection(const Holder& holder) {
+std::string selection(const Holder& holder, std::optional<std::int16_t> household) {
     const std::string nameg = std::string("ifnull(c.") + holder.nameg + ", '')";
     const std::string namek = std::string("ifnull(c.") + holder.namek + ", '')";
     std::string join = std::string("d.tbldnk_no1 = c.") + holder.number;
@@ -43,7 +43,8 @@ std::string selection(const Holder& holder) {
            ", count(DISTINCT g || char(31) || k), min(g), min(k) FROM " + holder.table +
            " c JOIN (SELECT tbldnk_no1, tbldnk_no2, ifnull(tbldnk_nameg, '') AS g, ifnull(tbldnk_namek, '') AS k "
            "FROM tbl_danka) d ON " +
-           join + " GROUP BY c.rowid HAVING sum(g = " + nameg + " AND k = " + namek + ") = 0 ORDER BY 2, 3";
+           join + (household ? std::string(" WHERE c.") + holder.number + " = " + std::to_string(*household) : "") +
+           " GROUP BY c.rowid HAVING sum(g = " + nameg + " AND k = " + namek + ") = 0 ORDER BY 2, 3";
 }
 
 struct Found {
@@ -58,10 +59,10 @@ QString together(const QString& nameg, const QString& namek) {
     return u"%1（%2）"_s.arg(nameg, namek);
 }
 
-std::vector<Found> find(Database& database) {
+std::vector<Found> find(Database& database, std::optional<std::int16_t> household) {
     std::vector<Found> all;
     for (const Holder& holder : holders) {
-        SQLite::Statement rows(database.engine(), selection(holder));
+        SQLite::Statement rows(database.engine(), selection(holder, household));
         const auto text = [&rows](int column) {
             return QString::fromUtf8(rows.getColumn(column).getText(), rows.getColumn(column).getBytes());
         };
@@ -89,17 +90,17 @@ QStringList kindsOfNameCopies() {
     return kinds;
 }
 
-std::vector<NameCopy> findNameCopies(Database& database) {
+std::vector<NameCopy> findNameCopies(Database& database, std::optional<std::int16_t> household) {
     std::vector<NameCopy> copies;
-    for (Found& found : find(database))
+    for (Found& found : find(database, household))
         copies.push_back(std::move(found.copy));
     return copies;
 }
 
-std::vector<NameCopy> writeNameCopies(Database& database) {
+std::vector<NameCopy> writeNameCopies(Database& database, std::optional<std::int16_t> household) {
     std::vector<NameCopy> left;
     Write write(database);
-    for (Found& found : find(database)) {
+    for (Found& found : find(database, household)) {
         const Holder& holder = *found.holder;
         bool written = false;
         if (!found.copy.ambiguous) {

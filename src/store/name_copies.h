@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace store {
@@ -22,11 +24,11 @@ struct NameCopy {
 
 QStringList kindsOfNameCopies();
 
-// Every such row, by household number. Rows without a household are no such rows.
-std::vector<NameCopy> findNameCopies(Database& database);
+// Every such row, by household number, or those of one number. Rows without a household are no such rows.
+std::vector<NameCopy> findNameCopies(Database& database, std::optional<std::int16_t> household = {});
 
 // Brings them into step with their households, names and kana index, in one write. Gives those that were left: the
 // ambiguous ones, and those that would become the same as another row of their household.
-std::vector<NameCopy> writeNameCopies(Database& database);
+std::vector<NameCopy> writeNameCopies(Database& database, std::optional<std::int16_t> household = {});
 
 } // namespace store

@@ -1,7 +1,7 @@
 #include "transfer/bulk_record.h"
 
 #include "store/database.h"
-#include "transfer/cp932.h"
+#include "values/cp932.h"
 #include "values/numbers.h"
 
 #include <QIODevice>
@@ -119,7 +119,7 @@ void appendField(QByteArray& bytes, QStringView field, Altered& altered) {
             refer(c.unicode());
         } else if (c.isHighSurrogate() && at + 1 < field.size() && field[at + 1].isLowSurrogate()) {
             refer(QChar::surrogateToUcs4(c, field[++at]));
-        } else if (const auto held = cp932::encode(written)) {
+        } else if (const auto held = values::cp932::encode(written)) {
             if (*held > 0xFF)
                 bytes += static_cast<char>(*held >> 8);
             bytes += static_cast<char>(*held & 0xFF);
@@ -330,7 +330,7 @@ bool BulkReader::decode(QByteArrayView bytes) {
         good = bytes.isValidUtf8();
     } else {
         text_.resize(0);
-        good = cp932::decode(bytes, text_);
+        good = values::cp932::decode(bytes, text_);
     }
     if (text_.contains(QChar(u'\0'))) {
         text_.replace(QChar(u'\0'), undecodable);

@@ -3,6 +3,7 @@
 #include "ui/band_layout.h"
 #include "ui/flow_layout.h"
 #include "ui/layout_parts.h"
+#include "ui/live_label.h"
 #include "ui/notice_bar.h"
 #include "ui/plain_text.h"
 
@@ -49,6 +50,9 @@ Layout::Layout(Screen& screen) : screen_(screen), body_(new Body), bar_(new QWid
 }
 
 void Layout::finish() {
+    for (const auto& [label, controls] : followed_)
+        for (const QString& control : controls)
+            label->follow(body_->findChild<QWidget*>(control));
     if (!grid_)
         bands_->addStretch(1);
     // Rows stand together at the top of a frame that is taller than they are.

@@ -5,7 +5,10 @@
 
 #include <QString>
 
+#include <functional>
 #include <initializer_list>
+#include <utility>
+#include <vector>
 
 class QGridLayout;
 class QGroupBox;
@@ -18,6 +21,7 @@ namespace ui {
 
 class BandLayout;
 class FlowLayout;
+class LiveLabel;
 
 struct OptionItem {
     QString name;
@@ -32,6 +36,23 @@ struct DateNames {
     QString month;
     QString day;
     QString western;
+};
+
+// What a date group asks of the calendar.
+struct DateHelp {
+    // Spreads a date that stands whole in the era box over the four boxes of the form; true when it did.
+    std::function<bool()> spread;
+    // Puts today into the boxes.
+    Operation today;
+    // What the boxes' date is, in short: while it is typed.
+    std::function<QString()> hint;
+};
+
+// A text that follows from what stands in the form, saved or not.
+struct LiveText {
+    QString text;
+    bool warns = false;
+    QStringList marked = {}; // object names of the boxes that it speaks of: they wear a pale ground
 };
 
 // What a grid's events lead to; all but clicked may be absent.
@@ -98,7 +119,13 @@ class Layout {
                  const QString& heading = {});
     // The last lists scroll together and show the same line as chosen; only the first of them is in the tab order.
     Layout& parallel(int lists);
-    Layout& dates(const DateNames& names, desk::DateGroup& value);
+    // With a button 今日 (F2 in any of the boxes; not in the tab order, where Enter would press it) and a label that
+    // says which day it is: the era box's name with 今日 and 曜日 behind it.
+    Layout& dates(const DateNames& names, desk::DateGroup& value, DateHelp help);
+    // A label that is brought up to date whenever one of the controls is typed into or chosen, and after each
+    // operation. What the register refuses meanwhile leaves it empty.
+    Layout& live(const QString& name, std::function<LiveText()> text, const std::vector<QString>& controls, int width,
+                 int lines = 1);
     Layout& range(const QString& fromName, desk::Text& from, const QString& toName, desk::Text& to,
                   const RangeEvents& events);
     Layout& grid(const QString& name, desk::Grid& value, const GridEvents& events, int visibleRows = 17);
@@ -140,7 +167,8 @@ class Layout {
     QWidget* last_ = nullptr;
     desk::Text* text_ = nullptr; // of the text box declared last
     std::vector<QListWidget*> lists_;
-    std::vector<QGridLayout*> shortFrames_; // without a grid
+    std::vector<std::pair<LiveLabel*, std::vector<QString>>> followed_; // names of controls that may come later
+    std::vector<QGridLayout*> shortFrames_;                             // without a grid
     enum class Next { band, beside, below } next_ = Next::band;
     bool grid_ = false; // a grid takes the room that the window gives
 };

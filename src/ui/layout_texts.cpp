@@ -17,7 +17,9 @@ namespace {
 void setTextIfOther(QLineEdit* edit, const QString& text) {
     if (edit->text() != text) {
         edit->setText(text);
-        edit->setCursorPosition(0);
+        // Where somebody types, he goes on behind what was filled in.
+        if (!edit->hasFocus())
+            edit->setCursorPosition(0);
     }
 }
 

@@ -6,6 +6,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -47,22 +48,51 @@ NoticeBar::NoticeBar(QWidget* parent) : QFrame(parent) {
     label_->setWordWrap(true);
     line->addWidget(label_, 1);
     for (const ActionName& one : actionNames()) {
-        auto* button = new QPushButton(one.name + u"(&"_s + one.key + u')');
-        button->setObjectName(one.name);
-        button->setFocusPolicy(Qt::NoFocus);
-        button->setAutoDefault(false);
+        QPushButton* button = addButton(one.name, one.name, one.key);
         button->hide();
         connect(button, &QPushButton::clicked, this, [this, action = one.action] {
             if (pressed)
                 pressed(action);
         });
-        line->addWidget(button);
         buttons_[static_cast<std::size_t>(one.action)] = button;
     }
     hide();
 }
 
-void NoticeBar::tell(const QString& text, std::initializer_list<NoticeAction> actions) {
+QPushButton* NoticeBar::addButton(const QString& name, const QString& caption, QChar key) {
+    auto* button = new QPushButton(caption + u"(&"_s + key + u')');
+    button->setObjectName(name);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setAutoDefault(false);
+    layout()->addWidget(button);
+    return button;
+}
+
+// Buttons stay as long as the same is offered, so that none goes while it is being pressed; deleted later, for one that
+// was pressed is still at work.
+void NoticeBar::showOffers(std::vector<desk::Offer> offers) {
+    const bool same = std::ranges::equal(offers, offers_, {}, &desk::Offer::caption, &desk::Offer::caption);
+    offers_ = std::move(offers);
+    if (same)
+        return;
+    for (QPushButton* button : std::exchange(offerButtons_, {})) {
+        button->setObjectName({});
+        button->hide();
+        button->deleteLater();
+    }
+    for (std::size_t i = 0; i < offers_.size(); ++i) {
+        QPushButton* button = addButton(offers_[i].name, offers_[i].caption, offers_[i].key);
+        connect(button, &QPushButton::clicked, this, [this, i] {
+            if (taken && i < offers_.size())
+                taken(offers_[i].run);
+        });
+        offerButtons_.push_back(button);
+    }
+}
+
+void NoticeBar::tell(const QString& text, std::initializer_list<NoticeAction> actions,
+                     std::vector<desk::Offer> offers) {
+    showOffers(std::move(offers));
     const bool other = text != text_;
     text_ = text;
     label_->setText(text);
@@ -78,6 +108,7 @@ void NoticeBar::tell(const QString& text, std::initializer_list<NoticeAction> ac
 }
 
 void NoticeBar::clear() {
+    showOffers({});
     text_.clear();
     label_->clear();
     for (QPushButton* button : buttons_)

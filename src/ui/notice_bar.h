@@ -1,11 +1,14 @@
 #pragma once
 
+#include "desk/desk.h"
+
 #include <QFrame>
 #include <QString>
 
 #include <array>
 #include <functional>
 #include <initializer_list>
+#include <vector>
 
 class QLabel;
 class QPushButton;
@@ -23,15 +26,23 @@ class NoticeBar : public QFrame {
 
     // Runs when a button is pressed.
     std::function<void(NoticeAction)> pressed;
+    std::function<void(std::function<void()>)> taken;
 
-    void tell(const QString& text, std::initializer_list<NoticeAction> actions = {});
+    // An offer's press gives what it runs to taken.
+    void tell(const QString& text, std::initializer_list<NoticeAction> actions = {},
+              std::vector<desk::Offer> offers = {});
     void clear();
     const QString& text() const { return text_; }
 
   private:
+    QPushButton* addButton(const QString& name, const QString& caption, QChar key);
+    void showOffers(std::vector<desk::Offer> offers);
+
     QString text_;
     QLabel* label_;
     std::array<QPushButton*, 5> buttons_{};
+    std::vector<desk::Offer> offers_;
+    std::vector<QPushButton*> offerButtons_;
 };
 
 } // namespace ui

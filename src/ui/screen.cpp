@@ -109,7 +109,11 @@ class Screen::ScreenDesk : public desk::Desk {
         showForUser();
         return askQuestion(&screen_, text, title, preset);
     }
-    void inform(const QString& text) override { screen_.informed_ = text; }
+    void inform(const QString& text) override { offer(text, {}); }
+    void offer(const QString& text, std::vector<desk::Offer> offers) override {
+        screen_.informed_ = text;
+        screen_.offers_ = std::move(offers);
+    }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
         // From here on the record is the opened screen's.
@@ -142,6 +146,7 @@ Screen::Screen(Workplace& workplace, const QString& name, const QString& caption
     bar_->pressed = [this](NoticeAction action) { barPressed(action); };
     auto* search = new QShortcut(Qt::Key_F3, this);
     connect(search, &QShortcut::activated, this, [this] { workplace_.goToSearch(*this); });
+    bar_->taken = [this](const Operation& run) { operate(run); };
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
 }
 
@@ -169,7 +174,10 @@ void Screen::operate(const Operation& operation) {
     busy_ = true;
     handedOver_ = false;
     informed_.clear();
+    offers_.clear();
     readForm();
+    for (const auto& prepare : prepare_)
+        prepare();
     const std::optional<Draft> before = currentDraft();
     putBackKept();
     const int writes = store::writesCommitted();
@@ -244,6 +252,7 @@ void Screen::readForm() {
 }
 
 void Screen::showForm() {
+    filling_ = true;
     for (const Binding& binding : bindings_) {
         if (binding.intoWidget)
             binding.intoWidget();
@@ -259,6 +268,7 @@ void Screen::showForm() {
         std::rotate(tabOrder_.begin(), place, place + 1);
         applyTabOrder();
     }
+    filling_ = false;
 }
 
 void Screen::putBackKept() {

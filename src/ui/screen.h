@@ -71,6 +71,8 @@ class Screen : public QWidget {
     // Runs an operation. During one, further events of the screen are left out and it refuses to close.
     void operate(const Operation& operation);
     bool operating() const { return busy_; }
+    // What changes in the widgets now is what the form holds.
+    bool filling() const { return filling_; }
     // The operation that runs when the screen opens.
     void onOpen(Operation operation) { load_ = std::move(operation); }
     // Declares what the screen shows; the bar, drafts and the accent of the main buttons follow from it.
@@ -115,6 +117,8 @@ class Screen : public QWidget {
     void addToTabOrder(QWidget* widget);
     // Runs when the keyboard leaves the control for another control of this screen, the closing button apart.
     void onLeave(QWidget* widget, Operation operation);
+    // Runs on the form that each operation finds, before it.
+    void beforeOperations(std::function<void()> prepare) { prepare_.push_back(std::move(prepare)); }
     // Runs on Enter in the control, which then does not move on to the next one.
     void onEnter(QWidget* widget, Operation operation);
 
@@ -174,6 +178,7 @@ class Screen : public QWidget {
     std::vector<QWidget*> tabOrder_;
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
     std::vector<std::pair<const QObject*, Operation>> entered_;
+    std::vector<std::function<void()>> prepare_;
     Subject subject_;
     NoticeBar* bar_;
     SearchBox* searchBox_ = nullptr;
@@ -193,10 +198,12 @@ class Screen : public QWidget {
     std::optional<Asked> asked_;
     desk::AskedRecord listed_; // what a screen without a record of its own lists
     QString informed_;
+    std::vector<desk::Offer> offers_;  // beside what was told
     QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;
     bool busy_ = false;
+    bool filling_ = false;
     bool lookAgain_ = false;
     bool closing_ = false;
     bool handedOver_ = false;

@@ -260,6 +260,7 @@ void Screen::lookAtFile() {
 
 void Screen::say(const QString& text) {
     informed_ = text;
+    offers_.clear();
     refreshBar();
 }
 
@@ -286,7 +287,7 @@ void Screen::refreshBar() {
     else if (draft)
         bar_->tell(u"前に入力した内容が残っています"_s, {戻す, 捨てる});
     else if (!informed_.isEmpty())
-        bar_->tell(informed_);
+        bar_->tell(informed_, {}, offers_);
     else if (!idle.isEmpty())
         bar_->tell(idle, {表示する});
     else

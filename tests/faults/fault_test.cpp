@@ -54,6 +54,12 @@ class Desk : public desk::Desk {
         stopped = stopped || text.contains(u"　コード "_s);
     }
     void inform(const QString&) override {}
+    // What the bar offers is a question that need not be answered.
+    void offer(const QString&, std::vector<desk::Offer> offers) override {
+        for (const desk::Offer& offered : offers)
+            if (ask(offered.caption, {}, desk::Preset::no))
+                offered.run();
+    }
     bool ask(const QString& text, const QString&, desk::Preset) override {
         if (!text.contains(u"控え"_s))
             return (std::exchange(yes_, yes_ >> 1U) & 1U) != 0;
@@ -102,6 +108,18 @@ void registerHousehold(desk::Desk& desk) {
     form.frm01_地区.text = u"新しい地区"_s;
     form.frm01_dnkkbn1.chosen = true;
     households::RegisterHousehold(form, context, desk);
+}
+
+// Its family follows where that is offered.
+void moveHousehold(desk::Desk& desk) {
+    desk::ScreenContext context;
+    context.publishHousehold(7);
+    households::檀家登Form form;
+    households::openHousehold(form, context, desk);
+    form.frm01_yubinno.text = u"220-0001"_s;
+    form.frm01_jyusho1.text = u"港町1"_s;
+    form.frm01_tel.text = u"045"_s;
+    households::UpdateHousehold(form, context, desk);
 }
 
 void eraseHousehold(desk::Desk& desk) {
@@ -165,6 +183,7 @@ const Operation operations[] = {
     {"household import", importHouseholds, 1, "tbl_danka", "檀家"},
     {"grave import", importGraves, 1, "tbl_ohaka", "お墓"},
     {"registration", registerHousehold, 1},
+    {"move", moveHousehold, 2},
     {"erasure", eraseHousehold, 5},
     {"death", registerDeath, 2},
     {"restore", restoreRegister, 1},

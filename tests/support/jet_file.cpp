@@ -1,6 +1,6 @@
 #include "support/jet_file.h"
 
-#include "transfer/cp932.h"
+#include "values/cp932.h"
 
 #include <QFile>
 #include <QtEndian>
@@ -113,7 +113,7 @@ QByteArray JetFile::stored(const QString& text) const {
         return wide(text);
     QByteArray bytes;
     for (const QChar unit : text) {
-        const quint16 code = transfer::cp932::encode(unit.unicode()).value();
+        const quint16 code = values::cp932::encode(unit.unicode()).value();
         if (code > 0xff)
             bytes += static_cast<char>(code >> 8);
         bytes += static_cast<char>(code & 0xff);

@@ -1,7 +1,7 @@
 #include "jet_reader.h"
 
 #include "store/database.h"
-#include "transfer/cp932.h"
+#include "values/cp932.h"
 
 #include <QSet>
 #include <QtEndian>
@@ -424,7 +424,7 @@ Value Database::value(const Column& column, QByteArrayView bytes) {
 Value Database::text(QByteArrayView bytes) const {
     if (format_ == &jet3) {
         QString decoded;
-        if (transfer::cp932::decode(bytes, decoded))
+        if (values::cp932::decode(bytes, decoded))
             return decoded;
     } else if (const auto unpacked = unpack(bytes); unpacked && unpacked->isValidUtf16()) {
         return *unpacked;

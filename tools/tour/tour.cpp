@@ -76,6 +76,7 @@ class Tour : public drive::ScreenDriver {
     void report();
     // A report chosen on 帳票 with its boxes, as its preview shows it.
     QDialog& previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes = {});
+    void move();
 
     QDir folder_;
     QStringList failures_;
@@ -228,6 +229,22 @@ void Tour::report() {
     done(u"the coming year's anniversaries are printed"_s);
 }
 
+// A date as it is spoken, and the family that a household which moved has left behind.
+void Tour::move() {
+    const QString name = u"檀家登"_s;
+    open(u"家族登"_s);
+    type(u"家族登"_s, u"生年元号"_s, u"昭20.8.15"_s);
+    save(screen(u"家族登"_s), u"日付"_s);
+    close(u"家族登"_s);
+    fill(name, {{u"frm01_yubinno"_s, u"220-0001"_s}, {u"frm01_jyusho1"_s, u"港町1丁目1-1"_s}});
+    answer(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
+    expect(u"入力された内容で檀家さんは更新されました。"_s, u"檀家 登録"_s);
+    press(name, u"更新"_s);
+    save(screen(name), u"引っ越し"_s);
+    press(name, u"家族も直す"_s);
+    done(u"a household has moved"_s);
+}
+
 void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
@@ -239,6 +256,7 @@ void Tour::documents() {
     open(u"檀家登"_s);
     save(screen(u"檀家登"_s), u"お知らせ"_s);
     press(u"檀家登"_s, u"捨てる"_s);
+    move();
     open(u"檀家一覧"_s);
     control<QTabWidget>(u"檀家一覧"_s, u"SSTab1"_s).setCurrentIndex(1);
     clickCell(u"檀家一覧"_s, u"DBGrid2"_s, 3, 1);
@@ -266,6 +284,8 @@ void Tour::documents() {
         open(name);
         if (name == u"お墓通"_s)
             press(name, u"表示"_s);
+        if (name == u"代替当"_s)
+            clickLine(name, u"frm01_toshug"_s, control<QListWidget>(name, u"frm01_toshug"_s).item(1)->text());
         save(screen(name), name);
     }
     done(u"the documents' other pictures"_s);

@@ -7,7 +7,7 @@
 
 // The Windows Japanese code page (932), strictly: JIS X 0208, the NEC and IBM extensions and the user-defined rows
 // (U+E000 to U+E757). The bytes 0x80, 0xA0 and 0xFD to 0xFF denote nothing.
-namespace transfer::cp932 {
+namespace values::cp932 {
 
 // Appends the text of the bytes. Each byte that is part of no character becomes U+FFFD, which the code page itself does
 // not hold; a lead byte takes nothing with it. False when there was such a byte.
@@ -17,4 +17,4 @@ bool decode(QByteArrayView bytes, QString& text);
 // code page the one that Windows chooses. Nothing where the code page does not hold it.
 std::optional<quint16> encode(char16_t unit);
 
-} // namespace transfer::cp932
+} // namespace values::cp932

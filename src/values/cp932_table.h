@@ -1,6 +1,6 @@
 #pragma once
 
-namespace transfer::cp932 {
+namespace values::cp932 {
 
 // One lead byte of the Windows Japanese code page and the characters of its 188 trail bytes, 0x40 to 0x7E and 0x80 to
 // 0xFC. A blank stands where nothing is assigned. The user-defined rows 0xF0 to 0xF9 follow a formula and are not here.
@@ -104,4 +104,4 @@ inline constexpr Row rows[] = {
 };
 // clang-format on
 
-} // namespace transfer::cp932
+} // namespace values::cp932

@@ -1,10 +1,10 @@
-#include "transfer/cp932.h"
+#include "values/cp932.h"
 
-#include "transfer/cp932_table.h"
+#include "values/cp932_table.h"
 
 #include <array>
 
-namespace transfer::cp932 {
+namespace values::cp932 {
 
 namespace {
 
@@ -107,4 +107,4 @@ std::optional<quint16> encode(char16_t unit) {
     return bytes;
 }
 
-} // namespace transfer::cp932
+} // namespace values::cp932
