@@ -32,6 +32,9 @@ class Desk {
     virtual bool ask(const QString& text, const QString& title, Preset preset = Preset::yes) = 0;
     // Tells in the screen's bar what needs no answer; it stays until the screen's next operation.
     virtual void inform(const QString& text) = 0;
+    // The same of what can be taken back: the bar has a button 元に戻す as long as it tells, on which undo runs as an
+    // operation. A desk without such a button only tells.
+    virtual void offerUndo(const QString& text, [[maybe_unused]] std::function<void()> undo) { inform(text); }
 
     virtual QDate today() const = 0;
 

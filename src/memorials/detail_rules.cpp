@@ -100,8 +100,11 @@ void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& d
 
 void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
-    if (deleteMemorial(database, form.held, title, desk))
-        publishShown(form, context);
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!deleteMemorial(database, form.held, title, deletion, desk))
+        return;
+    publishShown(form, context);
+    deletion.offerUndo(form.held);
 }
 
 } // namespace memorials

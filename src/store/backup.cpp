@@ -1,6 +1,7 @@
 #include "store/backup.h"
 
 #include "store/consistency.h"
+#include "store/kept_deletion.h"
 #include "store/layout.h"
 
 #include <QDir>
@@ -325,6 +326,7 @@ Copy::Copy(const QString& registerPath, BackupKind kind, const QDateTime& now)
     : Copy(registerPath, [&registerPath] { return readyBackupFolder(registerPath) + u"/draft"_s; }) {
     finish_ = [this, registerPath, kind, now] {
         const FolderLock lock(registerPath);
+        removeOldDeletions(registerPath, now);
         if (kind == BackupKind::daily && !wantedToday(draft_.path(), registerPath, now.date()))
             return;
         const QString path = newBackupPath(registerPath, kind, now);

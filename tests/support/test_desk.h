@@ -37,6 +37,10 @@ class TestDesk : public desk::Desk {
     void notify(const QString& text, const QString& title, desk::Icon icon) override;
     bool ask(const QString& text, const QString& title, desk::Preset preset) override;
     void inform(const QString& text) override { informed << text; }
+    void offerUndo(const QString& text, std::function<void()> undone) override {
+        informed << text;
+        undo = std::move(undone);
+    }
     QDate today() const override { return today_; }
     void open(const QString& screen, desk::Opening how, std::function<void()> whenClosed) override;
     void close() override { closed = true; }
@@ -45,6 +49,7 @@ class TestDesk : public desk::Desk {
     desk::Icon lastIcon = desk::Icon::none;
     desk::Preset lastPreset = desk::Preset::yes;
     QStringList informed;                     // what was told in the bar
+    std::function<void()> undo;               // the last one offered there
     std::function<void()> whileAsked = [] {}; // what others do while a question stands
 
   private:

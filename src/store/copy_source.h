@@ -1,0 +1,51 @@
+#pragma once
+
+#include "store/draft.h"
+#include "store/upgrade.h"
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace store {
+
+// A copy of the register, or what a deletion took (kept_deletion.h), open for reading. The file itself is never written
+// to: one of an older layout, or with a journal beside it, is copied beside it first, readable by its owner alone, and
+// brought to the newest layout there.
+class CopySource {
+  public:
+    // Throws Error, in words about a copy, where the file is missing, damaged, newer or neither of the two.
+    explicit CopySource(const QString& path, const UpgradeSteps& steps = upgradeSteps());
+
+    Database& database() { return *database_; }
+    // What a deletion took, and not a whole register.
+    bool isDeletion() const { return deletion_; }
+    const QString& path() const { return path_; }
+    // Where the copy is to be read from: itself, or its draft.
+    QString readPath() const { return draft_ ? draft_->path() : path_; }
+
+    // Runs what reads the source; a failure because the file is damaged is thrown in words about a copy.
+    template <class Work> auto reading(const Work& work) {
+        try {
+            return work();
+        } catch (const SQLite::Exception& failure) {
+            refuseDamaged(failure);
+            throw;
+        }
+    }
+    // Looks the whole file over; throws where it is damaged. Takes seconds with a full register.
+    void prove();
+
+  private:
+    void copyAndUpgrade(const UpgradeSteps& steps);
+    // Throws where the failure is one of this file's damage.
+    void refuseDamaged(const SQLite::Exception& failure);
+
+    QString path_;
+    bool deletion_ = false;
+    std::optional<Draft> draft_;
+    std::optional<Database> database_;
+};
+
+} // namespace store
