@@ -1,6 +1,8 @@
 // Records brought back from copies and from what deletions took.
 #include "calendar/era_registration_rules.h"
 #include "desk/bring_back.h"
+#include "desk/deletion.h"
+#include "desk/numbering.h"
 #include "family/death_registration_rules.h"
 #include "family/registration_rules.h"
 #include "graves/new_grave_rules.h"
@@ -45,16 +47,17 @@ class BringBack : public RegisterFixture {
         branch.tbldnk_oyano = std::int16_t{7};
         households.insert(branch);
         write.commit();
-        execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_dnknamek, tblkzk_nameg, tblkzk_zokugara, "
-                "tblkzk_seishikbn) VALUES (7, '山田', 'ヤマダ', 'O''花', '妻', '0'), "
-                "(7, '山田', 'ヤマダ', '次郎', '子', '1'), (8, '山田', 'ヤマダ', '三郎', '子', '0');"
-                "INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_dnknamek, tblkak_zokunameg, "
-                "tblkak_mei_ymd) VALUES (7, '山田', 'ヤマダ', '次郎', '1850-02-28');"
-                "INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_dnk_no, tblhak_dnk_kbn, "
-                "tblhak_dnk_nameg, tblhak_dnk_namek, tblhak_bohyo_kbn, tblhak_bohyo_mei, tblhak_kanri_ryokin, "
-                "tblhak_biko, tblhak_add_ymd) VALUES (70, '東', '1', 7, '檀家', '山田', 'ヤマダ', '家', '山田家', 5000, "
-                "NULL, '2001-01-01');"
-                "UPDATE tbl_hatsuban SET tblno_sumino = 8 WHERE tblno_key2 = '檀家'"_s);
+        execute(
+            u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_dnknamek, tblkzk_nameg, tblkzk_zokugara, "
+            "tblkzk_seishikbn) VALUES (7, '山田', 'ヤマダ', 'O''花', '妻', '0'), "
+            "(7, '山田', 'ヤマダ', '次郎', '子', '1'), (8, '山田', 'ヤマダ', '三郎', '子', '0');"
+            "INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_dnknamek, tblkak_zokunameg, "
+            "tblkak_mei_ymd) VALUES (7, '山田', 'ヤマダ', '次郎', '1850-02-28');"
+            "INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_dnk_no, tblhak_dnk_kbn, "
+            "tblhak_dnk_nameg, tblhak_dnk_namek, tblhak_bohyo_kbn, tblhak_bohyo_mei, tblhak_kanri_ryokin, "
+            "tblhak_biko, tblhak_add_ymd) VALUES (70, '東', '1', 7, '檀家', '山田', 'ヤマダ', '家', '山田家', 5000, "
+            "NULL, '2001-01-01');"
+            "UPDATE tbl_hatsuban SET tblno_sumino = 8 WHERE tblno_key2 = '檀家'"_s);
         memorials::RegisterSchedule(rowsOf<store::tbl_kakocho>().front(), desk);
         execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei) "
                 "VALUES (7, '山田', '次郎', '日なし'), (7, '山田', '次郎', '日なし')"_s);
@@ -64,9 +67,8 @@ class BringBack : public RegisterFixture {
     QString rows() {
         QStringList all;
         store::forEachTable([&]<class Row>() {
-            all << query(u"SELECT * FROM %1 ORDER BY %2"_s.arg(
-                QString::fromUtf8(store::Description<Row>::table),
-                QString::fromStdString(store::columnList<Row>())));
+            all << query(u"SELECT * FROM %1 ORDER BY %2"_s.arg(QString::fromUtf8(store::Description<Row>::table),
+                                                               QString::fromStdString(store::columnList<Row>())));
         });
         return all.join(u'\n');
     }
@@ -76,7 +78,7 @@ class BringBack : public RegisterFixture {
     }
     desk::BroughtBack householdFrom(const QString& path, std::int16_t number = 7) {
         store::CopySource source(path);
-        const store::Records records = store::householdIn(source.database(), number);
+        const store::Records records = source.household(number);
         store::Database database;
         return desk::bringBack(database, records, desk, title);
     }
@@ -84,7 +86,8 @@ class BringBack : public RegisterFixture {
     QString differences(const QString& path, const store::UpgradeSteps& steps = store::upgradeSteps()) {
         store::CopySource source(path, steps);
         QStringList lines;
-        for (const auto& one : store::compareWithNow(source, store::Database::registerPath()).value())
+        const auto all = store::compareWithNow(source, store::Database::registerPath());
+        for (const auto& one : *all)
             lines << u"%1 %2 %3 %4 %5"_s.arg(store::kindText(one.kind))
                          .arg(static_cast<int>(one.how))
                          .arg(one.household)
@@ -109,9 +112,9 @@ struct Kind {
 };
 
 template <class Form>
-void press(void (*open)(Form&, desk::ScreenContext&, desk::Desk&), void (*remove)(Form&, desk::ScreenContext&, desk::Desk&),
-           const QString& question, const QString& done, const QString& titled, desk::ScreenContext& context,
-           TestDesk& desk) {
+void press(void (*open)(Form&, desk::ScreenContext&, desk::Desk&),
+           void (*remove)(Form&, desk::ScreenContext&, desk::Desk&), const QString& question, const QString& done,
+           const QString& titled, desk::ScreenContext& context, TestDesk& desk) {
     // The screen stays open until the test has taken the deletion back.
     static Form form;
     form = {};
@@ -247,8 +250,7 @@ TEST_F(BringBack, WhatAnyDeletionTookComesBackWhole) {
     }
 }
 
-TEST_F(BringBack, WhatIsKeptIsItsOwnersAloneAndDoesNoHarmWhenNothingWasDeleted) {
-    deleteEntry(context, desk, true, true);
+TEST_F(BringBack, WhatIsKeptIsItsOwnersAloneAndNoRegister) {
     context.publishHousehold(desk::HouseholdBlock::numbered(7));
     deleteEntry(context, desk, true, true);
     ASSERT_EQ(kept().size(), 1);
@@ -256,8 +258,238 @@ TEST_F(BringBack, WhatIsKeptIsItsOwnersAloneAndDoesNoHarmWhenNothingWasDeleted) 
     constexpr auto others = QFileDevice::ReadGroup | QFileDevice::ReadOther | QFileDevice::ExeOther;
     EXPECT_FALSE((QFile::permissions(file) | QFile::permissions(QFileInfo(file).path())) & others);
     const auto listed = store::deletionsOf(store::Database::registerPath());
-    EXPECT_EQ(listed.front().what + listed.front().label, u"削除家族 7 次郎 ほか17件"_s);
-    // No register: it cannot take one's place.
-    EXPECT_THROW(store::restore(file, store::Database::registerPath(), {today, QTime(9, 0)}), store::Error);
+    EXPECT_EQ(listed.front().what + listed.front().label, u"削除過去帳 7 次郎 ほか17件"_s);
     EXPECT_EQ(differences(file).count(u"法要 0"_s), 16);
+    EXPECT_THROW(store::restore(file, store::Database::registerPath(), {today, QTime(9, 0)}), store::Error);
+}
+
+// The newest 200, for 90 days; the one just made stays whatever the clock says.
+TEST_F(BringBack, OldDeletionsGo) {
+    store::Records records;
+    records.add(rowsOf<store::tbl_nengo>().front());
+    const auto keep = [&](QDate day) {
+        return store::keepDeletion(store::Database::registerPath(), records, u"削除"_s, u"年号"_s, {day, QTime(9, 0)});
+    };
+    keep(today);
+    for (int i = 0; i < 201; ++i)
+        QFile::copy(keep(today), store::deletionFolder(store::Database::registerPath()) +
+                                     u"/Hoshiren-2026-11-22-090000-%1-deleted.mdb"_s.arg(1000 + i, 5, 10, u'0'));
+    EXPECT_EQ(kept().size(), 201);
+    keep(today.addDays(91));
+    EXPECT_EQ(kept().size(), 1);
+    keep(today);
+    EXPECT_EQ(kept().size(), 2);
+}
+
+// A deletion that did not come about, or was kept for nothing, does no harm; one that cannot be kept is asked about.
+TEST_F(BringBack, DeletionsThatFailOrCannotBeKept) {
+    const QString before = rows();
+    context.publishHousehold(desk::HouseholdBlock::numbered(7));
+    const QString titled = u"過去帳登録"_s;
+    family::過去登Form form;
+    context.nameDeceased(u"山田"_s, u"次郎"_s);
+    family::openDeathRegister(form, context, desk);
+    ASSERT_TRUE(QDir().mkdir(path(u"backup"_s)));
+    QFile blocked(path(u"backup/deleted"_s)); // where the folder should be
+    ASSERT_TRUE(blocked.open(QIODevice::WriteOnly));
+    for (const bool goOn : {false, true}) {
+        desk.answer(deleteData, titled, true);
+        desk.answerBeginning(
+            u"消すものを残せませんでした。\n\n控えの場所「%1」を作れません。"_s.arg(blocked.fileName()), titled, goOn);
+        if (goOn) {
+            desk.answer(u"法要等の情報も削除しますか？"_s, titled, true);
+            desk.answer(u"家族登録は元に戻しますか？"_s, titled, false);
+            desk.expect(u"削除処理を終了しました。"_s, titled);
+        }
+        family::deleteDeath(form, context, desk);
+        EXPECT_EQ(rows() == before, !goOn);
+        EXPECT_FALSE(desk.undo) << "nothing is kept that could be taken back";
+    }
+    blocked.remove();
+    store::Database database;
+    desk::Deletion deletion(desk, titled, u"削除"_s);
+    EXPECT_THROW(deletion.write(database,
+                                [&](store::Records& taken) {
+                                    taken.add(rowsOf<store::tbl_nengo>().front());
+                                    database.engine().exec("ROLLBACK"); // there is nothing to commit
+                                    return true;
+                                }),
+                 std::exception);
+    EXPECT_EQ(kept(), QStringList());
+}
+
+TEST_F(BringBack, ANumberInUseSinceIsReplacedInEveryRow) {
+    const QString file = copy();
+    const QString before = rows();
+    eraseAll();
+    auto other = sampleHousehold(7);
+    other.tbldnk_nameg = u"佐藤"_s;
+    other.tbldnk_tel = u"999"_s;
+    other.tbldnk_toshug = u"佐藤　一"_s;
+    {
+        store::Database database;
+        store::Table(database, store::idxdnk_no).insert(other);
+    }
+    execute(u"INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg) VALUES (9, '迷子', '太')"_s);
+    const QString taken = rows();
+    // 9 would be the next one: what is left under it would become this family's.
+    const QString question =
+        u"番号 7 は、今は別の檀家（佐藤）が使っています。\n「山田」を新しい番号 10 で戻しますか？"_s;
+    desk.answer(question, title, false);
+    EXPECT_TRUE(householdFrom(file).stopped);
+    EXPECT_EQ(rows(), taken);
+    desk.answer(question, title, true);
+    // Another program takes the number while the question stands: it is asked anew.
+    desk.whileAsked = [this] {
+        execute(u"INSERT OR IGNORE INTO tbl_danka (tbldnk_no1, tbldnk_nameg) VALUES (10, '先客')"_s);
+    };
+    desk.answer(QString(question).replace(u"10"_s, u"11"_s), title, true);
+    const auto result = householdFrom(file);
+    EXPECT_EQ(result.number, 11);
+    EXPECT_EQ(result.left, QStringList());
+    EXPECT_EQ(result.back.size(), 2 + 2 + 1 + 16 + 1);
+    EXPECT_EQ(query(u"SELECT tblno_sumino FROM tbl_hatsuban WHERE tblno_key2 = '檀家'"_s), u"11"_s);
+    EXPECT_EQ(query(u"SELECT tbldnk_no1, tbldnk_nameg FROM tbl_danka WHERE tbldnk_no1 = 7"_s), u"7,佐藤"_s);
+    // All of it as it was, but for the number.
+    execute(u"DELETE FROM tbl_danka WHERE tbldnk_no1 IN (7, 10); DELETE FROM tbl_kazoku WHERE tblkzk_no1 = 9;"
+            "UPDATE tbl_danka SET tbldnk_no1 = 7 WHERE tbldnk_no1 = 11;"
+            "UPDATE tbl_danka SET tbldnk_oyano = 7 WHERE tbldnk_oyano = 11;"
+            "UPDATE tbl_kazoku SET tblkzk_no1 = 7 WHERE tblkzk_no1 = 11;"
+            "UPDATE tbl_kakocho SET tblkak_no = 7 WHERE tblkak_no = 11;"
+            "UPDATE tbl_hohyo SET tblhoy_no = 7 WHERE tblhoy_no = 11;"
+            "UPDATE tbl_ohaka SET tblhak_dnk_no = 7 WHERE tblhak_dnk_no = 11;"
+            "UPDATE tbl_hatsuban SET tblno_sumino = 8 WHERE tblno_key2 = '檀家'"_s);
+    EXPECT_EQ(rows(), before);
+    execute(u"UPDATE tbl_hatsuban SET tblno_sumino = 32767 WHERE tblno_key2 = '檀家';"
+            "UPDATE tbl_danka SET tbldnk_tel = '', tbldnk_toshug = '別人' WHERE tbldnk_no1 = 7"_s);
+    desk.expect(desk::noNumberLeft, title);
+    EXPECT_TRUE(householdFrom(file).stopped);
+}
+
+TEST_F(BringBack, WhatStandsNowWinsAndIsListed) {
+    const QString file = copy();
+    execute(u"DELETE FROM tbl_kakocho; DELETE FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '1周忌';"
+            "UPDATE tbl_danka SET tbldnk_tel = '新' WHERE tbldnk_no1 = 7 AND tbldnk_no2 = 0;"
+            "UPDATE tbl_kazoku SET tblkzk_tel = '新' WHERE tblkzk_nameg = '次郎'"_s);
+    EXPECT_EQ(differences(file),
+              u"檀家 2 7 山田（山田　太郎7） 電話：03-1234-56787 → 新、家族 1件、過去帳 1件、法要 1件|"
+              "家族 2 7 次郎 電話： → 新|過去帳 0 7 次郎|法要 0 7 次郎 1周忌（1851/02/28）"_s);
+    const auto result = householdFrom(file);
+    EXPECT_EQ(result.back, (QStringList{u"過去帳 7 次郎"_s, u"法要 7 次郎 1周忌（1851/02/28）"_s}));
+    const QString kept = u"：今の記録と違うため、今のものを残しました"_s;
+    EXPECT_EQ(result.left, (QStringList{u"檀家 7 山田（山田　太郎7）"_s + kept, u"家族 7 次郎"_s + kept}));
+    EXPECT_EQ(query(u"SELECT tblkzk_tel FROM tbl_kazoku WHERE tblkzk_nameg = '次郎'"_s), u"新"_s);
+    // A household renamed since is found by its new name, and so is what comes back.
+    execute(u"DELETE FROM tbl_kakocho; UPDATE tbl_danka SET tbldnk_tel = '03-1234-56787', tbldnk_nameg = '神田', "
+            "tbldnk_namek = 'カンダ' WHERE tbldnk_no1 = 7"_s);
+    householdFrom(file);
+    EXPECT_EQ(query(u"SELECT tblkak_dnknameg, tblkak_dnknamek, tblkak_kanaidx FROM tbl_kakocho"_s),
+              u"神田,カンダ,カ"_s);
+}
+
+// What belongs to a household comes back to that one only.
+TEST_F(BringBack, OneRecordNeedsItsHousehold) {
+    const QString file = copy();
+    store::CopySource source(file);
+    const auto bringOne = [&](store::RecordKind kind, const QString& table, const QString& condition) {
+        SQLite::Statement find(source.database().engine(),
+                               u"SELECT rowid FROM %1 WHERE %2"_s.arg(table, condition).toStdString());
+        find.executeStep();
+        const auto records = source.record(kind, find.getColumn(0).getInt64());
+        store::Database database;
+        return desk::bringBack(database, records, desk, title);
+    };
+    execute(u"DELETE FROM tbl_kakocho; DELETE FROM tbl_hohyo; "
+            "UPDATE tbl_kazoku SET tblkzk_seishikbn = '0' WHERE tblkzk_nameg = '次郎'"_s);
+    EXPECT_EQ(bringOne(store::RecordKind::deceased, u"tbl_kakocho"_s, u"1"_s).back.size(), 1 + 16 + 1);
+    EXPECT_EQ(differences(file), QString());
+    const QString member = u"tblkzk_nameg = '次郎'"_s;
+    execute(
+        u"DELETE FROM tbl_kazoku WHERE tblkzk_nameg = '次郎';"
+        "UPDATE tbl_danka SET tbldnk_nameg = '佐藤', tbldnk_tel = '9', tbldnk_toshug = '一' WHERE tbldnk_no1 = 7"_s);
+    EXPECT_EQ(bringOne(store::RecordKind::member, u"tbl_kazoku"_s, member).left,
+              QStringList{u"家族 7 次郎：番号 7 は今は別の檀家（佐藤）のものです"_s});
+    execute(u"DELETE FROM tbl_danka WHERE tbldnk_no1 = 7"_s);
+    EXPECT_EQ(bringOne(store::RecordKind::member, u"tbl_kazoku"_s, member).left,
+              QStringList{u"家族 7 次郎：檀家 7（山田）が今の登録簿にありません。先に檀家を戻して下さい"_s});
+}
+
+// A grave comes back where nobody has it and nothing but its disposal changed it.
+TEST_F(BringBack, AGraveThatIsNoLongerFreeIsListed) {
+    const QString file = copy();
+    const QString grave = u"お墓 70番（東 1）山田家："_s;
+    const QString disposed = u"UPDATE tbl_ohaka SET tblhak_dnk_no = 0, tblhak_haiki_kbn = 1, "
+                             "tblhak_haiki_ymd = '2026-11-20' WHERE tblhak_no = 70;"_s;
+    const QString another = u"INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_bohyo_kbn) "
+                            "VALUES (71, '東', '1', '家');"_s;
+    const struct {
+        QString since;
+        QString reason; // empty: it comes back
+    } cases[] = {
+        {disposed, {}},
+        {u"DELETE FROM tbl_ohaka"_s, {}},
+        {disposed + u"UPDATE tbl_ohaka SET tblhak_kanri_ryokin = 9000"_s,
+         u"そのあと変更されたため、今のものを残しました"_s},
+        {u"UPDATE tbl_ohaka SET tblhak_dnk_no = 8"_s, u"今は檀家 8 のお墓です"_s},
+        {disposed + u"UPDATE tbl_ohaka SET tblhak_banchi2 = '2'"_s, u"今は別の区画・番地のお墓です"_s},
+        {disposed + another, u"区画・番地には今は別のお墓があります"_s},
+        {u"DELETE FROM tbl_ohaka;"_s + another, u"区画・番地には今は別のお墓があります"_s},
+    };
+    for (const auto& one : cases) {
+        execute(one.since);
+        const QString since = rows();
+        const auto result = householdFrom(file);
+        EXPECT_EQ(result.left, one.reason.isEmpty() ? QStringList() : QStringList{grave + one.reason});
+        EXPECT_EQ(differences(file).isEmpty(), one.reason.isEmpty());
+        EXPECT_EQ(rows() == since, !one.reason.isEmpty());
+        store::restore(file, store::Database::registerPath(), {today, QTime(9, 0)});
+    }
+}
+
+// An older one is upgraded on a copy of its own; what is damaged, missing or something else is told, whatever it is.
+TEST_F(BringBack, CopiesOfAnyKindAreReadAndNeverWrittenTo) {
+    const QString file = copy();
+    makeOlder(file, 3);
+    QFile older(file);
+    ASSERT_TRUE(older.open(QIODevice::ReadOnly));
+    const QByteArray bytes = older.readAll();
+    eraseAll();
+    EXPECT_EQ(differences(file, olderSteps).count(u"檀家 0 7"_s), 2);
+    older.seek(0);
+    EXPECT_EQ(older.readAll(), bytes);
+    EXPECT_EQ(QDir(path(u"backup"_s)).entryList(QDir::Files).size(), 1) << "the copy of the copy is left";
+
+    const QString good = copy();
+    const auto wordsFor = [&](const QByteArray& contents) {
+        QFile bad(path(u"bad.mdb"_s));
+        EXPECT_TRUE(bad.open(QIODevice::WriteOnly));
+        bad.write(contents);
+        bad.close();
+        try {
+            differences(bad.fileName());
+        } catch (const std::exception& failure) {
+            return store::explain(failure).section(u'。', 0, 0).section(u'」', 1);
+        }
+        return u"read"_s;
+    };
+    QFile source(good);
+    ASSERT_TRUE(source.open(QIODevice::ReadOnly));
+    const QByteArray whole = source.readAll();
+    EXPECT_EQ(wordsFor(whole), u"read"_s);
+    EXPECT_EQ(wordsFor({}), u"は壊れています"_s);
+    EXPECT_EQ(wordsFor(whole.left(50'000)), u"は壊れています"_s);
+    for (qsizetype at = 4096; at < whole.size(); at += 4096) {
+        QByteArray damaged = whole;
+        damaged.replace(at, 4096, QByteArray(4096, '\x7f'));
+        EXPECT_TRUE((QStringList{u"は壊れています"_s, u"read"_s}).contains(wordsFor(damaged)));
+    }
+    EXPECT_EQ(wordsFor(QByteArray(whole).replace(68, 4, "\0\0\0\0", 4)), u"は登録簿の控えではありません"_s);
+    try {
+        differences(path(u"gone.mdb"_s));
+        ADD_FAILURE() << "read";
+    } catch (const store::Error& failure) {
+        EXPECT_EQ(failure.message(),
+                  u"控え「%1」がありません。取り除かれたか、名前が変わりました。一覧から選び直して下さい。"_s.arg(
+                      path(u"gone.mdb"_s)));
+    }
 }

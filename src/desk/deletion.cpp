@@ -10,15 +10,17 @@ namespace desk {
 
 namespace {
 
-// What was deleted, in short: its first row and how many there are.
-QString labelFor(const store::Records& records) {
+QString firstOf(const store::Records& records) {
     QString label;
     records.forEach([&label](const auto& rows) {
         if (label.isEmpty() && !rows.empty())
             label = labelled(rows.front().row);
     });
-    const auto more = records.size() - 1;
-    return more > 0 ? u"%1 ほか%2件"_s.arg(label).arg(more) : label;
+    return label;
+}
+
+QString withMore(const QString& label, const store::Records& records) {
+    return records.size() > 1 ? u"%1 ほか%2件"_s.arg(label).arg(records.size() - 1) : label;
 }
 
 } // namespace
@@ -31,6 +33,8 @@ bool Deletion::write(store::Database& database, const std::function<bool(store::
             store::Records taken = taken_;
             if (!take(taken))
                 return false;
+            if (label_.isEmpty())
+                label_ = firstOf(taken);
             if (keeping_)
                 failure = keep(database, taken);
             if (failure.isEmpty()) {
@@ -57,7 +61,7 @@ bool Deletion::write(store::Database& database, const std::function<bool(store::
 QString Deletion::keep(store::Database& database, store::Records& taken) {
     try {
         taken.addHouseholds(database);
-        path_ = store::keepDeletion(store::Database::registerPath(), taken, what_, labelFor(taken),
+        path_ = store::keepDeletion(store::Database::registerPath(), taken, what_, withMore(label_, taken),
                                     QDateTime(desk_->today(), QTime::currentTime()), path_);
         return {};
     } catch (const std::exception& failure) {
@@ -68,7 +72,7 @@ QString Deletion::keep(store::Database& database, store::Records& taken) {
 void Deletion::offerUndo(std::function<void()> done) const {
     if (taken_.size() == 0 || path_.isEmpty())
         return;
-    desk_->offerUndo(u"%1を%2しました"_s.arg(labelFor(taken_), what_),
+    desk_->offerUndo(u"%1を%2しました"_s.arg(withMore(label_, taken_), what_),
                      [desk = desk_, path = path_, title = title_, done = std::move(done)] {
                          if (!undoDeletion(path, *desk, title).stopped)
                              done();

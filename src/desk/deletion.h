@@ -47,7 +47,8 @@ class Deletion {
     QString title_;
     QString what_;
     store::Records taken_;
-    QString path_; // where it is kept
+    QString label_; // what was deleted first
+    QString path_;  // where it is kept
     bool keeping_ = true;
 };
 

@@ -445,6 +445,25 @@ void Copy::write() {
     memory_.reset();
 }
 
+QString reasonText(const Backup& backup) {
+    switch (backup.kind) {
+    case BackupKind::daily:
+        return backup.monthly ? u"毎日・毎月"_s : u"毎日"_s;
+    case BackupKind::beforeOperation:
+        return u"作業の前"_s;
+    case BackupKind::byHand:
+        return u"手動"_s;
+    case BackupKind::replaced:
+        break;
+    }
+    return u"復元で置き換えたもの"_s;
+}
+
+// Copies without a number are of a time when none was looked over.
+bool isProven(const Backup& backup) {
+    return backup.kind != BackupKind::replaced && backup.number > 0;
+}
+
 QString backupFolder(const QString& registerPath) {
     return QFileInfo(registerPath).absolutePath() + u"/backup"_s;
 }
@@ -497,7 +516,8 @@ std::optional<QString> makeBackup(const QString& registerPath, BackupKind kind, 
     return copy.path();
 }
 
-QString restore(const QString& file, const QString& registerPath, const QDateTime& now) {
+QString restore(const QString& file, const QString& registerPath, const QDateTime& now,
+                const std::function<void(int)>& step) {
     // A link stays what it is: the register that it names is replaced.
     const QFileInfo present(registerPath);
     const QString path = present.exists() ? present.canonicalFilePath() : present.absoluteFilePath();
@@ -508,8 +528,8 @@ QString restore(const QString& file, const QString& registerPath, const QDateTim
     requireFile(path);
     try {
         Copy copy(file, path);
-        while (copy.advance(partOfWait)) {
-        }
+        while (copy.advance(partOfWait))
+            step(copy.percent());
         return replaceRegister(copy.draft(), path, registerPath, now);
     } catch (const RegisterFault& fault) {
         // The words for a damaged register would send the user here again.

@@ -3,7 +3,6 @@
 #include <QHash>
 
 #include <SQLiteCpp/Transaction.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <map>
@@ -276,23 +275,6 @@ void addHouseholds(Database& copy, std::vector<Difference>& differences) {
     }
 }
 
-class ProgressHandler {
-  public:
-    ProgressHandler(SQLite::Database& engine, std::function<bool()> step) : engine_(engine), step_(std::move(step)) {
-        constexpr int instructions = 200'000; // a few milliseconds
-        sqlite3_progress_handler(
-            engine_.getHandle(), instructions,
-            [](void* self) { return static_cast<ProgressHandler*>(self)->step_() ? 0 : 1; }, this);
-    }
-    ~ProgressHandler() { sqlite3_progress_handler(engine_.getHandle(), 0, nullptr, nullptr); }
-    ProgressHandler(const ProgressHandler&) = delete;
-    ProgressHandler& operator=(const ProgressHandler&) = delete;
-
-  private:
-    SQLite::Database& engine_;
-    std::function<bool()> step_;
-};
-
 class Attached {
   public:
     Attached(SQLite::Database& engine, const QString& path) : engine_(engine) {
@@ -315,43 +297,34 @@ QString captionOf(const std::string& field) {
 }
 
 std::optional<std::vector<Difference>> compareWithNow(CopySource& copy, const QString& registerPath,
-                                                      const std::function<bool(int)>& step) {
+                                                      const CopySource::Step& step) {
     // Refuses what is no register, and ends what a killed program left half done.
     const Database now(registerPath);
     SQLite::Database& engine = copy.database().engine();
     std::vector<Difference> differences;
     const Attached attached(engine, registerPath);
-    // Memorials are by far the most; 100 percent of the work is guessed by the tables passed.
+    // Memorials are by far the most.
     int percent = 0;
-    bool stopped = false;
-    const ProgressHandler progress(engine, [&] {
-        stopped = stopped || !step(percent);
-        return !stopped;
+    const bool whole = !copy.isDeletion();
+    const bool done = copy.run(step, percent, [&] {
+        // One state of the register for all tables.
+        const SQLite::Transaction reading(engine);
+        compareTable<tbl_danka>(engine, whole, differences);
+        percent = 5;
+        compareTable<tbl_kazoku>(engine, whole, differences);
+        percent = 20;
+        compareTable<tbl_kakocho>(engine, whole, differences);
+        percent = 27;
+        compareTable<tbl_ohaka>(engine, whole, differences);
+        percent = 30;
+        compareTable<tbl_hohyo>(engine, whole, differences);
+        percent = 95;
+        compareTable<tbl_nengo>(engine, whole, differences);
+        compareTable<マスタ>(engine, whole, differences);
+        addHouseholds(copy.database(), differences);
     });
-    try {
-        copy.reading([&] {
-            // One state of the register for all tables.
-            const SQLite::Transaction reading(engine);
-            const bool whole = !copy.isDeletion();
-            compareTable<tbl_danka>(engine, whole, differences);
-            percent = 5;
-            compareTable<tbl_kazoku>(engine, whole, differences);
-            percent = 20;
-            compareTable<tbl_kakocho>(engine, whole, differences);
-            percent = 27;
-            compareTable<tbl_ohaka>(engine, whole, differences);
-            percent = 30;
-            compareTable<tbl_hohyo>(engine, whole, differences);
-            percent = 95;
-            compareTable<tbl_nengo>(engine, whole, differences);
-            compareTable<マスタ>(engine, whole, differences);
-            addHouseholds(copy.database(), differences);
-        });
-    } catch (const SQLite::Exception& failure) {
-        if (stopped && (failure.getErrorCode() & 0xff) == SQLITE_INTERRUPT)
-            return {};
-        throw;
-    }
+    if (!done)
+        return {};
     std::ranges::stable_sort(differences, {}, [](const Difference& one) { return std::tie(one.household, one.kind); });
     return differences;
 }

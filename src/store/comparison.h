@@ -27,7 +27,7 @@ struct Difference {
 // same and only what belongs to it differs. Of what a deletion took, only what it holds is looked at. step is told the
 // percent done; its false stops the run, and nothing is given. Throws as reading does.
 std::optional<std::vector<Difference>> compareWithNow(
-    CopySource& copy, const QString& registerPath, const std::function<bool(int)>& step = [](int) { return true; });
+    CopySource& copy, const QString& registerPath, const CopySource::Step& step = [](int) { return true; });
 
 // What a field is called where the user reads of it; empty of those that only follow from others.
 QString captionOf(const std::string& field);

@@ -1,10 +1,12 @@
 #include "store/copy_source.h"
 
 #include "store/consistency.h"
+#include "store/kept_deletion.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QtEndian>
 
 #include <sqlite3.h>
@@ -80,6 +82,48 @@ CopySource::CopySource(const QString& path, const UpgradeSteps& steps) : path_(p
     });
 }
 
+Records CopySource::household(std::int16_t number) {
+    if (!deletion_)
+        return householdIn(*database_, number);
+    const Records all = takenBy(*database_);
+    Records chosen;
+    chosen.households = all.households;
+    all.forEach([&](const auto& rows) {
+        for (const auto& was : rows)
+            if (numberOf(was.row) == number)
+                chosen.of<std::decay_t<decltype(was.row)>>().push_back(was);
+    });
+    return chosen;
+}
+
+Records CopySource::record(RecordKind kind, qint64 rowid) {
+    if (!deletion_)
+        return recordIn(*database_, kind, rowid);
+    // The rows of what was kept are counted from 1.
+    const auto at = static_cast<std::size_t>(rowid - 1);
+    const Records all = takenBy(*database_);
+    if (kind == RecordKind::household)
+        return at < all.of<tbl_danka>().size() ? household(all.of<tbl_danka>()[at].row.tbldnk_no1) : Records();
+    Records chosen;
+    chosen.households = all.households;
+    all.forEach([&](const auto& rows) {
+        if (at < rows.size() && kindOf(rows[at].row) == kind)
+            chosen.of<std::decay_t<decltype(rows[at].row)>>().push_back(rows[at]);
+    });
+    if (!chosen.of<tbl_kakocho>().empty()) {
+        const tbl_kakocho entry = chosen.of<tbl_kakocho>().front().row;
+        for (const auto& was : all.of<tbl_hohyo>())
+            if (was.row.tblhoy_no == entry.tblkak_no && was.row.tblhoy_danknameg == entry.tblkak_dnknameg &&
+                was.row.tblhoy_zokunameg == entry.tblkak_zokunameg)
+                chosen.of<tbl_hohyo>().push_back(was);
+        for (const auto& was : all.of<tbl_kazoku>())
+            if (was.became && was.row.tblkzk_no1 == entry.tblkak_no &&
+                was.row.tblkzk_dnknameg == entry.tblkak_dnknameg && was.row.tblkzk_nameg == entry.tblkak_zokunameg)
+                chosen.of<tbl_kazoku>().push_back(was);
+    }
+    return chosen;
+}
+
 void CopySource::copyAndUpgrade(const UpgradeSteps& steps) {
     draft_.emplace(path_);
     copyInto(path_, draft_->path());
@@ -119,11 +163,40 @@ void CopySource::refuseDamaged(const SQLite::Exception& failure) {
     throw damaged(path_, QString::fromUtf8(failure.what()));
 }
 
-void CopySource::prove() {
-    reading([this] {
+bool CopySource::run(const Step& step, const int& percent, const std::function<void()>& work) {
+    struct Watch {
+        const Step& step;
+        const int& percent;
+        bool stopped = false;
+    } watch{step, percent};
+    sqlite3* engine = database_->engine().getHandle();
+    constexpr int instructions = 200'000; // a few milliseconds
+    sqlite3_progress_handler(
+        engine, instructions,
+        [](void* data) {
+            auto* watching = static_cast<Watch*>(data);
+            watching->stopped = watching->stopped || !watching->step(watching->percent);
+            return watching->stopped ? 1 : 0;
+        },
+        &watch);
+    const auto end = qScopeGuard([engine] { sqlite3_progress_handler(engine, 0, nullptr, nullptr); });
+    try {
+        reading(work);
+    } catch (const SQLite::Exception& failure) {
+        if (watch.stopped && (failure.getErrorCode() & 0xff) == SQLITE_INTERRUPT)
+            return false;
+        throw;
+    }
+    return true;
+}
+
+bool CopySource::prove(const Step& step) {
+    int percent = 0;
+    return run(step, percent, [&] {
         const std::string found = database_->engine().execAndGet("PRAGMA integrity_check(1)").getString();
         if (found != "ok")
             throw damaged(path_, QString::fromStdString(found));
+        percent = 80;
         if (const QStringList unreadable = findUnreadableTexts(database_->engine()); !unreadable.isEmpty())
             throw damaged(path_, unreadable.first());
     });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/draft.h"
+#include "store/records.h"
 #include "store/upgrade.h"
 
 #include <QString>
@@ -15,10 +16,18 @@ namespace store {
 // brought to the newest layout there.
 class CopySource {
   public:
+    // Told the percent done of a run; its false stops it.
+    using Step = std::function<bool(int)>;
+
     // Throws Error, in words about a copy, where the file is missing, damaged, newer or neither of the two.
     explicit CopySource(const QString& path, const UpgradeSteps& steps = upgradeSteps());
 
     Database& database() { return *database_; }
+    // What belongs to a household, or one record by its rowid with what is its own (recordIn). Of what a deletion took,
+    // as far as that took it.
+    Records household(std::int16_t number);
+    Records record(RecordKind kind, qint64 rowid);
+
     // What a deletion took, and not a whole register.
     bool isDeletion() const { return deletion_; }
     const QString& path() const { return path_; }
@@ -34,8 +43,10 @@ class CopySource {
             throw;
         }
     }
-    // Looks the whole file over; throws where it is damaged. Takes seconds with a full register.
-    void prove();
+    // Runs work likewise, and step(percent) every few milliseconds of it; false when that stopped it.
+    bool run(const Step& step, const int& percent, const std::function<void()>& work);
+    // Looks the whole file over; throws where it is damaged. Takes seconds with a full register; false when stopped.
+    bool prove(const Step& step);
 
   private:
     void copyAndUpgrade(const UpgradeSteps& steps);

@@ -124,11 +124,18 @@ bool areSame(const HouseholdThen& one, const HouseholdThen& other) {
 }
 
 std::optional<HouseholdThen> householdOf(Database& database, std::int16_t number) {
-    const auto rows = selectAll<tbl_danka>(database,
-                                           "WHERE tbldnk_no1 = ? ORDER BY tbldnk_no2 <> " +
-                                               literal(codes::mainHousehold) + ", tbldnk_no2 LIMIT 1",
-                                           number);
-    return rows.empty() ? std::nullopt : std::optional(HouseholdThen::of(rows.front()));
+    const auto row = findHousehold(database, number);
+    return row ? std::optional(HouseholdThen::of(*row)) : std::nullopt;
+}
+
+void Records::add(const Records& other) {
+    other.forEach([this](const auto& rows) {
+        for (const auto& was : rows)
+            of<std::decay_t<decltype(was.row)>>().push_back(was);
+    });
+    for (const HouseholdThen& household : other.households)
+        if (std::ranges::find(households, household.number, &HouseholdThen::number) == households.end())
+            households.push_back(household);
 }
 
 std::size_t Records::size() const {
@@ -148,16 +155,8 @@ void Records::addHouseholds(Database& database) {
                 return;
             }
         }
-        if (const auto found = householdOf(database, number)) {
+        if (const auto found = householdOf(database, number))
             households.push_back(*found);
-            return;
-        }
-        for (const Was<tbl_danka>& was : of<tbl_danka>()) {
-            if (was.row.tbldnk_no1 == number) {
-                households.push_back(HouseholdThen::of(was.row));
-                return;
-            }
-        }
     };
     forEach([&add](const auto& rows) {
         for (const auto& was : rows)

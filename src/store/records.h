@@ -17,7 +17,8 @@ template <class Row> struct Was {
     std::optional<Row> became; // what a deletion made of it; absent where it took the row away
 };
 
-// A household as it was when the rows of its number were: enough to tell it from another one of that number.
+// A household as it was when the rows of its number were: enough to tell it from another one of that number. Branches
+// follow the household that is none.
 struct HouseholdThen {
     std::int16_t number = 0;
     QString nameg;
@@ -34,7 +35,7 @@ struct HouseholdThen {
 // Whether two households of one number are one and the same, changed in between or not. In doubt they are not.
 bool areSame(const HouseholdThen& one, const HouseholdThen& other);
 
-// The household of a number: the one that is no branch, or the first branch.
+// The household of a number, the one that is no branch.
 std::optional<HouseholdThen> householdOf(Database& database, std::int16_t number);
 
 class Records {
@@ -49,6 +50,9 @@ class Records {
         readable = readable && table.readable();
         of<Row>().push_back({table.row(), std::move(became)});
     }
+
+    // Adds what another one holds.
+    void add(const Records& other);
 
     // Calls each(rows) for the rows of every table.
     template <class Each> void forEach(Each each) const {

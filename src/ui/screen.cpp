@@ -108,6 +108,10 @@ class Screen::ScreenDesk : public desk::Desk {
         return askQuestion(&screen_, text, title, preset);
     }
     void inform(const QString& text) override { screen_.informed_ = text; }
+    void offerUndo(const QString& text, std::function<void()> undo) override {
+        screen_.informed_ = text;
+        screen_.undo_ = std::move(undo);
+    }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
         // From here on the record is the opened screen's.
@@ -160,6 +164,7 @@ void Screen::operate(const Operation& operation) {
     busy_ = true;
     handedOver_ = false;
     informed_.clear();
+    undo_ = {};
     readForm();
     const std::optional<Draft> before = currentDraft();
     putBackKept();

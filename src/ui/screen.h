@@ -177,6 +177,7 @@ class Screen : public QWidget {
     std::optional<Asked> asked_;
     desk::AskedRecord listed_; // what a screen without a record of its own lists
     QString informed_;
+    Operation undo_;                   // what 元に戻す does while the bar tells it
     QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;

@@ -260,6 +260,7 @@ void Screen::lookAtFile() {
 
 void Screen::say(const QString& text) {
     informed_ = text;
+    undo_ = {};
     refreshBar();
 }
 
@@ -285,6 +286,8 @@ void Screen::refreshBar() {
         bar_->tell(u"「%1」の記録はもうありません。前に入力した内容が残っています"_s.arg(draft->label), {戻す, 捨てる});
     else if (draft)
         bar_->tell(u"前に入力した内容が残っています"_s, {戻す, 捨てる});
+    else if (!informed_.isEmpty() && undo_)
+        bar_->tell(informed_, {元に戻す});
     else if (!informed_.isEmpty())
         bar_->tell(informed_);
     else if (!idle.isEmpty())
@@ -337,8 +340,18 @@ void Screen::barPressed(NoticeAction action) {
         strayKey_.clear();
         refreshBar();
         break;
-    case NoticeAction::元に戻す:
+    case NoticeAction::元に戻す: {
+        const int shown = subject_.record ? subject_.record().showing() : 0;
+        operate(std::exchange(undo_, {}));
+        if (!subject_.record || subject_.record().showing() == shown)
+            break;
+        // The record stands again, or as it was: it is read anew with all that the screen shows of it.
+        const QString told = informed_;
+        load(draftOf({}).context, baseline_);
+        if (informed_.isEmpty())
+            say(told);
         break;
+    }
     }
 }
 
