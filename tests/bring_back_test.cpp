@@ -186,7 +186,10 @@ const Kind kinds[] = {
          form = {};
          context.nameDeceased(u"山田"_s, u"次郎"_s);
          memorials::openExtra(form, context, desk);
-         form.実施.western.text = u"1851/02/28"_s;
+         form.実施.era.text = u"嘉永"_s;
+         form.実施.year.text = u"4"_s;
+         form.実施.month.text = u"2"_s;
+         form.実施.day.text = u"28"_s;
          desk.answer(u"指定された法要を削除します。内容を確認して下さい。"_s, u"法要・回忌外登録"_s, true);
          desk.expect(u"削除処理を終了しました。"_s, u"法要・回忌外登録"_s);
          memorials::deleteExtra(form, context, desk);
@@ -270,13 +273,13 @@ TEST_F(BringBack, OldDeletionsGo) {
     const auto keep = [&](QDate day) {
         return store::keepDeletion(store::Database::registerPath(), records, u"削除"_s, u"年号"_s, {day, QTime(9, 0)});
     };
-    keep(today);
-    for (int i = 0; i < 201; ++i)
-        QFile::copy(keep(today), store::deletionFolder(store::Database::registerPath()) +
-                                     u"/Hoshiren-2026-11-22-090000-%1-deleted.mdb"_s.arg(1000 + i, 5, 10, u'0'));
-    EXPECT_EQ(kept().size(), 201);
-    keep(today.addDays(91));
-    EXPECT_EQ(kept().size(), 1);
+    const QString first = keep(today);
+    for (int number = 2; number < 210; ++number)
+        QFile::copy(first, QString(first).replace(u"00001"_s, u"%1"_s.arg(number, 5, 10, QChar(u'0'))));
+    const QString newest = keep(today);
+    EXPECT_TRUE(newest.contains(u"-00210-"_s));
+    EXPECT_EQ(kept().size(), 200);
+    EXPECT_EQ(QFileInfo(keep(today.addDays(91))).fileName(), kept().join(u'|'));
     keep(today);
     EXPECT_EQ(kept().size(), 2);
 }

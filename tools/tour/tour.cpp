@@ -170,7 +170,7 @@ void Tour::undo() {
     expect(u"削除処理を終了しました。"_s, title);
     press(name, u"削除"_s);
     require(count("tbl_kakocho") == 0 && count("tbl_hohyo") == 0, u"the entry is still there"_s);
-    picture(name);
+    save(screen(name), u"元に戻す"_s);
     press(name, u"元に戻す"_s);
     require(count("tbl_kakocho") == 1 && count("tbl_hohyo") == 14 &&
                 count("tbl_kazoku WHERE tblkzk_nameg = '山田　キヨ' AND tblkzk_seishikbn = '1'") == 1,
@@ -236,7 +236,7 @@ void Tour::copies() {
     press(u"メニュー"_s, u"控え"_s);
     clickCell(name, u"控え一覧"_s, 2);
     clickCell(name, u"控え内容"_s, 1);
-    picture(name);
+    save(screen(name), u"控え"_s);
     answer(u"2026/11/22 09:00の控えから「檀家 1 山田（山田　太郎）」と、それに属する18件を戻します。"
            "今の記録は変わりません。よろしいですか？"_s,
            u"控え"_s, true);
