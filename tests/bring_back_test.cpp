@@ -15,6 +15,7 @@
 #include "store/backup.h"
 #include "store/comparison.h"
 #include "store/copy_source.h"
+#include "support/database_tool.h"
 #include "support/older_register.h"
 #include "support/register_fixture.h"
 #include "support/test_desk.h"
@@ -495,4 +496,29 @@ TEST_F(BringBack, CopiesOfAnyKindAreReadAndNeverWrittenTo) {
                   u"控え「%1」がありません。取り除かれたか、名前が変わりました。一覧から選び直して下さい。"_s.arg(
                       path(u"gone.mdb"_s)));
     }
+}
+
+TEST_F(BringBack, TheDatabaseToolDoesTheSame) {
+    const QString before = rows();
+    const QString file = copy();
+    context.publishHousehold(desk::HouseholdBlock::numbered(7));
+    deleteEntry(context, desk, true, true);
+    const QString deletion = store::deletionFolder(store::Database::registerPath()) + u'/' + kept().first();
+    const auto tool = [&](const QStringList& arguments) {
+        const auto [status, text] = runDatabaseTool(directory.path(), u"bring-back"_s + arguments);
+        return u"%1 %2"_s.arg(status).arg(text.trimmed());
+    };
+    EXPECT_TRUE(tool({}).contains(u"削除　過去帳 7 次郎 ほか17件"_s));
+    EXPECT_TRUE(tool({deletion}).endsWith(u"控えと今の登録簿の違い: 19 件"_s)) << tool({deletion}).toStdString();
+    EXPECT_EQ(tool({deletion, u"全部"_s}).section(u'：', 0, 0), u"0 元に戻しました（18件）"_s);
+    EXPECT_EQ(rows(), before);
+    execute(u"DELETE FROM tbl_kakocho; DELETE FROM tbl_hohyo; DELETE FROM tbl_ohaka"_s);
+    EXPECT_EQ(tool({file, u"お墓"_s, u"70"_s}), u"0 元に戻しました（1件）：お墓 70番（東 1）山田家"_s);
+    EXPECT_EQ(tool({file, u"7"_s, u"次郎"_s}).section(u'：', 0, 0), u"0 元に戻しました（17件）"_s);
+    EXPECT_EQ(rows(), before);
+    EXPECT_EQ(tool({file, u"7"_s}), u"0 すべて今の登録簿にあります。何も変えていません。"_s);
+    EXPECT_EQ(tool({file, u"99"_s}), u"1 控えにその記録はありません。何も変えていません。"_s);
+    for (const QStringList& wrong : {QStringList{file, u"全部"_s}, {file, u"七"_s}, {file, u"7"_s, u"次郎"_s, u"?"_s}})
+        EXPECT_EQ(tool(wrong).left(6), u"2 使い方:"_s);
+    EXPECT_EQ(tool({u"gone.mdb"_s}).left(1), u"1"_s);
 }

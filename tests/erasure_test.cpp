@@ -71,7 +71,7 @@ class Erasure : public RegisterFixture {
     }
 
     TestDesk desk{today};
-    desk::Deletion deletion{desk, title, u"檀家抹消"_s};
+    desk::Deletion deletion{desk, title, u"抹消"_s};
 };
 
 } // namespace

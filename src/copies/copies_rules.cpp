@@ -131,13 +131,15 @@ bool compare(控えForm& form, int line, desk::Desk& desk) {
     const auto progress = desk.progress(title);
     bool done = true;
     {
-        store::CopySource copy(source.path);
+        const auto step = [&progress](const QString& text) {
+            return [&progress, text](int percent) { return progress->advance(percent, text); };
+        };
+        store::CopySource copy(source.path, store::upgradeSteps(), step(u"控えを読んでいます"_s));
         if (!source.proven)
-            done = copy.prove([&](int percent) { return progress->advance(percent, u"控えを確かめています"_s); });
+            done = copy.prove(step(u"控えを確かめています"_s));
         if (done) {
-            const auto differences = store::compareWithNow(copy, registered(), [&](int percent) {
-                return progress->advance(percent, u"控えと今の登録簿を比べています"_s);
-            });
+            const auto differences =
+                store::compareWithNow(copy, registered(), step(u"控えと今の登録簿を比べています"_s));
             done = differences.has_value();
             if (done)
                 form.differences = *differences;
@@ -230,8 +232,8 @@ void restoreAll(控えForm& form, desk::ScreenContext&, desk::Desk& desk) {
         there = true;
     });
     if (!there || !desk.ask(u"登録簿をまるごと%1に戻します。この控えの後に入力したものは、登録簿からなくなります。"
-                  "今の登録簿も控えとして残します。よろしいですか？"_s.arg(source.name),
-                  title, desk::Preset::no))
+                            "今の登録簿も控えとして残します。よろしいですか？"_s.arg(source.name),
+                            title, desk::Preset::no))
         return;
     QString kept;
     {

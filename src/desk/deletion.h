@@ -13,7 +13,7 @@ namespace desk {
 // (store/kept_deletion.h) before each of them is committed, and can be taken back.
 class Deletion {
   public:
-    // title: of its messages. what: 削除, 檀家抹消 or 廃棄.
+    // title: of its messages. what: 削除, 抹消 or 廃棄.
     Deletion(Desk& desk, const QString& title, const QString& what) : desk_(&desk), title_(title), what_(what) {}
 
     // Runs take(records) as one write. It deletes or rewrites rows and adds them to the records as they were; its false

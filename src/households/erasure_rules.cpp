@@ -78,7 +78,7 @@ ErasedHousehold::ErasedHousehold(const desk::ScreenContext& context, const desk:
 desk::Deletion EraseHousehold(desk::ScreenContext& context, desk::Desk& desk,
                               const desk::Held<store::tbl_danka>* held) {
     ErasedHousehold household(context, held);
-    desk::Deletion deletion(desk, title, u"檀家抹消"_s);
+    desk::Deletion deletion(desk, title, u"抹消"_s);
     const struct {
         QString question;
         void (*step)(const ErasedHousehold&, desk::Deletion&, desk::Desk&);

@@ -146,92 +146,67 @@ template <class Row> std::string selected(const std::string& file) {
     return text + file + ".rowid";
 }
 
-template <class Row> std::string allEqual() {
+// The condition that all the fields of a and b are the same, or that those of one are as bound.
+template <class Fields> std::string equalFields(const Fields& fields) {
     std::string text;
-    std::apply([&](auto... field) { ((text += std::string(" AND a.") + field.name + " IS b." + field.name), ...); },
-               Description<Row>::fields);
+    std::apply(
+        [&](auto... field) {
+            ((text += (text.empty() ? "a." : " AND a.") + std::string(field.name) + " IS b." + field.name), ...);
+        },
+        fields);
+    return text;
+}
+template <class Row> std::string keysAsBound(const std::string& file) {
+    std::string text;
+    std::apply(
+        [&](auto... field) { ((text += (text.empty() ? "" : " AND ") + file + '.' + field.name + " IS ?"), ...); },
+        keyIndex<Row>.fields);
     return text;
 }
 
-template <class Row> struct Found {
-    Row row;
-    qint64 rowid;
-};
-
-template <class Row> std::vector<Found<Row>> rowsOf(SQLite::Statement& statement) {
-    std::vector<Found<Row>> rows;
-    while (statement.executeStep()) {
-        const Row row = readRow<Row>(statement);
-        rows.push_back({row, statement.getColumn(std::tuple_size_v<decltype(Description<Row>::fields)>).getInt64()});
-    }
-    return rows;
-}
-
-template <class Row> auto keyOf(const Row& row) {
-    return std::apply([&row](auto... field) { return std::make_tuple(row.*(field.member)...); }, keyIndex<Row>.fields);
+template <class Row> void bindKeys(SQLite::Statement& statement, const Row& row) {
+    statement.reset();
+    int at = 0;
+    std::apply([&](auto... field) { (bindValue(statement, ++at, row.*(field.member)), ...); }, keyIndex<Row>.fields);
 }
 
 // "main" is the copy, "now" the register. Most rows stand under the rowid that they had: what is equal there is passed
-// over by the engine; only what is left is matched by its keys.
+// over by the engine; only what is left is looked up by its keys.
 template <class Row> void compareTable(SQLite::Database& engine, bool whole, std::vector<Difference>& differences) {
     const std::string table = Description<Row>::table;
-    SQLite::Statement before(engine, "SELECT " + selected<Row>("a") + " FROM main." + table +
-                                         " a WHERE NOT EXISTS (SELECT 1 FROM now." + table +
-                                         " b WHERE b.rowid = a.rowid" + allEqual<Row>() + ")");
-    const std::vector<Found<Row>> then = rowsOf<Row>(before);
-
-    std::vector<Found<Row>> now;
-    SQLite::Statement sameRow(engine, "SELECT " + selected<Row>("b") + " FROM now." + table + " b WHERE rowid = ?");
-    if (whole) {
-        for (const auto& one : then) {
-            sameRow.reset();
-            bindValue(sameRow, 1, one.rowid);
-            for (auto& found : rowsOf<Row>(sameRow))
-                now.push_back(std::move(found));
+    constexpr auto rowidAt = static_cast<int>(std::tuple_size_v<decltype(Description<Row>::fields)>);
+    SQLite::Statement then(engine, "SELECT " + selected<Row>("a") + " FROM main." + table +
+                                       " a WHERE NOT EXISTS (SELECT 1 FROM now." + table +
+                                       " b WHERE b.rowid = a.rowid AND " + equalFields(Description<Row>::fields) + ")");
+    SQLite::Statement standing(engine, "SELECT " + selected<Row>("b") + " FROM now." + table + " b WHERE " +
+                                           keysAsBound<Row>("b"));
+    while (then.executeStep()) {
+        const Row row = readRow<Row>(then);
+        std::optional<Row> other;
+        bool same = false;
+        bindKeys(standing, row);
+        while (!same && standing.executeStep()) {
+            other = readRow<Row>(standing);
+            same = *other == row;
         }
-        SQLite::Statement added(engine, "SELECT " + selected<Row>("b") + " FROM now." + table +
-                                            " b WHERE NOT EXISTS (SELECT 1 FROM main." + table +
-                                            " a WHERE a.rowid = b.rowid)");
-        for (auto& found : rowsOf<Row>(added))
-            now.push_back(std::move(found));
-    } else {
-        // Their rowids mean nothing to the register.
-        std::string keys;
-        std::apply(
-            [&](auto... field) {
-                ((keys += (keys.empty() ? "" : " AND ") + std::string("b.") + field.name + " IS ?"), ...);
-            },
-            keyIndex<Row>.fields);
-        SQLite::Statement sameKey(engine, "SELECT " + selected<Row>("b") + " FROM now." + table + " b WHERE " + keys);
-        for (const auto& one : then) {
-            sameKey.reset();
-            int at = 0;
-            std::apply([&](const auto&... key) { (bindValue(sameKey, ++at, key), ...); }, keyOf(one.row));
-            for (auto& found : rowsOf<Row>(sameKey))
-                now.push_back(std::move(found));
-        }
+        if (!same)
+            differences.push_back({kindOf(row), other ? How::other : How::onlyInCopy, numberOf(row), nameOf(row),
+                                   other ? differingFields(row, *other) : QString(),
+                                   then.getColumn(rowidAt).getInt64()});
     }
-
-    std::multimap<decltype(keyOf(std::declval<Row>())), const Row*> left;
-    for (const auto& one : now)
-        left.emplace(keyOf(one.row), &one.row);
-    for (const auto& one : then) {
-        const auto [first, last] = left.equal_range(keyOf(one.row));
-        auto match = std::find_if(first, last, [&one](const auto& entry) { return *entry.second == one.row; });
-        if (match == last)
-            match = first;
-        const bool none = match == last;
-        if (none || !(*match->second == one.row))
-            differences.push_back({kindOf(one.row), none ? How::onlyInCopy : How::other, numberOf(one.row),
-                                   nameOf(one.row), none ? QString() : differingFields(one.row, *match->second),
-                                   one.rowid});
-        if (!none)
-            left.erase(match);
-    }
+    standing.reset();
     if (!whole)
         return;
-    for (const auto& [key, row] : left)
-        differences.push_back({kindOf(*row), How::onlyNow, numberOf(*row), nameOf(*row), {}, 0});
+    SQLite::Statement now(engine, "SELECT " + selected<Row>("b") + " FROM now." + table +
+                                      " b WHERE NOT EXISTS (SELECT 1 FROM main." + table +
+                                      " a WHERE a.rowid = b.rowid AND " + equalFields(keyIndex<Row>.fields) + ")");
+    SQLite::Statement known(engine, "SELECT 1 FROM main." + table + " a WHERE " + keysAsBound<Row>("a"));
+    while (now.executeStep()) {
+        const Row row = readRow<Row>(now);
+        bindKeys(known, row);
+        if (!known.executeStep())
+            differences.push_back({kindOf(row), How::onlyNow, numberOf(row), nameOf(row), {}, 0});
+    }
 }
 
 // A line for each household of which something differs, and on it how much.
@@ -259,8 +234,10 @@ void addHouseholds(Database& copy, std::vector<Difference>& differences) {
     for (Difference& one : differences) {
         if (one.kind != RecordKind::household)
             continue;
+        // On the first of its lines.
         if (const QString more = summary(counts[one.household]); !more.isEmpty())
             one.what += (one.what.isEmpty() ? QString() : u"、"_s) + more;
+        counts[one.household].rows.clear();
     }
     for (const auto& [number, count] : counts) {
         if (count.own || count.rows.empty())
@@ -269,9 +246,11 @@ void addHouseholds(Database& copy, std::vector<Difference>& differences) {
                                                   ", rowid FROM main.tbl_danka WHERE tbldnk_no1 = ? "
                                                   "ORDER BY tbldnk_no2 LIMIT 1");
         bindValue(find, 1, int{number});
-        for (const auto& found : rowsOf<tbl_danka>(find))
-            differences.push_back(
-                {RecordKind::household, How::same, number, nameOf(found.row), summary(count), found.rowid});
+        if (!find.executeStep())
+            continue;
+        differences.push_back({RecordKind::household, How::same, number, nameOf(readRow<tbl_danka>(find)),
+                               summary(count),
+                               find.getColumn(std::tuple_size_v<decltype(Description<tbl_danka>::fields)>).getInt64()});
     }
 }
 

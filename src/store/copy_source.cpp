@@ -37,13 +37,15 @@ bool hasJournal(const QString& path) {
     return QFileInfo(path + u"-journal"_s).size() > 0 || QFileInfo(path + u"-wal"_s).size() > 0;
 }
 
-void copyInto(const QString& from, const QString& to) {
+void copyInto(const QString& from, const QString& to, const CopySource::Step& step) {
     QFile source(from);
     QFile target(to);
     bool good = source.open(QIODevice::ReadOnly) && target.open(QIODevice::WriteOnly);
     while (good && !source.atEnd()) {
         const QByteArray part = source.read(1 << 20);
         good = !part.isEmpty() && target.write(part) == part.size();
+        if (!step(static_cast<int>(100 * source.pos() / std::max(source.size(), qint64{1}))))
+            throw Error(0, u"控えを読むのを中止しました。今の登録簿は変わっていません。"_s);
     }
     if (good && target.flush())
         return;
@@ -55,7 +57,7 @@ void copyInto(const QString& from, const QString& to) {
 
 } // namespace
 
-CopySource::CopySource(const QString& path, const UpgradeSteps& steps) : path_(path) {
+CopySource::CopySource(const QString& path, const UpgradeSteps& steps, const Step& step) : path_(path) {
     requireFile(path);
     QFile file(path);
     if (!file.exists())
@@ -77,7 +79,7 @@ CopySource::CopySource(const QString& path, const UpgradeSteps& steps) : path_(p
     const auto layout = qFromBigEndian<qint32>(head.constData() + layoutAt);
     reading([&] {
         if (layout < layoutVersion || head[logAt] != 1 || hasJournal(path))
-            copyAndUpgrade(steps);
+            copyAndUpgrade(steps, step);
         database_.emplace(readPath(), Layouts::newest, deletion_ ? FileUse::asDeletion : FileUse::asCopy);
     });
 }
@@ -124,12 +126,12 @@ Records CopySource::record(RecordKind kind, qint64 rowid) {
     return chosen;
 }
 
-void CopySource::copyAndUpgrade(const UpgradeSteps& steps) {
+void CopySource::copyAndUpgrade(const UpgradeSteps& steps, const Step& step) {
     draft_.emplace(path_);
-    copyInto(path_, draft_->path());
+    copyInto(path_, draft_->path(), step);
     for (const QString& ending : {u"-journal"_s, u"-wal"_s})
         if (QFileInfo::exists(path_ + ending))
-            copyInto(path_ + ending, draft_->path() + ending);
+            copyInto(path_ + ending, draft_->path() + ending, step);
     const auto own = [this](int owner) {
         SQLite::Database engine(QFile::encodeName(draft_->path()).constData(),
                                 SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE);

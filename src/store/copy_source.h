@@ -19,8 +19,10 @@ class CopySource {
     // Told the percent done of a run; its false stops it.
     using Step = std::function<bool(int)>;
 
-    // Throws Error, in words about a copy, where the file is missing, damaged, newer or neither of the two.
-    explicit CopySource(const QString& path, const UpgradeSteps& steps = upgradeSteps());
+    // Throws Error, in words about a copy, where the file is missing, damaged, newer or neither of the two, and when
+    // step stopped the copying of an older one.
+    explicit CopySource(
+        const QString& path, const UpgradeSteps& steps = upgradeSteps(), const Step& step = [](int) { return true; });
 
     Database& database() { return *database_; }
     // What belongs to a household, or one record by its rowid with what is its own (recordIn). Of what a deletion took,
@@ -49,7 +51,7 @@ class CopySource {
     bool prove(const Step& step);
 
   private:
-    void copyAndUpgrade(const UpgradeSteps& steps);
+    void copyAndUpgrade(const UpgradeSteps& steps, const Step& step);
     // Throws where the failure is one of this file's damage.
     void refuseDamaged(const SQLite::Exception& failure);
 

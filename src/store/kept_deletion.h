@@ -16,7 +16,7 @@ struct KeptDeletion {
     QString path;
     QDateTime made;
     int number = 0; // counts a register's deletions, whatever the clock says
-    QString what;   // 削除, 檀家抹消, 廃棄
+    QString what;   // 削除, 抹消, 廃棄
     QString label;  // of what was deleted, as the user knows it; empty where the file cannot be read
 };
 

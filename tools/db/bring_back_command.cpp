@@ -8,7 +8,10 @@
 #include "values/numbers.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QTextStream>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -111,6 +114,15 @@ std::optional<store::Records> chosen(store::CopySource& source, const QStringLis
     return records;
 }
 
+// Looked over when it was made.
+bool isProven(const store::CopySource& source) {
+    const QString path = QFileInfo(source.path()).canonicalFilePath();
+    return source.isDeletion() ||
+           std::ranges::any_of(store::backupsOf(store::Database::registerPath()), [&path](const store::Backup& copy) {
+               return store::isProven(copy) && QFileInfo(copy.path).canonicalFilePath() == path;
+           });
+}
+
 } // namespace
 
 int bringBack(const QStringList& arguments) {
@@ -119,7 +131,8 @@ int bringBack(const QStringList& arguments) {
     store::CopySource source(arguments.first());
     if (arguments.size() == 1)
         return showDifferences(source);
-    source.prove([](int) { return true; });
+    if (!isProven(source))
+        source.prove([](int) { return true; });
     std::optional<store::Records> records;
     source.reading([&] { records = chosen(source, arguments.mid(1)); });
     if (!records)
