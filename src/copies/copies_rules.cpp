@@ -47,7 +47,9 @@ void listSources(控えForm& form) {
     form.控え一覧.highlighted = form.chosen = 0;
     form.sources.clear();
     const QLocale japanese(QLocale::Japanese);
-    const auto size = [&](const QString& path) { return japanese.formattedDataSize(QFileInfo(path).size(), 1); };
+    const auto size = [&](const QString& path) {
+        return japanese.formattedDataSize(QFileInfo(path).size(), 1, QLocale::DataSizeTraditionalFormat);
+    };
     for (const store::KeptDeletion& one : store::deletionsOf(registered())) {
         const QString time = one.made.toString(timeFormat);
         const QString label = one.label.isEmpty() ? u"読めません"_s : one.label;

@@ -170,7 +170,6 @@ void Tour::undo() {
     expect(u"削除処理を終了しました。"_s, title);
     press(name, u"削除"_s);
     require(count("tbl_kakocho") == 0 && count("tbl_hohyo") == 0, u"the entry is still there"_s);
-    save(screen(name), u"元に戻す"_s);
     press(name, u"元に戻す"_s);
     require(count("tbl_kakocho") == 1 && count("tbl_hohyo") == 14 &&
                 count("tbl_kazoku WHERE tblkzk_nameg = '山田　キヨ' AND tblkzk_seishikbn = '1'") == 1,
@@ -236,7 +235,6 @@ void Tour::copies() {
     press(u"メニュー"_s, u"控え"_s);
     clickCell(name, u"控え一覧"_s, 2);
     clickCell(name, u"控え内容"_s, 1);
-    save(screen(name), u"控え"_s);
     answer(u"2026/11/22 09:00の控えから「檀家 1 山田（山田　太郎）」と、それに属する18件を戻します。"
            "今の記録は変わりません。よろしいですか？"_s,
            u"控え"_s, true);
@@ -274,6 +272,18 @@ void Tour::documents() {
             press(name, u"表示"_s);
         save(screen(name), name);
     }
+    store::makeBackup(store::Database::registerPath(), store::BackupKind::daily, QDateTime(today, QTime(9, 0)));
+    store::Database().engine().exec("DELETE FROM tbl_danka WHERE tbldnk_no1 = 5; "
+                                    "DELETE FROM tbl_kazoku WHERE tblkzk_no1 = 5; "
+                                    "UPDATE tbl_danka SET tbldnk_tel = '026-111-2222' WHERE tbldnk_no1 = 8");
+    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
+    expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
+    press(u"檀家登"_s, u"削除"_s);
+    save(screen(u"檀家登"_s), u"元に戻す"_s);
+    open(u"控え"_s);
+    clickCell(u"控え"_s, u"控え一覧"_s, 2);
+    clickCell(u"控え"_s, u"控え内容"_s, 1);
+    save(screen(u"控え"_s), u"控え"_s);
     done(u"the documents' other pictures"_s);
 }
 
