@@ -71,6 +71,7 @@ class Erasure : public RegisterFixture {
     }
 
     TestDesk desk{today};
+    desk::Deletion deletion{desk, title, u"抹消"_s};
 };
 
 } // namespace
@@ -124,19 +125,19 @@ TEST_F(Erasure, FamilyAndDeathRegisterAreReachedFromTheHouseholdsNameOn) {
     execute(u"UPDATE tbl_kazoku SET tblkzk_dnknameg = '一姓' WHERE tblkzk_nameg = '一郎';"
             "INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg) VALUES (7, '神', '後')"_s);
     desk.expect(steps[1].done, title);
-    households::EraseFamily(households::ErasedHousehold(context), desk);
+    households::EraseFamily(households::ErasedHousehold(context), deletion, desk);
     // 一 sorts before 山 and is not reached; 神 (U+FA19) behind it is.
     EXPECT_EQ(query(u"SELECT tblkzk_dnknameg, tblkzk_nameg FROM tbl_kazoku WHERE tblkzk_no1 = 7"_s), u"一姓,一郎"_s);
 
     context.dnk_nameg = u"改姓"_s; // sorts behind every copy
     desk.expect(steps[3].none, title);
-    households::EraseDeathRegister(households::ErasedHousehold(context), desk);
+    households::EraseDeathRegister(households::ErasedHousehold(context), deletion, desk);
     EXPECT_EQ(rowsOf(7), u"2,1,3,2,2"_s);
 }
 
 TEST_F(Erasure, GravesBecomeVacantAndKeepNumberPlaceAndFees) {
     desk.expect(steps[4].done, title);
-    households::DisposeGraves(households::ErasedHousehold(context), desk);
+    households::DisposeGraves(households::ErasedHousehold(context), deletion, desk);
     EXPECT_EQ(query(u"SELECT * FROM tbl_ohaka WHERE tblhak_no = 70"_s),
               u"70,東,1,0,,,,空,,NULL,NULL,30000,5000,NULL,NULL,1,2026-11-22,,,2026-11-22"_s);
     EXPECT_EQ(query(u"SELECT tblhak_no FROM tbl_ohaka WHERE tblhak_haiki_kbn = 1"_s), u"70|71"_s);

@@ -73,7 +73,8 @@ TEST_F(Schedule, DeletionTakesAllOfOneDeceasedUpToAnotherHouseholdName) {
     for (const auto& [rows, left] : cases) {
         execute(u"DELETE FROM tbl_hohyo"_s);
         add(rows);
-        memorials::DeleteMemorials(entry);
+        desk::Deletion deletion(desk, {}, {});
+        memorials::DeleteMemorials(entry, deletion);
         EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei FROM tbl_hohyo ORDER BY 1"_s), left);
     }
 }

@@ -2,6 +2,7 @@
 
 #include "app/menu_screen.h"
 #include "calendar/era_registration_screen.h"
+#include "copies/copies_screen.h"
 #include "family/family_screens.h"
 #include "family/household_lists_screen.h"
 #include "graves/grave_screens.h"
@@ -30,6 +31,7 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"紐墓標"_s, graves::紐墓標},
 
         {u"マスター登"_s, masters::マスター登},
+        {u"控え"_s, copies::控え},
 
         {u"檀家登"_s, households::檀家登},
         {u"檀家一覧"_s, households::檀家一覧},

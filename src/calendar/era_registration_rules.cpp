@@ -1,6 +1,7 @@
 #include "calendar/era_registration_rules.h"
 
 #include "calendar/eras.h"
+#include "desk/deletion.h"
 #include "desk/save_attempt.h"
 #include "store/table.h"
 #include "values/numbers.h"
@@ -158,10 +159,12 @@ void deleteEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     if (!era || !desk.ask(u"登録内容を削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
     store::Database database;
-    if (!desk::remove(*era, database, refusal(), desk))
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!desk::remove(*era, database, refusal(), deletion))
         return;
     form.held = *era;
     desk.notify(u"指定された年号は削除されました。"_s, title);
+    deletion.offerUndo(form.held);
 }
 
 } // namespace calendar

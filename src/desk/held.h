@@ -221,28 +221,4 @@ bool change(Held<Row>& held, store::Database& database, const Refusal& words, De
     return change(held, database, words, desk, edit, [] {});
 }
 
-// Deletes the record likewise.
-template <class Row, class Also>
-bool remove(Held<Row>& held, store::Database& database, const Refusal& words, Desk& desk, Also also) {
-    Standing standing = Standing::gone;
-    {
-        store::Write write(database);
-        store::Table table(database, store::keyIndex<Row>);
-        standing = held.seek(table);
-        if (standing == Standing::asRead) {
-            table.remove();
-            also();
-            write.commit();
-        }
-    }
-    if (refused(standing, held, words, desk))
-        return false;
-    held.removed();
-    return true;
-}
-
-template <class Row> bool remove(Held<Row>& held, store::Database& database, const Refusal& words, Desk& desk) {
-    return remove(held, database, words, desk, [] {});
-}
-
 } // namespace desk

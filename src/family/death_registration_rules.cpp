@@ -192,14 +192,18 @@ void write(store::tbl_kakocho& row, const 過去登Form& form, const LifeDates& 
     row.tblkak_kanaidx = store::kanaIndex(form.frm11_dankak.text);
 }
 
-// Marks the entry's deceased in the family; false when he is no member of it.
-bool setFamilyFlag(store::Database& database, bool deceased, const store::tbl_kakocho& entry) {
-    return store::change(
-        database, store::idxkzk_kazoku,
-        [&](store::tbl_kazoku& member) {
-            member.tblkzk_seishikbn = deceased ? store::codes::deceased : store::codes::living;
-        },
-        entry.tblkak_no, entry.tblkak_dnknameg, entry.tblkak_zokunameg);
+// Marks the entry's deceased in the family; false when he is no member of it. What stood there is added to taken.
+bool setFamilyFlag(store::Database& database, bool deceased, const store::tbl_kakocho& entry,
+                   store::Records* taken = nullptr) {
+    store::Table members(database, store::idxkzk_kazoku);
+    if (!members.seek(store::Seek::equal, entry.tblkak_no, entry.tblkak_dnknameg, entry.tblkak_zokunameg))
+        return false;
+    store::tbl_kazoku member = members.row();
+    member.tblkzk_seishikbn = deceased ? store::codes::deceased : store::codes::living;
+    if (taken)
+        taken->take(members, member);
+    members.edit(member);
+    return true;
 }
 
 void sayMemberMissing(desk::ScreenContext& context, desk::Desk& desk) {
@@ -373,7 +377,8 @@ void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& 
         return;
     store::Database database;
     const store::tbl_kakocho entry = form.held.row();
-    if (!desk::remove(form.held, database, {title, entryMissing}, desk))
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!desk::remove(form.held, database, {title, entryMissing}, deletion))
         return;
     // The entry is gone: a failure of one of these is told, and does not keep the other from being asked.
     const auto attempt = [&desk](const auto& step) {
@@ -384,15 +389,20 @@ void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& 
         }
     };
     if (desk.ask(u"法要等の情報も削除しますか？"_s, title, desk::Preset::no))
-        attempt([&entry] { memorials::DeleteMemorials(entry); });
+        attempt([&] { memorials::DeleteMemorials(entry, deletion); });
     if (desk.ask(u"家族登録は元に戻しますか？"_s, title))
         attempt([&] {
-            if (!setFamilyFlag(database, false, entry))
+            bool member = false;
+            deletion.write(database, [&](store::Records& taken) {
+                return member = setFamilyFlag(database, false, entry, &taken);
+            });
+            if (!member)
                 sayMemberMissing(context, desk);
         });
     desk.notify(u"削除処理を終了しました。"_s, title);
     context.forgetDeceased(entry.tblkak_no, entry.tblkak_dnknameg, entry.tblkak_zokunameg);
     context.clearDeceased();
+    deletion.offerUndo(form.held);
 }
 
 void openMemorials(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {

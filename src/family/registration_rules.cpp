@@ -2,6 +2,7 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "desk/deletion.h"
 #include "desk/save_attempt.h"
 #include "masters/master_rules.h"
 #include "store/row_rules.h"
@@ -215,13 +216,15 @@ void changeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk&
 void deleteMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     auto member = form.held.orRead(database, context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text);
+    desk::Deletion deletion(desk, title, u"削除"_s);
     if (!desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
-        !desk::remove(member, database, {title, memberMissing}, desk))
+        !desk::remove(member, database, {title, memberMissing}, deletion))
         return;
     form.held = member;
     desk.notify(u"指定された家族は削除されました。"_s, title);
     fillMemberLists(database, form, context);
     context.kzk_nameg.clear();
+    deletion.offerUndo(form.held);
 }
 
 } // namespace family

@@ -2,6 +2,7 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "desk/deletion.h"
 #include "store/codes.h"
 #include "store/table.h"
 #include "values/numbers.h"
@@ -112,10 +113,12 @@ void deleteGrave(GraveFields& fields, const QString& question, const QString& ti
     if (!desk.ask(question, title, desk::Preset::no))
         return;
     store::Database database;
-    if (!desk::remove(fields.held, database, refusal(title), desk))
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!desk::remove(fields.held, database, refusal(title), deletion))
         return;
     desk.notify(u"指定されたお墓は削除されました。"_s, title);
     context.forgetGrave(fields.held->tblhak_no);
+    deletion.offerUndo(fields.held);
 }
 
 std::optional<desk::AskedRecord> askedGrave(const desk::ScreenContext& context) {
@@ -126,6 +129,24 @@ std::optional<desk::AskedRecord> askedGrave(const desk::ScreenContext& context) 
 
 void nameShown(const GraveFields& fields, desk::ScreenContext& context) {
     context.hak_no = fields.held ? fields.held->tblhak_no : std::int16_t{0};
+}
+
+void disposeGrave(GraveFields& fields, const QString& title, desk::Desk& desk) {
+    if (!fields.namesGraveHeld()) {
+        sayNumberChanged(title, desk);
+        return;
+    }
+    store::Database database;
+    desk::Deletion deletion(desk, title, u"廃棄"_s);
+    const bool written = desk::change(fields.held, database, refusal(title), deletion, [&](store::tbl_ohaka& row) {
+        row.tblhak_dnk_no = store::codes::noHousehold;
+        row.tblhak_haiki_kbn = store::codes::yes;
+        row.tblhak_haiki_ymd = desk.today();
+    });
+    if (!written)
+        return;
+    desk.notify(u"指定されたお墓は廃棄処分されました。"_s, title);
+    deletion.offerUndo(fields.held);
 }
 
 void sayNumberChanged(const QString& title, desk::Desk& desk) {

@@ -74,6 +74,10 @@ bool editGrave(GraveFields& fields, const QString& title, desk::Desk& desk,
 void deleteGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
                  desk::Desk& desk);
 
+// 廃棄: gives up the grave held; shows a message when the number box names another, or when it is gone or other than
+// read.
+void disposeGrave(GraveFields& fields, const QString& title, desk::Desk& desk);
+
 // The grave that the context names; nothing where it names none.
 std::optional<desk::AskedRecord> askedGrave(const desk::ScreenContext& context);
 // Names the grave held in the context; none where there is none.

@@ -203,17 +203,7 @@ void deleteGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
 }
 
 void disposeGrave(お墓登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    if (!form.namesGraveHeld()) {
-        sayNumberChanged(title, desk);
-        return;
-    }
-    const bool written = editGrave(form, title, desk, [&](store::tbl_ohaka& row) {
-        row.tblhak_dnk_no = store::codes::noHousehold;
-        row.tblhak_haiki_kbn = store::codes::yes;
-        row.tblhak_haiki_ymd = desk.today();
-    });
-    if (written)
-        desk.notify(u"指定されたお墓は廃棄処分されました。"_s, title);
+    disposeGrave(form, title, desk);
 }
 
 } // namespace graves

@@ -34,41 +34,39 @@ bool refused(desk::Standing standing, const ErasedHousehold& household, desk::De
     return household.held && desk::refused(standing, *household.held, {title, householdMissing}, desk);
 }
 
-// Deletes from the row found on for as long as it bears the number. A row of another household counts as none found.
-template <class Row, class... Fields, class... Keys>
-void eraseFrom(const store::Index<Row, Fields...>& index, std::int16_t Row::*numberField,
-               const ErasedHousehold& household, desk::Desk& desk, const QString& none, const QString& done,
-               const Keys&... keys) {
+// Runs erase(database, taken), which gives how many rows it met, as one write. What it met is told of, or why it did
+// not run.
+template <class Erase>
+void run(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk, const QString& none,
+         const QString& done, Erase erase) {
     int erased = 0;
     desk::Standing found = desk::Standing::asRead;
-    {
-        store::Database database;
-        store::Write write(database);
+    store::Database database;
+    const bool written = deletion.write(database, [&](store::Records& taken) {
         found = standing(database, household);
-        if (found == desk::Standing::asRead) {
-            store::Table rows(database, index);
-            rows.seek(store::Seek::atOrAfter, keys...);
-            erased = rows.removeWhile([&](const Row& row) { return row.*numberField == household.number; });
-            write.commit();
-        }
-    }
-    if (!refused(found, household, desk))
+        if (found == desk::Standing::asRead)
+            erased = erase(database, taken);
+        return erased > 0;
+    });
+    if (!refused(found, household, desk) && (written || erased == 0))
         desk.notify(erased > 0 ? done : none, title);
 }
 
-store::tbl_ohaka givenBack(const store::tbl_ohaka& grave, QDate today) {
-    store::tbl_ohaka vacant;
-    vacant.tblhak_no = grave.tblhak_no;
-    vacant.tblhak_banchi1 = grave.tblhak_banchi1;
-    vacant.tblhak_banchi2 = grave.tblhak_banchi2;
-    vacant.tblhak_shiyo_ryokin = grave.tblhak_shiyo_ryokin;
-    vacant.tblhak_kanri_ryokin = grave.tblhak_kanri_ryokin;
-    vacant.tblhak_bohyo_kbn = store::codes::vacantGrave;
-    vacant.tblhak_haiki_kbn = store::codes::yes;
-    vacant.tblhak_haiki_ymd = today;
-    vacant.tblhak_dnk_no = store::codes::noHousehold;
-    vacant.tblhak_add_ymd = today;
-    return vacant;
+// Deletes from the row found on for as long as it bears the number. A row of another household counts as none found.
+template <class Row, class... Fields, class... Keys>
+void eraseFrom(const store::Index<Row, Fields...>& index, std::int16_t Row::*numberField,
+               const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk, const QString& none,
+               const QString& done, const Keys&... keys) {
+    run(household, deletion, desk, none, done, [&](store::Database& database, store::Records& taken) {
+        store::Table rows(database, index);
+        rows.seek(store::Seek::atOrAfter, keys...);
+        return rows.removeWhile([&](const Row& row) {
+            if (row.*numberField != household.number)
+                return false;
+            taken.take(rows);
+            return true;
+        });
+    });
 }
 
 } // namespace
@@ -77,11 +75,13 @@ ErasedHousehold::ErasedHousehold(const desk::ScreenContext& context, const desk:
     : number(context.dnk_no1), name(context.dnk_nameg), emptyName(u""_s), lowestDate(values::firstYear, 1, 1),
       held(shown) {}
 
-void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const desk::Held<store::tbl_danka>* held) {
+desk::Deletion EraseHousehold(desk::ScreenContext& context, desk::Desk& desk,
+                              const desk::Held<store::tbl_danka>* held) {
     ErasedHousehold household(context, held);
+    desk::Deletion deletion(desk, title, u"抹消"_s);
     const struct {
         QString question;
-        void (*step)(const ErasedHousehold&, desk::Desk&);
+        void (*step)(const ErasedHousehold&, desk::Deletion&, desk::Desk&);
     } steps[] = {{u"檀家さんの情報を抹消しますか　？"_s, EraseHouseholdRows},
                  {u"檀家さんの家族情報を抹消しますか　？"_s, EraseFamily},
                  {u"檀家さんの法要情報を抹消しますか　？"_s, EraseMemorials},
@@ -92,10 +92,10 @@ void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const desk::
         if (!desk.ask(question, title, desk::Preset::no))
             continue;
         if (!copied && !desk::copyBefore(desk, title))
-            return;
+            break;
         copied = true;
         try {
-            step(household, desk);
+            step(household, deletion, desk);
         } catch (const std::exception& failure) {
             desk.notify(store::explain(failure), title);
         }
@@ -104,55 +104,47 @@ void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const desk::
             household.rowsErased = !store::find(database, store::idxdnk_no, household.number);
         }
     }
+    return deletion;
 }
 
-void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk) {
-    eraseFrom(store::idxdnk_no, &store::tbl_danka::tbldnk_no1, household, desk, householdMissing,
+void EraseHouseholdRows(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk) {
+    eraseFrom(store::idxdnk_no, &store::tbl_danka::tbldnk_no1, household, deletion, desk, householdMissing,
               u"指定された檀家さんは削除されました。"_s, household.number, household.branch);
 }
 
-void EraseFamily(const ErasedHousehold& household, desk::Desk& desk) {
-    eraseFrom(store::idxkzk_kazoku, &store::tbl_kazoku::tblkzk_no1, household, desk,
+void EraseFamily(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk) {
+    eraseFrom(store::idxkzk_kazoku, &store::tbl_kazoku::tblkzk_no1, household, deletion, desk,
               u"指定された檀家の家族を読めません。DBの整合性を確認して下さい"_s,
               u"指定された檀家の家族は削除されました。"_s, household.number, household.name, household.emptyName);
 }
 
-void EraseMemorials(const ErasedHousehold& household, desk::Desk& desk) {
-    eraseFrom(store::idxhoy_hohyo, &store::tbl_hohyo::tblhoy_no, household, desk,
+void EraseMemorials(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk) {
+    eraseFrom(store::idxhoy_hohyo, &store::tbl_hohyo::tblhoy_no, household, deletion, desk,
               u"指定された檀家の法要を読めません。DBの整合性を確認して下さい"_s,
               u"指定された檀家の法要は削除されました。"_s, household.number, household.emptyName, household.lowestDate);
 }
 
-void EraseDeathRegister(const ErasedHousehold& household, desk::Desk& desk) {
-    eraseFrom(store::idxkak_kakochou, &store::tbl_kakocho::tblkak_no, household, desk,
+void EraseDeathRegister(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk) {
+    eraseFrom(store::idxkak_kakochou, &store::tbl_kakocho::tblkak_no, household, deletion, desk,
               u"指定された檀家の過去帳を読めません。DBの整合性を確認して下さい"_s,
               u"指定された檀家の過去帳は削除されました。"_s, household.number, household.name, household.emptyName);
 }
 
-void DisposeGraves(const ErasedHousehold& household, desk::Desk& desk) {
-    bool disposed = false;
-    desk::Standing found = desk::Standing::asRead;
-    {
-        store::Database database;
-        store::Write write(database);
-        found = standing(database, household);
-        if (found == desk::Standing::asRead) {
+void DisposeGraves(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk) {
+    run(household, deletion, desk, u"指定された檀家さんのお墓はありません。登録内容を確認して下さい"_s,
+        u"指定されたお墓は廃棄されました。"_s, [&](store::Database& database, store::Records& taken) {
             // Read to the end first: a replaced grave leaves the selection.
             const auto graves = store::gravesOf(database, household.number);
-            disposed = !graves.empty();
             store::Table table(database, store::idxhak_no);
             for (const store::tbl_ohaka& grave : graves) {
+                const store::tbl_ohaka vacant = store::givenBack(grave, desk.today());
                 table.seek(store::Seek::equal, grave.tblhak_no);
+                taken.take(table, vacant);
                 table.remove();
-                table.insert(givenBack(grave, desk.today()));
+                table.insert(vacant);
             }
-            write.commit();
-        }
-    }
-    if (!refused(found, household, desk))
-        desk.notify(disposed ? u"指定されたお墓は廃棄されました。"_s
-                             : u"指定された檀家さんのお墓はありません。登録内容を確認して下さい"_s,
-                    title);
+            return static_cast<int>(graves.size());
+        });
 }
 
 } // namespace households

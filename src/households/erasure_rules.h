@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/deletion.h"
 #include "desk/desk.h"
 #include "desk/held.h"
 #include "desk/screen_context.h"
@@ -31,18 +32,19 @@ struct ErasedHousehold {
 // Asks once for each kind of data and runs its step after a Yes; goes on to the next whatever the answer or the result,
 // a failure that was told included.
 // Before the first step the register is copied (desk::copyBefore); where the user stops there, nothing is erased and
-// nothing more asked.
-void EraseHousehold(desk::ScreenContext& context, desk::Desk& desk, const desk::Held<store::tbl_danka>* held = nullptr);
+// nothing more asked. Gives what was taken, whose undo the caller offers.
+desk::Deletion EraseHousehold(desk::ScreenContext& context, desk::Desk& desk,
+                              const desk::Held<store::tbl_danka>* held = nullptr);
 
 // Deletes every branch of the number.
-void EraseHouseholdRows(const ErasedHousehold& household, desk::Desk& desk);
+void EraseHouseholdRows(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk);
 // Deletes the number's rows from those that bear the household's name on, in index order; rows whose copy of the name
 // sorts before it stay.
-void EraseFamily(const ErasedHousehold& household, desk::Desk& desk);
-void EraseDeathRegister(const ErasedHousehold& household, desk::Desk& desk);
+void EraseFamily(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk);
+void EraseDeathRegister(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk);
 // Deletes every memorial of the number.
-void EraseMemorials(const ErasedHousehold& household, desk::Desk& desk);
+void EraseMemorials(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk);
 // Gives the number's graves back: each becomes a vacant, disposed grave that keeps number, place and fees.
-void DisposeGraves(const ErasedHousehold& household, desk::Desk& desk);
+void DisposeGraves(const ErasedHousehold& household, desk::Deletion& deletion, desk::Desk& desk);
 
 } // namespace households

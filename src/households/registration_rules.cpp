@@ -289,8 +289,11 @@ void DeleteHousehold(檀家登Form& form, desk::ScreenContext&, desk::Desk& desk
     if (numbersChanged(form, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
     store::Database database;
-    if (desk::remove(form.held, database, householdRefusal(), desk))
-        desk.notify(u"指定された檀家さんは削除されました。"_s, title);
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!desk::remove(form.held, database, householdRefusal(), deletion))
+        return;
+    desk.notify(u"指定された檀家さんは削除されました。"_s, title);
+    deletion.offerUndo(form.held);
 }
 
 void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -316,14 +319,12 @@ void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk
     if (!desk.ask(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
     const desk::Held<store::tbl_danka> nobody;
-    if (leftOvers) {
-        // Copies bear any name that the household ever had: without one, all of them are reached.
+    // Copies bear any name that the household ever had: without one, all that is left of it is reached.
+    if (leftOvers)
         context.publishHousehold(desk::HouseholdBlock::numbered(numbers->no1));
-        EraseHousehold(context, desk, &nobody);
-    } else {
+    else
         PublishHousehold(form, context);
-        EraseHousehold(context, desk, &form.held);
-    }
+    const desk::Deletion erased = EraseHousehold(context, desk, leftOvers ? &nobody : &form.held);
     // Whom the context named may be erased now.
     static_cast<desk::MemberBlock&>(context) = {};
     static_cast<desk::GraveBlock&>(context) = {};
@@ -332,6 +333,10 @@ void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk
     listGraves(database, form, shownNumbers(form).no1);
     if (form.held && !store::find(database, store::idxdnk_no, form.held->tbldnk_no1, form.held->tbldnk_no2))
         form.held.removed();
+    if (leftOvers)
+        erased.offerUndo();
+    else
+        erased.offerUndo(form.held);
 }
 
 void openGraves(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -1,5 +1,6 @@
 #include "masters/master_rules.h"
 
+#include "desk/deletion.h"
 #include "desk/save_attempt.h"
 #include "store/table.h"
 #include "values/numbers.h"
@@ -210,11 +211,13 @@ void deleteEntry(マスター登Form& form, desk::ScreenContext& context, desk::
     if (!desk.ask(u"入力内容を削除します。"_s, title, desk::Preset::no))
         return;
     store::Database database;
-    if (!desk::remove(entry, database, refusal(), desk))
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!desk::remove(entry, database, refusal(), deletion))
         return;
     form.held = entry;
     desk.notify(u"表示内容は削除されました。"_s, title);
     fillGrid(database, form);
+    deletion.offerUndo(form.held);
 }
 
 } // namespace masters

@@ -109,8 +109,11 @@ void cancelDetail(法要明Form& form, desk::ScreenContext&, desk::Desk& desk) {
 
 void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
-    if (deleteMemorial(database, form.held, title, desk))
-        publishShown(form, context);
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!deleteMemorial(database, form.held, title, deletion, desk))
+        return;
+    publishShown(form, context);
+    deletion.offerUndo(form.held);
 }
 
 } // namespace memorials

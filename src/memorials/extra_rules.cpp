@@ -213,11 +213,13 @@ void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& 
     if (attempt.reported(desk, title))
         return;
     auto shown = form.registered.orRead(database, context.dnk_no1, context.kak_zokunameg, scheduledDate(form));
-    if (!deleteMemorial(database, shown, title, desk))
+    desk::Deletion deletion(desk, title, u"削除"_s);
+    if (!deleteMemorial(database, shown, title, deletion, desk))
         return;
     form.registered = {};
     form.held.removed();
     startAnew(form, context);
+    deletion.offerUndo();
 }
 
 } // namespace memorials

@@ -68,18 +68,20 @@ void RegisterSchedule(const store::tbl_kakocho& entry, desk::Desk& desk) {
         desk.notify(u"既に法要の%1は登録されています確認してください"_s.arg(label), u"法要 登録"_s);
 }
 
-void DeleteMemorials(const store::tbl_kakocho& entry) {
+void DeleteMemorials(const store::tbl_kakocho& entry, desk::Deletion& deletion) {
     store::Database database;
-    store::Write write(database);
-    {
+    deletion.write(database, [&](store::Records& taken) {
         Memorials memorials(database, store::idxhoy_hohyo);
         memorials.seek(store::Seek::atOrAfter, entry.tblkak_no, entry.tblkak_zokunameg);
-        memorials.removeWhile([&entry](const store::tbl_hohyo& row) {
-            return row.tblhoy_no == entry.tblkak_no && row.tblhoy_danknameg == entry.tblkak_dnknameg &&
-                   row.tblhoy_zokunameg == entry.tblkak_zokunameg;
+        const int deleted = memorials.removeWhile([&](const store::tbl_hohyo& row) {
+            if (row.tblhoy_no != entry.tblkak_no || row.tblhoy_danknameg != entry.tblkak_dnknameg ||
+                row.tblhoy_zokunameg != entry.tblkak_zokunameg)
+                return false;
+            taken.take(memorials);
+            return true;
         });
-    }
-    write.commit();
+        return deleted > 0;
+    });
 }
 
 } // namespace memorials

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/deletion.h"
 #include "desk/desk.h"
 #include "store/schema.h"
 
@@ -45,6 +46,6 @@ void RegisterSchedule(const store::tbl_kakocho& entry, desk::Desk& desk);
 
 // Deletes the memorials that bear the entry's keys (household number and name, secular name), whatever their state, up
 // to the first in date order that bears another household name. Silent when there is none.
-void DeleteMemorials(const store::tbl_kakocho& entry);
+void DeleteMemorials(const store::tbl_kakocho& entry, desk::Deletion& deletion);
 
 } // namespace memorials

@@ -136,9 +136,9 @@ void holdAsBooked(ServiceForm& form) {
 }
 
 bool deleteMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
-                    desk::Desk& desk) {
+                    desk::Deletion& deletion, desk::Desk& desk) {
     if (!desk.ask(u"指定された法要を削除します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
-        !desk::remove(memorial, database, {title, memorialMissing}, desk))
+        !desk::remove(memorial, database, {title, memorialMissing}, deletion))
         return false;
     desk.notify(u"削除処理を終了しました。"_s, title);
     return true;

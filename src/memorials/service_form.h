@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/deletion.h"
 #include "desk/desk.h"
 #include "desk/form.h"
 #include "desk/held.h"
@@ -69,7 +70,7 @@ void holdAsBooked(ServiceForm& form);
 
 // 削除: asks, deletes the memorial where the file holds it as read, and tells. True when it was deleted.
 bool deleteMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
-                    desk::Desk& desk);
+                    desk::Deletion& deletion, desk::Desk& desk);
 
 // The entry of the death register that the context names; nothing where there is none.
 std::optional<store::tbl_kakocho> readEntry(store::Database& database, const desk::ScreenContext& context);

@@ -36,7 +36,8 @@ std::unique_ptr<ui::Screen> 帳票(ui::Workplace& workplace) {
     layout.mainAction(u"印刷"_s, u"印刷"_s, way(ui::printListing))
         .action(u"プレビュー"_s, u"プレビュー"_s, way(ui::previewListing))
         .action(u"PDF"_s, u"PDF"_s, way(ui::writeListing))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(openReports));
     return screen;
 }

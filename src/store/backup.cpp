@@ -1,6 +1,7 @@
 #include "store/backup.h"
 
 #include "store/consistency.h"
+#include "store/kept_deletion.h"
 #include "store/layout.h"
 
 #include <QDir>
@@ -325,6 +326,7 @@ Copy::Copy(const QString& registerPath, BackupKind kind, const QDateTime& now)
     : Copy(registerPath, [&registerPath] { return readyBackupFolder(registerPath) + u"/draft"_s; }) {
     finish_ = [this, registerPath, kind, now] {
         const FolderLock lock(registerPath);
+        removeOldDeletions(registerPath, now);
         if (kind == BackupKind::daily && !wantedToday(draft_.path(), registerPath, now.date()))
             return;
         const QString path = newBackupPath(registerPath, kind, now);
@@ -443,6 +445,25 @@ void Copy::write() {
     memory_.reset();
 }
 
+QString reasonText(const Backup& backup) {
+    switch (backup.kind) {
+    case BackupKind::daily:
+        return backup.monthly ? u"毎日・毎月"_s : u"毎日"_s;
+    case BackupKind::beforeOperation:
+        return u"作業の前"_s;
+    case BackupKind::byHand:
+        return u"手動"_s;
+    case BackupKind::replaced:
+        break;
+    }
+    return u"復元で置き換えたもの"_s;
+}
+
+// Copies without a number are of a time when none was looked over.
+bool isProven(const Backup& backup) {
+    return backup.kind != BackupKind::replaced && backup.number > 0;
+}
+
 QString backupFolder(const QString& registerPath) {
     return QFileInfo(registerPath).absolutePath() + u"/backup"_s;
 }
@@ -495,7 +516,8 @@ std::optional<QString> makeBackup(const QString& registerPath, BackupKind kind, 
     return copy.path();
 }
 
-QString restore(const QString& file, const QString& registerPath, const QDateTime& now) {
+QString restore(const QString& file, const QString& registerPath, const QDateTime& now,
+                const std::function<void(int)>& step) {
     // A link stays what it is: the register that it names is replaced.
     const QFileInfo present(registerPath);
     const QString path = present.exists() ? present.canonicalFilePath() : present.absoluteFilePath();
@@ -506,8 +528,8 @@ QString restore(const QString& file, const QString& registerPath, const QDateTim
     requireFile(path);
     try {
         Copy copy(file, path);
-        while (copy.advance(partOfWait)) {
-        }
+        while (copy.advance(partOfWait))
+            step(copy.percent());
         return replaceRegister(copy.draft(), path, registerPath, now);
     } catch (const RegisterFault& fault) {
         // The words for a damaged register would send the user here again.

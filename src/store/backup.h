@@ -87,6 +87,11 @@ struct Backup {
     bool monthly = false; // a daily one that is kept for its month
 };
 
+// Why it was made, as the user reads it.
+QString reasonText(const Backup& backup);
+// Looked over before it counted as a copy.
+bool isProven(const Backup& backup);
+
 QString backupFolder(const QString& registerPath);
 
 // The register's copies, newest first: by their numbers, those without one behind by their time. Empty when there are
@@ -109,7 +114,10 @@ std::optional<QString> makeBackup(
 // folder first, journals included; its path is given, empty where no register was there. From before that until the
 // copy is in place nobody can write to the register: what another program saves is in the kept file, or is refused.
 // Interrupted at any point, the register is the old one or the new one. Throws Error when the file is no register, is
-// damaged or is the present one, and when another program is using the present one.
-QString restore(const QString& file, const QString& registerPath, const QDateTime& now);
+// damaged or is the present one, and when another program is using the present one. step is called while the file is
+// copied and proven, with the percent done.
+QString restore(
+    const QString& file, const QString& registerPath, const QDateTime& now,
+    const std::function<void(int)>& step = [](int) {});
 
 } // namespace store

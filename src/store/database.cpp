@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QThread>
+#include <QUrl>
 
 #include <sqlite3.h>
 
@@ -89,13 +90,13 @@ int pragma(SQLite::Database& engine, const char* name) {
     return statement.getColumn(0).getInt();
 }
 
-SQLite::Database openExisting(const QString& path) {
+SQLite::Database openExisting(const QString& path, FileUse use) {
     requireFile(path);
-    const QByteArray file = QFile::encodeName(path);
+    const QByteArray file = use == FileUse::asRegister ? QFile::encodeName(path) : engineAddress(path, "immutable=1");
     try {
         // A connection never leaves its thread.
-        const int flags = SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX;
-        return SQLite::Database(file.constData(), flags, 2000);
+        const int flags = use == FileUse::asRegister ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY | SQLITE_OPEN_URI;
+        return SQLite::Database(file.constData(), flags | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX, 2000);
     } catch (const SQLite::Exception&) {
         refuseForeignFile(path);
         throw;
@@ -133,7 +134,11 @@ int writesCommitted() {
     return committed;
 }
 
-Database::Database(const QString& path, Layouts layouts) : engine_(openExisting(path)) {
+QByteArray engineAddress(const QString& path, const char* option) {
+    return QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()).toEncoded() + '?' + option;
+}
+
+Database::Database(const QString& path, Layouts layouts, FileUse use) : engine_(openExisting(path, use)) {
     sqlite3* handle = engine_.getHandle();
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(handle, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
@@ -145,7 +150,7 @@ Database::Database(const QString& path, Layouts layouts) : engine_(openExisting(
         watchChanges(handle);
     try {
         engine_.exec("PRAGMA synchronous = EXTRA");
-        if (pragma(engine_, "application_id") != applicationId) {
+        if (pragma(engine_, "application_id") != (use == FileUse::asDeletion ? deletionId : applicationId)) {
             refuseForeignFile(path);
             throw Error(SQLITE_NOTADB, withEngineWords(sentenceFor(SQLITE_NOTADB), SQLITE_NOTADB, u"application_id"_s));
         }

@@ -13,6 +13,7 @@
 namespace store {
 
 constexpr int applicationId = 0x486F7368; // "Hosh"
+constexpr int deletionId = 0x486F7344;    // "HosD": what a deletion took, see kept_deletion.h
 constexpr int layoutVersion = 1;          // the newest layout's number
 
 // A failure of the register's file. The message is one Japanese text: what happened and what the user can do, the
@@ -39,6 +40,10 @@ int writesCommitted();
 
 enum class Layouts { newest, olderToo };
 
+// What a file is opened as: the register, or what stands beside it and is only read. That is taken as it lies, without
+// locks or journals: nothing writes to it.
+enum class FileUse { asRegister, asCopy, asDeletion };
+
 // The register's file, open read-write. Throws Error when the file is missing, of another format (a Jet file is named
 // as such), empty, of a newer layout, of an older one where that is not asked for, no regular file, or cannot be
 // opened; it is never created or altered in its layout here. Waits up to two seconds for locks. Triggers that the file
@@ -46,7 +51,7 @@ enum class Layouts { newest, olderToo };
 class Database {
   public:
     Database() : Database(registerPath()) {}
-    explicit Database(const QString& path, Layouts layouts = Layouts::newest);
+    explicit Database(const QString& path, Layouts layouts = Layouts::newest, FileUse use = FileUse::asRegister);
 
     SQLite::Database& engine() { return engine_; }
 
@@ -58,6 +63,9 @@ class Database {
   private:
     SQLite::Database engine_;
 };
+
+// A file as the engine takes it with an option, "mode=ro" say.
+QByteArray engineAddress(const QString& path, const char* option);
 
 // The number of the register's layout.
 int layoutOf(Database& database);

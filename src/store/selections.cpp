@@ -1,6 +1,12 @@
 #include "store/selections.h"
 
+#include "store/row_rules.h"
+
 namespace store {
+
+std::string householdCountSql() {
+    return "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 = " + literal(codes::mainHousehold);
+}
 
 std::vector<tbl_kazoku> familyOf(Database& database, std::int16_t no1) {
     return selectAll<tbl_kazoku>(database,

@@ -8,6 +8,9 @@
 // Selections that several rooms make.
 namespace store {
 
+// Counts the households that are no branch.
+std::string householdCountSql();
+
 // The members of a household, deceased ones included, by birth date, then name.
 std::vector<tbl_kazoku> familyOf(Database& database, std::int16_t no1);
 

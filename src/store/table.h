@@ -133,6 +133,8 @@ template <class Row, class... Keys> class Table {
     bool noMatch() const { return !found_; }
     bool eof() const { return !found_; }
     const Row& row() const { return row_; }
+    // False where the row in the file holds a date that is none, which row() lacks.
+    bool readable() const { return readable_; }
 
     // The first row that bears all keys of the given one.
     bool seekKeysOf(const Row& row) {
@@ -152,32 +154,16 @@ template <class Row, class... Keys> class Table {
     }
 
     // Writes a new row. A null text is written as ''.
-    void insert(const Row& row) {
-        if (!insert_)
-            insert_.emplace(database_.engine(), insertText());
-        insert_->reset();
-        bindAll(*insert_, row, nullptr);
-        insert_->exec();
-        insert_->reset();
-    }
+    void insert(const Row& row) { insert(row, nullptr); }
+    // The same with a row as it was read from a file: a null text was NULL there and is NULL again.
+    void insertAsRead(const Row& row) { insert(row, &row); }
 
     // Rewrites the current row. A null text leaves a stored NULL as it is and is written as '' elsewhere. When the edit
     // changes a key of this index, the walk's order is no longer defined: collect the rows first. Throws Error, with
     // nothing written, where the stored row holds a date that is none: writing would lose it.
-    void edit(const Row& row) {
-        if (!readable_)
-            throw Error(0,
-                        QStringLiteral("この記録には読めない日付があり、何も書き込まれていません。端末で「hoshiren-db "
-                                       "check」を実行して、登録簿を確認して下さい。"));
-        if (!update_)
-            update_.emplace(database_.engine(), updateText());
-        update_->reset();
-        bindAll(*update_, row, &row_);
-        bindValue(*update_, static_cast<int>(std::tuple_size_v<decltype(Description<Row>::fields)>) + 1, rowid_);
-        update_->exec();
-        update_->reset();
-        row_ = row;
-    }
+    void edit(const Row& row) { edit(row, row_); }
+    // The same with a row as it was read from a file.
+    void editAsRead(const Row& row) { edit(row, row); }
 
     // Deletes the current row, which ends the walk.
     void remove() {
@@ -200,6 +186,30 @@ template <class Row, class... Keys> class Table {
 
   private:
     using KeyTuple = std::tuple<Keys...>;
+
+    void insert(const Row& row, const Row* asRead) {
+        if (!insert_)
+            insert_.emplace(database_.engine(), insertText());
+        insert_->reset();
+        bindAll(*insert_, row, asRead);
+        insert_->exec();
+        insert_->reset();
+    }
+
+    void edit(const Row& row, const Row& asRead) {
+        if (!readable_)
+            throw Error(0,
+                        QStringLiteral("この記録には読めない日付があり、何も書き込まれていません。端末で「hoshiren-db "
+                                       "check」を実行して、登録簿を確認して下さい。"));
+        if (!update_)
+            update_.emplace(database_.engine(), updateText());
+        update_->reset();
+        bindAll(*update_, row, &asRead);
+        bindValue(*update_, static_cast<int>(std::tuple_size_v<decltype(Description<Row>::fields)>) + 1, rowid_);
+        update_->exec();
+        update_->reset();
+        row_ = row;
+    }
 
     void remove(qint64 rowid) {
         if (!delete_)

@@ -4,6 +4,8 @@
 #include "store/embedded_data.h"
 #include "store/layout.h"
 
+#include <functional>
+
 #include <sqlite3.h>
 
 using namespace Qt::StringLiterals;
@@ -72,7 +74,10 @@ bool isOlder(const QString& path) {
     }
 }
 
-Upgrade upgradeRegister(const QString& path, const QDateTime& now, const UpgradeSteps& steps) {
+namespace {
+
+// copied gives the path of the copy that is made before the first step.
+Upgrade upgradeFile(const QString& path, const UpgradeSteps& steps, const std::function<QString()>& copied) {
     Database database(path, Layouts::olderToo);
     SQLite::Database& engine = database.engine();
     const int first = layoutVersion - static_cast<int>(steps.size());
@@ -86,7 +91,7 @@ Upgrade upgradeRegister(const QString& path, const QDateTime& now, const Upgrade
     if (upgrade.from < first)
         throw Error(
             0, u"登録簿の版 %1 から進める手順がありません。登録簿のファイルか確認して下さい。"_s.arg(upgrade.from));
-    upgrade.copy = makeBackup(path, BackupKind::beforeOperation, now).value_or(QString());
+    upgrade.copy = copied();
     for (int number = upgrade.from; number < layoutVersion; ++number) {
         const char* step = steps[static_cast<std::size_t>(number - first)];
         try {
@@ -103,6 +108,17 @@ Upgrade upgradeRegister(const QString& path, const QDateTime& now, const Upgrade
     lookOver(engine);
     write.commit();
     return upgrade;
+}
+
+} // namespace
+
+Upgrade upgradeRegister(const QString& path, const QDateTime& now, const UpgradeSteps& steps) {
+    return upgradeFile(path, steps,
+                       [&] { return makeBackup(path, BackupKind::beforeOperation, now).value_or(QString()); });
+}
+
+void upgradeDraft(const QString& path, const UpgradeSteps& steps) {
+    upgradeFile(path, steps, [] { return QString(); });
 }
 
 } // namespace store

@@ -29,4 +29,8 @@ bool isOlder(const QString& path);
 // it cannot be copied, when a step fails or the result is not the newest layout; the register is then as it was.
 Upgrade upgradeRegister(const QString& path, const QDateTime& now, const UpgradeSteps& steps = upgradeSteps());
 
+// The same with a file of the program's own that nobody else knows yet: no copy is made, and what is left after a
+// failure is worth nothing.
+void upgradeDraft(const QString& path, const UpgradeSteps& steps = upgradeSteps());
+
 } // namespace store

@@ -20,12 +20,11 @@ struct ActionName {
     QChar key; // with Alt
 };
 
-const std::array<ActionName, 5>& actionNames() {
-    static const std::array<ActionName, 5> names{{{NoticeAction::読み直す, u"読み直す"_s, u'R'},
+const std::array<ActionName, 4>& actionNames() {
+    static const std::array<ActionName, 4> names{{{NoticeAction::読み直す, u"読み直す"_s, u'R'},
                                                   {NoticeAction::表示する, u"表示する"_s, u'V'},
                                                   {NoticeAction::戻す, u"戻す"_s, u'B'},
-                                                  {NoticeAction::捨てる, u"捨てる"_s, u'D'},
-                                                  {NoticeAction::元に戻す, u"元に戻す"_s, u'Z'}}};
+                                                  {NoticeAction::捨てる, u"捨てる"_s, u'D'}}};
     return names;
 }
 

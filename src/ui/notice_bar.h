@@ -16,7 +16,7 @@ class QPushButton;
 namespace ui {
 
 // What a bar's buttons do; each button bears this name.
-enum class NoticeAction { 読み直す, 表示する, 戻す, 捨てる, 元に戻す };
+enum class NoticeAction { 読み直す, 表示する, 戻す, 捨てる };
 
 // The line at the top of a screen that tells what needs no answer. It blocks nothing and never takes the keyboard: its
 // buttons are pressed with the mouse or with Alt and their letter. Hidden when there is nothing to say.
@@ -40,7 +40,7 @@ class NoticeBar : public QFrame {
 
     QString text_;
     QLabel* label_;
-    std::array<QPushButton*, 5> buttons_{};
+    std::array<QPushButton*, 4> buttons_{};
     std::vector<desk::Offer> offers_;
     std::vector<QPushButton*> offerButtons_;
 };

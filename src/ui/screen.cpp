@@ -146,7 +146,7 @@ Screen::Screen(Workplace& workplace, const QString& name, const QString& caption
     bar_->pressed = [this](NoticeAction action) { barPressed(action); };
     auto* search = new QShortcut(Qt::Key_F3, this);
     connect(search, &QShortcut::activated, this, [this] { workplace_.goToSearch(*this); });
-    bar_->taken = [this](const Operation& run) { operate(run); };
+    bar_->taken = [this](const Operation& run) { offerTaken(run); };
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* from, QWidget* to) { focusMoved(from, to); });
 }
 

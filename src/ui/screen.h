@@ -151,6 +151,7 @@ class Screen : public QWidget {
     void putBackKept();
     void takeKept();
     void barPressed(NoticeAction action);
+    void offerTaken(const Operation& run);
     void fitBar();
     QStringList typedBoxes() const;
     Draft draftOf(const QStringList& typed) const;

@@ -338,9 +338,19 @@ void Screen::barPressed(NoticeAction action) {
         strayKey_.clear();
         refreshBar();
         break;
-    case NoticeAction::元に戻す:
-        break;
     }
+}
+
+void Screen::offerTaken(const Operation& run) {
+    const int shown = subject_.record ? subject_.record().showing() : 0;
+    operate(run);
+    if (!subject_.record || subject_.record().showing() == shown)
+        return;
+    // The record stands again, or as it was: it is read anew with all that the screen shows of it.
+    const QString told = informed_;
+    load(draftOf({}).context, baseline_);
+    if (informed_.isEmpty())
+        say(told);
 }
 
 } // namespace ui

@@ -1,12 +1,14 @@
 // What the register promises when things go wrong: the process killed at random points, system calls that fail, a full
 // disk, a file-size limit, another process that holds the lock or saves meanwhile. HOSHIREN_FAULT_POINTS tells how many
 // points are tried of each kind (8 unless told otherwise); from 100 on, every call of an operation is failed in turn.
+#include "desk/bring_back.h"
 #include "family/death_registration_rules.h"
 #include "faults/faulty_calls.h"
 #include "households/erasure_rules.h"
 #include "households/registration_rules.h"
 #include "sample/sample_register.h"
 #include "store/backup.h"
+#include "store/copy_source.h"
 #include "store/layout.h"
 #include "support/older_register.h"
 #include "transfer/bulk_file.h"
@@ -164,6 +166,19 @@ void copyRegister(desk::Desk& desk) {
         store::makeBackup(store::Database::registerPath(), store::BackupKind::daily, {today, QTime(12, 0)});
 }
 
+// From a copy, under a new number: its own is another's by now.
+void bringBackHousehold(desk::Desk& desk) {
+    store::CopySource source(in(u"../copy.mdb"_s));
+    const store::Records records = source.household(7);
+    store::Database database;
+    desk::bringBack(database, records, desk, {});
+}
+
+constexpr auto numberGivenAnew =
+    "UPDATE tbl_danka SET tbldnk_nameg = '別', tbldnk_toshug = '別', tbldnk_tel = '別' WHERE tbldnk_no1 = 7; "
+    "DELETE FROM tbl_kazoku WHERE tblkzk_no1 = 7; DELETE FROM tbl_kakocho WHERE tblkak_no = 7; "
+    "DELETE FROM tbl_hohyo WHERE tblhoy_no = 7; DELETE FROM tbl_ohaka WHERE tblhak_dnk_no = 7";
+
 constexpr auto copying = "copy"; // leaves the register as it is, and a copy beside it
 
 struct Operation {
@@ -172,7 +187,8 @@ struct Operation {
     int steps; // writes of its own, each whole or not there whatever the others, one after each Yes
     const char* imported = nullptr; // a table whose rows may be the first of those that a whole run gives
     const char* counter = nullptr;
-    int olderBy = 0; // steps that the register lacks
+    int olderBy = 0;             // steps that the register lacks
+    const char* since = nullptr; // what happened to the register since the copy that is read
 };
 
 void PrintTo(const Operation& operation, std::ostream* out) {
@@ -188,6 +204,7 @@ const Operation operations[] = {
     {"death", registerDeath, 2},
     {"restore", restoreRegister, 1},
     {"upgrade", upgradeRegister, 1, nullptr, nullptr, 3},
+    {"bring back", bringBackHousehold, 1, nullptr, nullptr, 0, numberGivenAnew},
     {copying, copyRegister, 1},
 };
 
@@ -224,6 +241,9 @@ class Faults : public ::testing::TestWithParam<Operation> {
         if (GetParam().olderBy > 0)
             makeOlder(directory.filePath(u"base.mdb"_s), GetParam().olderBy);
         sample::makeRegister(directory.filePath(u"other.mdb"_s), 30, today);
+        QFile::copy(directory.filePath(u"base.mdb"_s), directory.filePath(u"copy.mdb"_s));
+        if (GetParam().since)
+            store::Database(directory.filePath(u"base.mdb"_s)).engine().exec(GetParam().since);
         store::Database::setRegisterPath(in(u"Hoshiren.mdb"_s));
         for (unsigned yes = 0; yes < 1U << static_cast<unsigned>(GetParam().steps); ++yes) {
             startAnew();

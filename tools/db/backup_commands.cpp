@@ -12,20 +12,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString kindText(const store::Backup& backup) {
-    switch (backup.kind) {
-    case store::BackupKind::daily:
-        return backup.monthly ? u"毎日・毎月"_s : u"毎日"_s;
-    case store::BackupKind::beforeOperation:
-        return u"作業の前"_s;
-    case store::BackupKind::byHand:
-        return u"手動"_s;
-    case store::BackupKind::replaced:
-        break;
-    }
-    return u"復元で置き換えたもの"_s;
-}
-
 void copyNow(store::BackupKind kind) {
     const auto made = store::makeBackup(store::Database::registerPath(), kind, QDateTime::currentDateTime());
     say(stdout, u"控えを作りました: %1"_s.arg(QDir::toNativeSeparators(made.value_or(QString()))));
@@ -51,10 +37,10 @@ int backUp() {
 int listBackups() {
     const auto backups = store::backupsOf(store::Database::registerPath());
     for (const store::Backup& backup : backups)
-        say(stdout,
-            u"%1　%2 バイト　%3　%4"_s.arg(backup.made.toString(u"yyyy/MM/dd HH:mm:ss"))
-                .arg(QFileInfo(backup.path).size())
-                .arg(kindText(backup), QDir::toNativeSeparators(QDir::current().relativeFilePath(backup.path))));
+        say(stdout, u"%1　%2 バイト　%3　%4"_s.arg(backup.made.toString(u"yyyy/MM/dd HH:mm:ss"))
+                        .arg(QFileInfo(backup.path).size())
+                        .arg(store::reasonText(backup),
+                             QDir::toNativeSeparators(QDir::current().relativeFilePath(backup.path))));
     if (backups.empty())
         say(stdout, u"控えはありません。"_s);
     return 0;

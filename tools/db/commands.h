@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <cstdio>
 
@@ -15,6 +16,11 @@ int listBackups();
 int restoreRegister(const QString& file);
 int showNames();
 int writeNames();
+
+// Brings records back from a copy or from what a deletion took, or tells what there is to bring back: with no argument
+// the files, with one what differs in it; see the usage for more. Status 1 when something was left, 2 for other
+// arguments.
+int bringBack(const QStringList& arguments);
 
 // Brings a register to the newest layout.
 int upgrade(const QString& file);

@@ -4,6 +4,7 @@
 #include "store/database.h"
 #include "store/name_copies.h"
 #include "store/row_rules.h"
+#include "store/selections.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -30,6 +31,15 @@ constexpr auto usage =
     u"  hoshiren-db backup             控えを作ります\n"
     u"  hoshiren-db list               控えの一覧を示します\n"
     u"  hoshiren-db restore ファイル   登録簿を控えに戻します。今の登録簿も残します\n"
+    u"  hoshiren-db bring-back         控えと、削除したものの一覧を示します\n"
+    u"  hoshiren-db bring-back ファイル\n"
+    u"                                 控えと今の登録簿の違いを示します\n"
+    u"  hoshiren-db bring-back ファイル 檀家番号 [名前]\n"
+    u"                                 その檀家と属するもの、又はその名前の記録だけを控えから戻します\n"
+    u"  hoshiren-db bring-back ファイル お墓 お墓番号\n"
+    u"                                 そのお墓を控えから戻します\n"
+    u"  hoshiren-db bring-back ファイル 全部\n"
+    u"                                 削除したものをすべて戻します\n"
     u"  hoshiren-db names              檀家名の写しが檀家と異なる行を示します\n"
     u"  hoshiren-db names --write      控えを作り、檀家名の写しを檀家に合わせます\n";
 
@@ -65,8 +75,7 @@ std::string lastNumber(const QString& kind) {
 
 const Figure figures[] = {
     {u"形式の版", "PRAGMA user_version"},
-    {u"檀家（分家を除く）",
-     "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 = " + store::literal(store::codes::mainHousehold)},
+    {u"檀家（分家を除く）", store::householdCountSql()},
     {u"檀家（分家）",
      "SELECT count(*) FROM tbl_danka WHERE tbldnk_no2 <> " + store::literal(store::codes::mainHousehold)},
     {u"家族（存命）", "SELECT count(*) FROM tbl_kazoku WHERE " + store::isLiving.sql()},
@@ -144,6 +153,8 @@ int main(int argc, char** argv) {
     QStringList arguments = parser.positionalArguments();
     const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
     try {
+        if (arguments.value(1) == u"bring-back"_s)
+            status = bringBack(arguments.mid(2));
         for (const Command& command : commands)
             if (understood && name == command.name && arguments.size() == command.arguments &&
                 parser.optionNames() == command.options)

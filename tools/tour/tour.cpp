@@ -2,6 +2,7 @@
 
 #include "drive/screen_driver.h"
 #include "sample/sample_register.h"
+#include "store/backup.h"
 #include "store/table.h"
 
 #include <QApplication>
@@ -71,12 +72,14 @@ class Tour : public drive::ScreenDriver {
     void household();
     void member(const QString& name, const QString& kana, const QStringList& birth, const QString& relationship);
     void death();
+    void undo();
     void booking();
     void notice();
     void report();
     // A report chosen on 帳票 with its boxes, as its preview shows it.
     QDialog& previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes = {});
     void move();
+    void copies();
 
     QDir folder_;
     QStringList failures_;
@@ -94,9 +97,11 @@ void Tour::go() {
     picture(u"家族登"_s);
     close(u"家族登"_s);
     death();
+    undo();
     booking();
     notice();
     report();
+    copies();
 }
 
 void Tour::household() {
@@ -157,6 +162,26 @@ void Tour::death() {
     picture(u"過去一"_s);
     close(u"過去一"_s);
     done(u"the death register shows the next memorial"_s);
+}
+
+void Tour::undo() {
+    const QString name = u"過去登"_s;
+    const QString title = u"過去帳登録"_s;
+    press(u"檀家登"_s, u"過去帳登録"_s);
+    clickLine(name, u"frm11_kakocho"_s, u"山田　キヨ"_s);
+    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, true);
+    answer(u"法要等の情報も削除しますか？"_s, title, true);
+    answer(u"家族登録は元に戻しますか？"_s, title, true);
+    expect(u"削除処理を終了しました。"_s, title);
+    press(name, u"削除"_s);
+    require(count("tbl_kakocho") == 0 && count("tbl_hohyo") == 0, u"the entry is still there"_s);
+    press(name, u"元に戻す"_s);
+    require(count("tbl_kakocho") == 1 && count("tbl_hohyo") == 14 &&
+                count("tbl_kazoku WHERE tblkzk_nameg = '山田　キヨ' AND tblkzk_seishikbn = '1'") == 1,
+            u"the entry is not back as it was"_s);
+    require(text(name, u"frm11_kaimyoug"_s) == u"慈光院徳雲浄真大姉"_s, u"the entry is not shown again"_s);
+    close(name);
+    done(u"a deleted entry is back with its memorials"_s);
 }
 
 void Tour::booking() {
@@ -245,6 +270,25 @@ void Tour::move() {
     done(u"a household has moved"_s);
 }
 
+void Tour::copies() {
+    const QString name = u"控え"_s;
+    store::makeBackup(store::Database::registerPath(), store::BackupKind::byHand, QDateTime(today, QTime(9, 0)));
+    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
+    expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
+    press(u"檀家登"_s, u"削除"_s);
+    press(u"メニュー"_s, u"控え"_s);
+    clickCell(name, u"控え一覧"_s, 2);
+    clickCell(name, u"控え内容"_s, 1);
+    answer(u"2026/11/22 09:00の控えから「檀家 1 山田（山田　太郎）」と、それに属する18件を戻します。"
+           "今の記録は変わりません。よろしいですか？"_s,
+           u"控え"_s, true);
+    expectBeginning(u"元に戻しました（1件）：檀家 1 山田（山田　太郎）"_s, u"控え"_s);
+    press(name, u"選んで戻す"_s);
+    require(count("tbl_danka WHERE tbldnk_no1 = 1") == 1, u"the household is not back"_s);
+    close(name);
+    done(u"a household is back from a copy"_s);
+}
+
 void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
@@ -288,6 +332,18 @@ void Tour::documents() {
             clickLine(name, u"frm01_toshug"_s, control<QListWidget>(name, u"frm01_toshug"_s).item(1)->text());
         save(screen(name), name);
     }
+    store::makeBackup(store::Database::registerPath(), store::BackupKind::daily, QDateTime(today, QTime(9, 0)));
+    store::Database().engine().exec("DELETE FROM tbl_danka WHERE tbldnk_no1 = 5; "
+                                    "DELETE FROM tbl_kazoku WHERE tblkzk_no1 = 5; "
+                                    "UPDATE tbl_danka SET tbldnk_tel = '026-111-2222' WHERE tbldnk_no1 = 8");
+    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
+    expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
+    press(u"檀家登"_s, u"削除"_s);
+    save(screen(u"檀家登"_s), u"元に戻す"_s);
+    open(u"控え"_s);
+    clickCell(u"控え"_s, u"控え一覧"_s, 2);
+    clickCell(u"控え"_s, u"控え内容"_s, 1);
+    save(screen(u"控え"_s), u"控え"_s);
     done(u"the documents' other pictures"_s);
 }
 
