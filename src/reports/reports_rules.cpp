@@ -1,6 +1,6 @@
 #include "reports/reports_rules.h"
 
-#include "calendar/eras.h"
+#include "calendar/spoken_date.h"
 #include "reports/era_forms.h"
 #include "values/numbers.h"
 
@@ -34,8 +34,8 @@ std::optional<int> year(const desk::Text& box, Box use) {
     if (text.endsWith(u'年'))
         text.chop(1);
     store::Database database;
-    const auto first = calendar::readDate(database, text + u"年1月1日"_s);
-    return first ? std::optional(first->year()) : std::nullopt;
+    const auto first = calendar::readSpoken(database, text + u"年1月1日"_s, {});
+    return first ? std::optional(first->date.year()) : std::nullopt;
 }
 
 bool check(desk::Text& box, bool good, const QString& message, desk::Desk& desk) {
