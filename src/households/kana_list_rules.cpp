@@ -107,7 +107,7 @@ const std::vector<desk::ListColumn<KanaLine>>& kanaColumns() {
     return columns;
 }
 
-void openKanaList(檀家一覧Form& form, desk::ScreenContext&, desk::Desk&) {
+void beginKanaList(檀家一覧Form& form, desk::ScreenContext&, desk::Desk&) {
     form.tabs = readKanaTabs();
 }
 

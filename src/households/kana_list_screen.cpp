@@ -57,6 +57,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
 
     auto* tabs = new QTabWidget;
     tabs->setObjectName(u"SSTab1"_s);
+    tabs->tabBar()->setAccessibleName(u"カナの行"_s);
     auto* place = ui::plainLabel();
     place->setObjectName(u"件数表示"_s);
     const auto tellPlace = [tabs, place](const QString& remark = {}) {
@@ -100,7 +101,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
         .action(u"法要照会"_s, u"法要記録"_s, opener(u"法要檀"_s))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openKanaList));
+    screen->onOpen(screen->run(beginKanaList));
     return screen;
 }
 

@@ -181,12 +181,12 @@ void publishShown(const HouseholdFields& form, desk::ScreenContext& context) {
     context.dnk_no2 = form.held->tbldnk_no2;
 }
 
-void openHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     context.dnk_no2 = 0;
-    openBranch(form, context, desk);
+    loadBranch(form, context, desk);
 }
 
-void openBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void loadBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     {
         store::Database database;
         masters::CMB設定(database, masters::Category::地区, form.frm01_地区);

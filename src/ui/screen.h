@@ -21,6 +21,7 @@ namespace ui {
 
 class NoticeBar;
 class Workplace;
+struct BoxPlace;
 enum class NoticeAction;
 
 using Operation = std::function<void()>;
@@ -136,6 +137,7 @@ class Screen : public QWidget {
     QSize freeRoom() const;
     void keepOnDisplay();
     void reveal(QWidget* widget);
+    BoxPlace boxPlace();
     void applyTabOrder();
     void putBackKept();
     void takeKept();
