@@ -42,7 +42,7 @@ struct AnyList {
     AnyList& operator=(const AnyList&) = default;
 };
 
-// Tells each message once; everything else is the other desk's.
+// Shows each message only once and passes everything else on to the other desk.
 class TellingOnce : public Desk {
   public:
     explicit TellingOnce(Desk& desk) : desk_(desk) {}

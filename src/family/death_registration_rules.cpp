@@ -28,7 +28,7 @@ struct GraveKind {
     QString code;
 };
 
-// The option captioned 家 stands for 個, and the other way round.
+// Captions and stored codes are crossed: the option captioned 家 stores 個, and the other way round.
 const std::array graveKinds{GraveKind{&過去登Form::frm11_haka1, store::codes::familyGrave},
                             GraveKind{&過去登Form::frm11_haka2, store::codes::individualGrave},
                             GraveKind{&過去登Form::frm11_haka3, store::codes::noGrave}};
@@ -375,7 +375,7 @@ void removeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& 
     const store::tbl_kakocho entry = form.held.row();
     if (!desk::remove(form.held, database, {title, entryMissing}, desk))
         return;
-    // The entry is gone: a failure of one of these is told, and does not keep the other from being asked.
+    // The entry is already deleted: report a failure of one of these and still ask about the other.
     const auto attempt = [&desk](const auto& step) {
         try {
             step();

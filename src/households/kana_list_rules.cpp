@@ -30,7 +30,7 @@ std::vector<KanaLine> readTab(store::Database& database, const char* query) {
     return lines;
 }
 
-// Many households share a reading: each is weighed once.
+// Many households share a reading: compute the sort key of each reading only once.
 std::vector<KanaLine> inReadingOrder(std::vector<KanaLine> lines) {
     QCollator collator(QLocale(QLocale::Japanese, QLocale::Japan));
     collator.setCaseSensitivity(Qt::CaseInsensitive);

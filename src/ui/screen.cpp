@@ -112,7 +112,7 @@ class Screen::ScreenDesk : public desk::Desk {
     void inform(const QString& text) override { screen_.informed_ = text; }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
-        // From here on the record is the opened screen's.
+        // From here on the context belongs to the opened screen.
         screen_.takeKept();
         screen_.handedOver_ = true;
         screen_.workplace_.open(screen, &screen_, how, std::move(closed));
@@ -267,7 +267,7 @@ void Screen::putBackKept() {
     if (keeps_.grave)
         copyBlock<desk::GraveBlock>(kept_, context);
     context.endHandOver();
-    // What the screen holds counts, not what it handed to another one from its boxes.
+    // Publish the record that the screen holds, not the unsaved boxes that it handed to another screen.
     if (subject_.publish)
         subject_.publish(context);
 }
