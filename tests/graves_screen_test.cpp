@@ -110,6 +110,9 @@ TEST_F(GraveScreens, ListIsWorkedByMouseAndKeyboardAlike) {
     }
     press(name, u"前ページ"_s);
     EXPECT_EQ(first(name), u"001"_s);
+    clickCell(name, u"frm21_tbl"_s, 2, 0);
+    key(name, Qt::Key_PageUp);
+    EXPECT_EQ(highlighted(name), 2);
     allShown();
 
     clickCell(name, u"frm21_tbl"_s, 3, 0);
