@@ -1,4 +1,3 @@
-#include "app/screens.h"
 #include "support/screen_fixture.h"
 
 #include <QAccessible>
@@ -46,19 +45,16 @@ TEST_F(Fit, EveryScreenFitsASmallDisplayAndLargeLetters) {
         QFont font = usual;
         font.setPointSizeF(points);
         QApplication::setFont(font);
-        for (const QString& name : app::screens().keys()) {
-            ui::Screen& shown = open(name);
+        openEvery([](ui::Screen& shown) {
             for (const QSize room : rooms)
                 expectFits(shown, room);
-            close(name);
-        }
+        });
     }
 }
 
 TEST_F(Fit, EveryControlHasANameForAScreenReader) {
     int asked = 0;
-    for (const QString& name : app::screens().keys()) {
-        ui::Screen& shown = open(name);
+    openEvery([&](ui::Screen& shown) {
         for (QWidget* control : shown.findChildren<QWidget*>()) {
             if (control->focusPolicy() == Qt::NoFocus)
                 continue;
@@ -66,11 +62,10 @@ TEST_F(Fit, EveryControlHasANameForAScreenReader) {
             ASSERT_TRUE(spoken);
             ++asked;
             EXPECT_FALSE(spoken->text(QAccessible::Name).trimmed().isEmpty())
-                << name.toStdString() << ": " << control->metaObject()->className() << ' '
-                << control->objectName().toStdString() << " in " << control->parentWidget()->objectName().toStdString();
+                << control->metaObject()->className() << ' ' << control->objectName().toStdString() << " in "
+                << control->parentWidget()->objectName().toStdString();
         }
-        close(name);
-    }
+    });
     RecordProperty("asked", asked);
 }
 
