@@ -24,7 +24,7 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .list(HOSHIREN_CONTROL(form, frm11_lzoku), 6, 6, screen->run(takeMember), u"続柄"_s)
         .parallel(2)
         .row(u"過去帳"_s)
-        .list(HOSHIREN_CONTROL(form, frm11_kakocho), 12, 6, screen->run(showEntry), u"変更・削除用"_s);
+        .list(HOSHIREN_CONTROL(form, frm11_kakocho), 12, 6, screen->run(loadEntry), u"変更・削除用"_s);
     layout.beside()
         .frame(u"故人"_s, u"故人"_s)
         .row(u"俗名"_s)
@@ -76,19 +76,19 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
     auto* raw = screen.get();
     const auto opener = [raw](const QString& target) { return [raw, target] { raw->desk().open(target); }; };
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerDeath))
-        .updating(u"更新"_s, u"更新"_s, screen->run(changeDeath))
+        .updating(u"更新"_s, u"更新"_s, screen->run(updateDeath))
         .gap()
         .action(u"法要記録"_s, u"法要記録"_s, screen->run(openMemorials))
         .action(u"回忌外"_s, u"回忌外\n法要"_s, opener(u"法要外"_s))
         .action(u"代替り"_s, u"代替り\n処理"_s, opener(u"代替当"_s))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteDeath))
+        .action(u"削除"_s, u"削除"_s, screen->run(removeDeath))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openDeathRegister));
+    screen->onOpen(screen->run(beginDeathRegister));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedEntry(raw->form(), context); },
-                       .load = screen->run(openDeathRegister)});
+                       .load = screen->run(beginDeathRegister)});
     return screen;
 }
 

@@ -23,8 +23,8 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .row(u"当主氏名"_s)
         .shown(HOSHIREN_CONTROL(form, frm12_toshunameg), 16)
         .row(u"家族一覧"_s)
-        .list(HOSHIREN_CONTROL(form, frm12_meibo), 12, 11, screen->run(showMember))
-        .list(HOSHIREN_CONTROL(form, frm12_mzkgr), 6, 11, screen->run(showMember))
+        .list(HOSHIREN_CONTROL(form, frm12_meibo), 12, 11, screen->run(loadMember))
+        .list(HOSHIREN_CONTROL(form, frm12_mzkgr), 6, 11, screen->run(loadMember))
         .named(u"当主との続柄一覧"_s)
         .parallel(2);
     layout.beside()
@@ -60,16 +60,16 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .row(u"備考"_s)
         .text(HOSHIREN_CONTROL(form, frm12_bikou), 26);
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerMember))
-        .updating(u"更新"_s, u"更新"_s, screen->run(changeMember))
+        .updating(u"更新"_s, u"更新"_s, screen->run(updateMember))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteMember))
+        .action(u"削除"_s, u"削除"_s, screen->run(removeMember))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openFamily));
+    screen->onOpen(screen->run(beginFamily));
     auto* raw = screen.get();
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedMember(raw->form(), context); },
-                       .load = screen->run(openFamily)});
+                       .load = screen->run(beginFamily)});
     return screen;
 }
 

@@ -21,7 +21,7 @@ std::unique_ptr<ui::Screen> お墓一(ui::Workplace& workplace) {
         .gap();
     ui::addListButtons(layout, *screen, form);
     layout.closing().finish();
-    screen->onOpen(screen->run(openGraveList));
+    screen->onOpen(screen->run(beginGraveList));
     return screen;
 }
 

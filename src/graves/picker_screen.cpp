@@ -28,7 +28,7 @@ template <class Form> void addPage(ui::Layout& layout, PickerScreen<Form>& scree
     layout.mainAction(u"紐付け"_s, u"紐付け"_s, take).gap();
     ui::addListButtons(layout, screen, form);
     layout.closing().finish();
-    screen.onOpen(screen.run(openPicker));
+    screen.onOpen(screen.run(beginPicker));
 }
 
 } // namespace

@@ -58,6 +58,8 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
 
     auto* tabs = new QTabWidget;
     tabs->setObjectName(u"SSTab1"_s);
+    for (QWidget* part : {static_cast<QWidget*>(tabs), static_cast<QWidget*>(tabs->tabBar())})
+        part->setAccessibleName(u"カナの行"_s);
     auto* place = ui::plainLabel();
     place->setObjectName(u"件数表示"_s);
     const auto tellPlace = [tabs, place](const QString& remark = {}) {
@@ -104,7 +106,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
                 [raw] { ui::previewListing(*raw, kanaListing(raw->form(), raw->desk().today())); })
         .closing()
         .finish();
-    screen->onOpen(screen->run(openKanaList));
+    screen->onOpen(screen->run(beginKanaList));
     return screen;
 }
 

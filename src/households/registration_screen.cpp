@@ -88,11 +88,11 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .action(u"檀家抹消"_s, u"檀家抹消"_s, screen->run(eraseShownHousehold))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openHousehold));
+    screen->onOpen(screen->run(beginHousehold));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = desk::askedHousehold,
-                       .load = screen->run(openBranch)});
+                       .load = screen->run(loadBranch)});
     return screen;
 }
 

@@ -54,11 +54,11 @@ std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
             u"郵便番号簿"_s, u"郵便番号簿"_s, [raw = screen.get()] { choosePostalCodesFile(*raw); },
             u"郵便局の郵便番号のファイル（KEN_ALL.CSV）を選びます"_s)
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteEntry))
+        .action(u"削除"_s, u"削除"_s, screen->run(removeEntry))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openMasters));
-    screen->showsHeld({.lookUp = screen->run(showNamedEntry)});
+    screen->onOpen(screen->run(beginMasters));
+    screen->showsHeld({.lookUp = screen->run(lookUpNamedEntry)});
     return screen;
 }
 

@@ -47,7 +47,7 @@ void showMemorial(store::Database& database, 法要明Form& form, const store::t
 
 } // namespace
 
-void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     form.held.showNew(desk::householdLabel(context.dnk_no1, context.dnk_no2) + u' ' + context.kak_zokunameg);
     fillServiceLists(database, form);
@@ -89,7 +89,7 @@ void bookOnScheduledDay(法要明Form& form, desk::ScreenContext&, desk::Desk& d
     calendar::showDate(database, form.予約, form.held->tblhoy_kaiki_yymd, desk);
 }
 
-void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void updateDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     const desk::SaveAttempt attempt = CheckMemorialInput(database, form, context, desk);
     if (attempt.reported(desk, title) ||
@@ -107,10 +107,10 @@ void cancelDetail(法要明Form& form, desk::ScreenContext&, desk::Desk& desk) {
         showMemorial(database, form, form.held.row(), desk);
 }
 
-void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     desk::Deletion deletion(desk, title, u"削除"_s);
-    if (!deleteMemorial(database, form.held, title, deletion, desk))
+    if (!removeMemorial(database, form.held, title, deletion, desk))
         return;
     publishShown(form, context);
     deletion.offerUndo(form.held);

@@ -75,7 +75,7 @@ void startAnew(法要外Form& form, const desk::ScreenContext& context) {
 
 } // namespace
 
-void openExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     fillServiceLists(database, form);
     fillLiving(database, form.施主, context.dnk_no1, "ORDER BY tbl_kazoku.tblkzk_nameg ASC;");
@@ -204,7 +204,7 @@ void cancelExtra(法要外Form&, desk::ScreenContext&, desk::Desk& desk) {
     desk.notify(extraIsDeleted, title);
 }
 
-void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     followList(form, context, desk);
     desk::SaveAttempt attempt(context);
     store::Database database;
@@ -214,7 +214,7 @@ void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& 
         return;
     auto shown = form.registered.orRead(database, context.dnk_no1, context.kak_zokunameg, scheduledDate(form));
     desk::Deletion deletion(desk, title, u"削除"_s);
-    if (!deleteMemorial(database, shown, title, deletion, desk))
+    if (!removeMemorial(database, shown, title, deletion, desk))
         return;
     form.registered = {};
     form.held.removed();

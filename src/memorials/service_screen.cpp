@@ -61,9 +61,11 @@ void layOutBooking(ui::Layout& layout, ui::Screen& screen, ServiceForm& form, co
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
         .numeric()
+        .named(u"開始時間　時"_s)
         .unit(u"時"_s)
         .combo(HOSHIREN_CONTROL(form, 開始分), 3)
         .numeric()
+        .named(u"開始時間　分"_s)
         .unit(u"分"_s)
         .row(u"場所"_s)
         .combo(HOSHIREN_CONTROL(form, frm31_法要場所), 14);
@@ -110,16 +112,16 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
     layOutBooking(layout, *screen, form, u"予約日付"_s,
                   [raw] { return raw->form().held ? &raw->form().held.row() : nullptr; });
     layOutHolding(layout, *screen, form, u"frm31_kankeisha"_s, u"供養料"_s, [raw] { holdAsBooked(raw->form()); });
-    layout.mainAction(u"更新"_s, u"更新"_s, screen->run(saveDetail))
+    layout.mainAction(u"更新"_s, u"更新"_s, screen->run(updateDetail))
         .gap()
         .action(u"予約取消"_s, u"予約取消"_s, screen->run(cancelDetail))
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteDetail))
+        .action(u"削除"_s, u"削除"_s, screen->run(removeDetail))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openDetail));
+    screen->onOpen(screen->run(beginDetail));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .asked = askedMemorial,
-                       .load = screen->run(openDetail)});
+                       .load = screen->run(beginDetail)});
     return screen;
 }
 
@@ -143,13 +145,13 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerExtra))
         .gap()
         .action(u"予約取消"_s, u"予約取消"_s, screen->run(cancelExtra))
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteExtra))
+        .action(u"削除"_s, u"削除"_s, screen->run(removeExtra))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openExtra));
+    screen->onOpen(screen->run(beginExtra));
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameOpened(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedExtra(raw->form(), context); },
-                       .load = screen->run(openExtra)});
+                       .load = screen->run(beginExtra)});
     return screen;
 }
 

@@ -32,7 +32,7 @@ QString withEngineWords(const QString& sentence, int code, const QString& words)
 QString sentenceFor(int code) {
     if (code == SQLITE_IOERR_WRITE || code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_TRUNCATE)
         return u"登録簿ファイルに書き込めませんでした。今の処理は行われていません。ディスクの空き容量とファイルの大きさの制限を確認して、やり直して下さい。"_s;
-    // The index of a write-ahead log finds no room.
+    // No disk space for the index of the write-ahead log.
     if (code == SQLITE_IOERR_SHMSIZE)
         code = SQLITE_FULL;
     if (code == SQLITE_READONLY_DBMOVED)
@@ -94,7 +94,7 @@ SQLite::Database openExisting(const QString& path, FileUse use) {
     requireFile(path);
     const QByteArray file = use == FileUse::asRegister ? QFile::encodeName(path) : engineAddress(path, "immutable=1");
     try {
-        // A connection never leaves its thread.
+        // Each connection is used by one thread only.
         const int flags = use == FileUse::asRegister ? SQLite::OPEN_READWRITE : SQLite::OPEN_READONLY | SQLITE_OPEN_URI;
         return SQLite::Database(file.constData(), flags | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX, 2000);
     } catch (const SQLite::Exception&) {

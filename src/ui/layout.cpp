@@ -7,6 +7,7 @@
 #include "ui/notice_bar.h"
 #include "ui/plain_text.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -139,7 +140,11 @@ void Layout::place(QWidget* widget) {
 
 void Layout::speak(QWidget* widget, const QString& name) {
     widget->setAccessibleName(name);
-    if (const auto* box = qobject_cast<QComboBox*>(widget); box && box->lineEdit())
+    const auto* box = qobject_cast<QComboBox*>(widget);
+    if (!box)
+        return;
+    box->view()->setAccessibleName(name);
+    if (box->lineEdit())
         box->lineEdit()->setAccessibleName(name);
 }
 

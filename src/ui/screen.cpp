@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -16,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QProgressDialog>
+#include <QRadioButton>
 #include <QScopeGuard>
 #include <QShortcut>
 #include <QTimer>
@@ -103,11 +105,11 @@ class Screen::ScreenDesk : public desk::Desk {
 
     void notify(const QString& text, const QString& title, desk::Icon icon) override {
         showForUser();
-        showMessage(&screen_, text, title, icon);
+        showMessage(&screen_, text, title, icon, screen_.boxPlace());
     }
     bool ask(const QString& text, const QString& title, desk::Preset preset) override {
         showForUser();
-        return askQuestion(&screen_, text, title, preset);
+        return askQuestion(&screen_, text, title, preset, screen_.boxPlace());
     }
     void inform(const QString& text) override { offer(text, {}); }
     void offer(const QString& text, std::vector<desk::Offer> offers) override {
@@ -116,7 +118,7 @@ class Screen::ScreenDesk : public desk::Desk {
     }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
-        // From here on the record is the opened screen's.
+        // From here on the context belongs to the opened screen.
         screen_.takeKept();
         screen_.handedOver_ = true;
         screen_.workplace_.open(screen, &screen_, how, std::move(closed));
@@ -284,7 +286,7 @@ void Screen::putBackKept() {
     if (keeps_.grave)
         copyBlock<desk::GraveBlock>(kept_, context);
     context.endHandOver();
-    // What the screen holds counts, not what it handed to another one from its boxes.
+    // Publish the record that the screen holds, not the unsaved boxes that it handed to another screen.
     if (subject_.publish)
         subject_.publish(context);
 }
@@ -339,6 +341,11 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::InputMethod:
         watched->setProperty("composing", !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty());
         break;
+    case QEvent::FocusIn:
+        // What the mouse reaches is in sight, and must not move away under it.
+        if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
+            reveal(static_cast<QWidget*>(watched));
+        break;
     case QEvent::Wheel:
         // A turn of the wheel over a closed list must not change a record.
         if (qobject_cast<QComboBox*>(watched)) {
@@ -350,6 +357,11 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key != Qt::Key_Return && key != Qt::Key_Enter)
             break;
+        if (qobject_cast<QRadioButton*>(watched) || qobject_cast<QCheckBox*>(watched)) {
+            // These are fields: the blank bar chooses, Enter goes on.
+            focusNextChild();
+            return true;
+        }
         if (auto* button = qobject_cast<QAbstractButton*>(watched)) {
             // A key held down presses once: it must not run through the questions that follow.
             if (!static_cast<QKeyEvent*>(event)->isAutoRepeat())

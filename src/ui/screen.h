@@ -22,6 +22,7 @@ namespace ui {
 class NoticeBar;
 class SearchBox;
 class Workplace;
+struct BoxPlace;
 enum class NoticeAction;
 
 using Operation = std::function<void()>;
@@ -147,6 +148,7 @@ class Screen : public QWidget {
     QSize freeRoom() const;
     void keepOnDisplay();
     void reveal(QWidget* widget);
+    BoxPlace boxPlace();
     void applyTabOrder();
     void putBackKept();
     void takeKept();

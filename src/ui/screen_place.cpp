@@ -1,4 +1,5 @@
 // Where a screen stands on the display: its size, and which of its controls are in sight.
+#include "ui/message_box.h"
 #include "ui/notice_bar.h"
 #include "ui/screen.h"
 
@@ -112,6 +113,28 @@ void Screen::reveal(QWidget* widget) {
         area_->horizontalScrollBar()->setValue(shown.left());
     else if (shown.right() > sight.right())
         area_->horizontalScrollBar()->setValue(std::min(shown.left(), shown.right() - sight.width()));
+}
+
+// The fields that are marked, or the one that takes the keyboard.
+BoxPlace Screen::boxPlace() {
+    const auto onDisplay = [](const QWidget* widget) { return QRect(widget->mapToGlobal(QPoint()), widget->size()); };
+    QWidget* first = nullptr;
+    for (const Binding& binding : bindings_) {
+        const bool meant =
+            binding.control && (binding.control->keyboard || binding.control->colour != desk::Colour::black);
+        if (meant && (!first || binding.control->keyboard))
+            first = binding.widget;
+    }
+    if (first)
+        reveal(first);
+    const QWidget* form = area_ ? static_cast<const QWidget*>(area_) : this;
+    BoxPlace place{{}, first ? onDisplay(first) : QRect(), onDisplay(form)};
+    for (const Binding& binding : bindings_) {
+        if (binding.control && binding.control->colour != desk::Colour::black)
+            place.fields |= onDisplay(binding.widget) & place.form;
+    }
+    place.fields |= place.first;
+    return place;
 }
 
 } // namespace ui
