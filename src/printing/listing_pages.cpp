@@ -187,7 +187,7 @@ struct Piece {
     double height;
     std::size_t block = 0; // or the note's number
     std::size_t group = 0; // of a sum of the whole table: as many as there are groups
-    std::size_t row_ = 0;
+    std::size_t index = 0; // of the row or sum
     std::size_t firstLine = 0;
     std::size_t lines = 0;
 };
@@ -521,14 +521,14 @@ class ListingPages::Plan {
             break;
         }
         case Piece::row:
-            paintCells(page, piece, table, table.groups[piece.group].rows[piece.row_]);
+            paintCells(page, piece, table, table.groups[piece.group].rows[piece.index]);
             rule(page, left_, foot, width, thinRule, ruleGrey);
             break;
         default: { // sum
             const bool ofGroup = piece.group < table.groups.size();
             rule(page, left_, piece.top, width, thinRule);
             paintCells(page, piece, table,
-                       ofGroup ? table.groups[piece.group].sums[piece.row_] : table.sums[piece.row_]);
+                       ofGroup ? table.groups[piece.group].sums[piece.index] : table.sums[piece.index]);
             rule(page, left_, foot, width, thickRule);
         }
         }
