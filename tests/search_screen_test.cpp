@@ -322,6 +322,19 @@ TEST_F(Search, TheBoxOnTheMenu) {
     EXPECT_EQ(cell(menu, results, 2, 2), u"佐藤　花子"_s);
 }
 
+TEST_F(Search, TheBoxAboveTheTabs) {
+    open(u"メニュー"_s);
+    auto& list = open(u"檀家一覧"_s);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    std::fprintf(stderr,"focus %s\n", qPrintable(list.focusWidget()? list.focusWidget()->objectName():QString()));
+    QTest::keyClick(&list, Qt::Key_F3);
+    auto& box = control<QLineEdit>(u"檀家一覧"_s, u"さがす"_s);
+    EXPECT_EQ(QApplication::focusWidget(), &box);
+    write(box, u"さとうはな"_s);
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(text(u"家族登"_s, u"frm12_nameg"_s), u"佐藤　花子"_s);
+}
+
 TEST_F(Search, ComposingIsLeftAloneAndTheSearchRestsUnderAModalScreen) {
     auto& menu = open(u"メニュー"_s);
     auto& box = control<QLineEdit>(u"メニュー"_s, u"さがす"_s);

@@ -3,6 +3,7 @@
 #include "ui/layout.h"
 #include "ui/plain_text.h"
 #include "ui/row_table.h"
+#include "ui/search_box.h"
 
 #include <QAbstractTableModel>
 #include <QTabWidget>
@@ -115,6 +116,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
         grid->openRow = [raw, open = opener(u"檀家登"_s)] { raw->operate(open); };
     }
     ui::Layout layout(*screen);
+    layout.fill(ui::searchLine(*screen));
     layout.fill(tabs);
     for (int i = 0; i < tabs->count(); ++i) {
         auto* grid = static_cast<KanaGrid*>(tabs->widget(i));

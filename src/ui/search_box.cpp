@@ -163,7 +163,7 @@ SearchBox::SearchBox(Screen& screen)
     });
     watch_.setInterval(betweenLooks);
     connect(&watch_, &QTimer::timeout, this, [this] {
-        if (screen_.workplace().finder->revision() != revision_)
+        if (screen_.workplace().finder && screen_.workplace().finder->revision() != revision_)
             find();
     });
 }
@@ -306,6 +306,7 @@ QWidget* searchLine(Screen& screen) {
     label->setBuddy(box);
     items->addWidget(label);
     items->addWidget(box, 1);
+    line->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return line;
 }
 
