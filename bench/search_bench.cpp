@@ -128,7 +128,6 @@ int main(int argc, char** argv) {
                 throw std::runtime_error("a key took longer than 50 ms");
         }
 
-
         std::vector<double> ready;
         std::vector<double> still;
         for (int round = 0; round < 7; ++round) {

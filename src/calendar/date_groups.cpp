@@ -18,10 +18,6 @@ QString fieldName(std::int16_t field) {
     return names.at(static_cast<std::size_t>(field - 1));
 }
 
-QString numberText(const std::optional<std::int16_t>& number) {
-    return number ? QString::number(*number) : QString();
-}
-
 bool isEmpty(const desk::DateGroup& group) {
     return group.era.text.isEmpty() && group.year.text.isEmpty() && group.month.text.isEmpty() &&
            group.day.text.isEmpty();
@@ -100,9 +96,9 @@ EraFields eraFields(const desk::DateGroup& group) {
 
 void showDate(desk::DateGroup& group, const EraFields& era, QDate date) {
     group.era.text = era.gname;
-    group.year.text = numberText(era.gyy);
-    group.month.text = numberText(era.gmm);
-    group.day.text = numberText(era.gdd);
+    group.year.text = values::shownNumber(era.gyy);
+    group.month.text = values::shownNumber(era.gmm);
+    group.day.text = values::shownNumber(era.gdd);
     group.western.text = values::dateText(date);
 }
 

@@ -1,6 +1,7 @@
 #include "calendar/era_registration_rules.h"
 
 #include "calendar/eras.h"
+#include "desk/save_attempt.h"
 #include "store/table.h"
 #include "values/numbers.h"
 
@@ -18,32 +19,12 @@ const QString title = u"年号登録"_s;
 const QString noEraOfYear = u"該当する年号がありません。確認して下さい。"_s;
 const QString eraMissing = u"年号が登録されていません。確認して下さい。"_s;
 
-// One action's checks: every wrong box is coloured, the first one gives the only message, shown at once.
-class Checks {
-  public:
-    explicit Checks(desk::Desk& desk) : desk_(desk) {}
-
-    void check(bool good, desk::Text& box, const QString& message) {
-        box.colour = good ? Colour::black : Colour::darkRed;
-        if (good || failed_)
-            return;
-        failed_ = true;
-        box.moveToFront();
-        desk_.notify(message, title);
-    }
-    bool failed() const { return failed_; }
-
-  private:
-    desk::Desk& desk_;
-    bool failed_ = false;
-};
-
-void checkYears(年号登Form& form, Checks& checks) {
+void checkYears(年号登Form& form, desk::SaveAttempt& attempt) {
     const QString message = u"入力された西暦年を確認して下さい。"_s;
     const auto first = values::readInt16(form.fnen_snen.text);
     const auto last = values::readInt16(form.fnen_enen.text);
-    checks.check(first && *first >= earliestYear && *first <= latestYear, form.fnen_snen, message);
-    checks.check(last && *last <= latestYear && *last >= first.value_or(*last), form.fnen_enen, message);
+    attempt.check(first && *first >= earliestYear && *first <= latestYear, form.fnen_snen, message);
+    attempt.check(last && *last <= latestYear && *last >= first.value_or(*last), form.fnen_enen, message);
 }
 
 store::tbl_nengo typed(const 年号登Form& form) {
@@ -125,18 +106,18 @@ void showNamedEra(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
         form.held.showNew();
 }
 
-void registerEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    Checks checks(desk);
-    checks.check(!form.fnen_nengo.text.isEmpty(), form.fnen_nengo, u"年号を入力して下さい。"_s);
-    if (checks.failed())
+void registerEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    desk::SaveAttempt attempt(context, Colour::darkRed);
+    attempt.check(!form.fnen_nengo.text.isEmpty(), form.fnen_nengo, u"年号を入力して下さい。"_s);
+    if (attempt.reported(desk, title))
         return;
     const QString duplicate = u"この年号はすでに登録されています。確認して下さい。"_s;
     {
         store::Database database;
-        checks.check(!namedEra(database, form), form.fnen_nengo, duplicate);
+        attempt.check(!namedEra(database, form), form.fnen_nengo, duplicate);
     }
-    checkYears(form, checks);
-    if (checks.failed() || !desk.ask(u"入力ﾃﾞｰﾀで登録します。内容を確認して下さい。"_s, title))
+    checkYears(form, attempt);
+    if (attempt.reported(desk, title) || !desk.ask(u"入力ﾃﾞｰﾀで登録します。内容を確認して下さい。"_s, title))
         return;
     const store::tbl_nengo row = typed(form);
     bool appeared = false;
@@ -150,20 +131,20 @@ void registerEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
             write.commit();
         }
     }
-    checks.check(!appeared, form.fnen_nengo, duplicate);
-    if (checks.failed())
+    attempt.check(!appeared, form.fnen_nengo, duplicate);
+    if (attempt.reported(desk, title))
         return;
     form.held.wrote(row);
     desk.notify(u"指定された年号は登録されました。"_s, title);
 }
 
-void changeEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void changeEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     auto era = addressed(form, desk);
     if (!era)
         return;
-    Checks checks(desk);
-    checkYears(form, checks);
-    if (checks.failed() || !desk.ask(u"入力ﾃﾞｰﾀで更新します。内容を確認して下さい。"_s, title))
+    desk::SaveAttempt attempt(context, Colour::darkRed);
+    checkYears(form, attempt);
+    if (attempt.reported(desk, title) || !desk.ask(u"入力ﾃﾞｰﾀで更新します。内容を確認して下さい。"_s, title))
         return;
     store::Database database;
     if (!desk::change(*era, database, refusal(), desk, [&form](store::tbl_nengo& row) { row = typed(form); }))

@@ -30,8 +30,8 @@ std::optional<int> firstYearOf(store::Database& database, const QString& era) {
 EraDate inEra(const store::tbl_nengo& era, QDate date) {
     if (era.tblnen_nengo.isEmpty())
         return {};
-    const QString year = QString::number(date.year() - era.tblnen_snen + 1);
-    return {u"%1%2年%3月%4日"_s.arg(era.tblnen_nengo, year).arg(date.month()).arg(date.day()), era.tblnen_nengo, year};
+    const int year = date.year() - era.tblnen_snen + 1;
+    return {eraText(era.tblnen_nengo, year, date.month(), date.day()), era.tblnen_nengo, QString::number(year)};
 }
 
 } // namespace
@@ -67,6 +67,11 @@ QString eraText(store::Database& database, QDate date, desk::Desk& desk) {
     EraDate era;
     西暦変換(database, date, era, desk);
     return era.full;
+}
+
+QString eraText(const QString& gname, std::optional<int> gyy, std::optional<int> gmm, std::optional<int> gdd) {
+    return gname + values::shownNumber(gyy) + u'年' + values::shownNumber(gmm) + u'月' + values::shownNumber(gdd) +
+           u'日';
 }
 
 QString EraTexts::of(QDate date) {

@@ -42,7 +42,10 @@ void 西暦変換(store::Database& database, QDate date, EraDate& result, desk::
 // The full era text of 西暦変換; empty where there is none.
 QString eraText(store::Database& database, QDate date, desk::Desk& desk);
 
-// The same for the dates of one page of a list, which lie in few years: looks up the era of each year once.
+// 平成20年2月12日 from the four stored fields of a date, as they are.
+QString eraText(const QString& gname, std::optional<int> gyy, std::optional<int> gmm, std::optional<int> gdd);
+
+// The first eraText for the dates of one page of a list, which lie in few years: looks up the era of each year once.
 class EraTexts {
   public:
     EraTexts(store::Database& database, desk::Desk& desk) : database_(database), desk_(desk) {}

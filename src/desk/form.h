@@ -61,6 +61,8 @@ struct GridColumn {
     int twips = 0; // width in 1/1440 inch; 0: the grid's default
     Align align = Align::left;
     Align headerAlign = Align::left;
+
+    bool operator==(const GridColumn&) const = default;
 };
 
 // A grid under a fixed header row. Rows and columns of the user's clicks count as in the register: row 0 is the header,

@@ -10,6 +10,11 @@
 
 namespace desk {
 
+// "30–59／268件"; without what is not known yet (first 0, no total).
+QString listPlace(int first, int last, std::optional<int> total);
+// What stands behind it when a page key or button leads no further.
+QString noRowsText(bool forward);
+
 // What the form of every list screen has and does, whatever it lists; ui/list_view.h binds it to the screen.
 struct AnyList {
     Grid frm21_tbl;
@@ -64,18 +69,16 @@ class TellingOnce : public Desk {
 
 // The form of a list that stands in the grid as a whole, without pages.
 struct WholeList : AnyList {
-    void nextPage(Desk&) override { tell(QStringLiteral("これより後の行はありません。")); }
-    void previousPage(Desk&) override { tell(QStringLiteral("これより前の行はありません。")); }
+    void nextPage(Desk&) override { tell(noRowsText(true)); }
+    void previousPage(Desk&) override { tell(noRowsText(false)); }
     bool isCounted() const override { return true; }
     void count() override { tell(); }
     std::vector<QStringList> allRows(Desk&) const override { return frm21_tbl.rows; }
 
   private:
     void tell(const QString& remark = {}) {
-        const auto rows = frm21_tbl.rows.size();
-        件数表示.text = rows ? QStringLiteral("1–%1／%1件").arg(rows) : QStringLiteral("0件");
-        if (!remark.isEmpty())
-            件数表示.text += u'　' + remark;
+        const auto rows = static_cast<int>(frm21_tbl.rows.size());
+        件数表示.text = listPlace(1, rows, rows) + remark;
     }
 };
 
@@ -102,13 +105,13 @@ template <class Row, class Key> struct ListForm : AnyList {
     void nextPage(Desk& desk) override {
         const std::optional<Key> before = firstKey();
         list.nextPage(source(), frm21_tbl, desk);
-        turned(before, list.isAtEnd() ? QStringLiteral("これより後の行はありません。")
-                                      : QStringLiteral("並び順の同じ行が続くため、これより後は表示できません。"));
+        turned(before, list.isAtEnd() ? noRowsText(true)
+                                      : QStringLiteral("　並び順の同じ行が続くため、これより後は表示できません。"));
     }
     void previousPage(Desk& desk) override {
         const std::optional<Key> before = firstKey();
         list.previousPage(source(), frm21_tbl, desk);
-        turned(before, QStringLiteral("これより前の行はありません。"));
+        turned(before, noRowsText(false));
     }
     void click(ScreenContext& context, Desk& desk) override {
         if (const Row* row = list.click(frm21_tbl, desk))
@@ -179,18 +182,12 @@ template <class Row, class Key> struct ListForm : AnyList {
             countAnew();
         tell();
         if (before && before == firstKey())
-            件数表示.text += u'　' + stays;
+            件数表示.text += stays;
     }
 
     void tell() {
         const int first = list.firstNumber();
-        件数表示.text.clear();
-        if (first)
-            件数表示.text = QStringLiteral("%1–%2").arg(first).arg(first + list.rowsShown() - 1);
-        if (first && total_)
-            件数表示.text += u'／';
-        if (total_)
-            件数表示.text += QStringLiteral("%1件").arg(*total_);
+        件数表示.text = listPlace(first, first + list.rowsShown() - 1, total_);
     }
 
     std::optional<int> total_;

@@ -23,6 +23,13 @@ template <class Row> struct ListColumn {
     Align headerAlign = Align::left;
 };
 
+template <class Row> std::vector<GridColumn> gridColumns(const std::vector<ListColumn<Row>>& columns) {
+    std::vector<GridColumn> all;
+    for (const auto& column : columns)
+        all.push_back({column.header, column.twips, column.align, column.headerAlign});
+    return all;
+}
+
 // All that tells one list screen from another, the selection apart.
 template <class Row, class Key> struct ListDescription {
     QString title;   // of every message of the list.
@@ -60,9 +67,7 @@ template <class Row, class Key> class PagingList {
 
     // Columns and headers, no rows, no highlight colour.
     void setUp(Grid& grid) const {
-        grid.columns.clear();
-        for (const auto& column : description_.columns)
-            grid.columns.push_back({column.header, column.twips, column.align, column.headerAlign});
+        grid.columns = gridColumns(description_.columns);
         grid.rows.clear();
         grid.highlighted = 0;
     }

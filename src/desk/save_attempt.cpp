@@ -13,20 +13,20 @@ bool recordFailure(CheckState& state, const QString& message) {
     return true;
 }
 
-SaveAttempt::SaveAttempt(ScreenContext& context) : context_(context) {
+SaveAttempt::SaveAttempt(ScreenContext& context, Colour wrong) : context_(context), wrong_(wrong) {
     context.chk_msgflg = u"0"_s;
     context.chk_errflg = u"0"_s;
     context.chk_msg.clear();
 }
 
 void SaveAttempt::check(bool good, Control& control, const QString& message) {
-    control.colour = good ? Colour::black : Colour::red;
+    control.colour = good ? Colour::black : wrong_;
     if (!good && recordFailure(context_, message))
         control.moveToFront();
 }
 
 void SaveAttempt::checkInPlace(bool good, Control& control, const QString& message) {
-    control.colour = good ? Colour::black : Colour::red;
+    control.colour = good ? Colour::black : wrong_;
     if (!good && recordFailure(context_, message))
         control.keyboard = true;
 }

@@ -10,8 +10,8 @@ namespace desk {
 // the tab order. Works on the context's check state, which date checks share.
 class SaveAttempt {
   public:
-    // Resets the check state.
-    explicit SaveAttempt(ScreenContext& context);
+    // Resets the check state. Wrong fields are painted in the colour.
+    explicit SaveAttempt(ScreenContext& context, Colour wrong = Colour::red);
 
     // Colours the control and records a failure: chk_errflg, and the message when it is the first.
     void check(bool good, Control& control, const QString& message);
@@ -27,6 +27,7 @@ class SaveAttempt {
 
   private:
     ScreenContext& context_;
+    Colour wrong_;
 };
 
 // Records a failure in the check state: what both SaveAttempt and the date check do. True when it is the first one.

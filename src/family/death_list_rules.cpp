@@ -52,8 +52,8 @@ desk::ListDescription<DeathLine, Position> description() {
                     {u"命日"_s, 1600,
                      [](Line line) {
                          const auto& death = line.death;
-                         return eraText(death.tblkak_mei_gname, death.tblkak_mei_gyy, death.tblkak_mei_gmm,
-                                        death.tblkak_mei_gdd);
+                         return calendar::eraText(death.tblkak_mei_gname, death.tblkak_mei_gyy, death.tblkak_mei_gmm,
+                                                  death.tblkak_mei_gdd);
                      }},
                     {u"戒名"_s, 2000, [](Line line) { return line.death.tblkak_kaimyoug; }},
                     {u"享年"_s, 500,

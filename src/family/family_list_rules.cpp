@@ -1,5 +1,6 @@
 #include "family/family_list_rules.h"
 
+#include "calendar/eras.h"
 #include "values/dates.h"
 
 using namespace Qt::StringLiterals;
@@ -27,8 +28,8 @@ desk::ListDescription<FamilyLine, Position> description() {
                     {u"生年月日"_s, 1600,
                      [](Line line) {
                          const auto& member = line.member;
-                         return ofLiving(line, eraText(member.tblkzk_sei_gname, member.tblkzk_sei_gyy,
-                                                       member.tblkzk_sei_gmm, member.tblkzk_sei_gdd));
+                         return ofLiving(line, calendar::eraText(member.tblkzk_sei_gname, member.tblkzk_sei_gyy,
+                                                                 member.tblkzk_sei_gmm, member.tblkzk_sei_gdd));
                      }},
                     {u"年齢"_s, 500, [](Line line) { return ofLiving(line, QString::number(line.age)); },
                      desk::Align::right, desk::Align::right},

@@ -34,12 +34,4 @@ void publishShown(const HouseholdBoxes& block, desk::ScreenContext& context) {
     context.publishHousehold(block.household);
 }
 
-QString eraText(const QString& gname, std::optional<std::int16_t> gyy, std::optional<std::int16_t> gmm,
-                std::optional<std::int16_t> gdd) {
-    const auto digits = [](std::optional<std::int16_t> number) {
-        return number ? QString::number(*number) : QString();
-    };
-    return gname + digits(gyy) + u'年' + digits(gmm) + u'月' + digits(gdd) + u'日';
-}
-
 } // namespace family

@@ -69,8 +69,4 @@ bool readFrom(const Position& position, std::int16_t number, const ListFields& f
     return true;
 }
 
-// 平成20年2月12日 from the four stored fields.
-QString eraText(const QString& gname, std::optional<std::int16_t> gyy, std::optional<std::int16_t> gmm,
-                std::optional<std::int16_t> gdd);
-
 } // namespace family

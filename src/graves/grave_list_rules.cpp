@@ -14,10 +14,6 @@ namespace {
 const QString title = u"お墓一覧"_s;
 constexpr int sectionsOffered = 100;
 
-QString feeText(const std::optional<std::int32_t>& fee) {
-    return fee ? values::moneyText(*fee) : QString();
-}
-
 } // namespace
 
 void CMB区画(store::Database& database, desk::Combo& list) {
@@ -74,9 +70,11 @@ std::vector<desk::ListColumn<ListedGrave>> graveColumns() {
         {u"檀家名"_s, 800, [](Row row) { return row.tblhak_dnk_nameg; }},
         {u"墓標名"_s, 2000, [](Row row) { return row.tblhak_bohyo_mei; }},
         {u"使用開始日"_s, 1600, [](Row row) { return row.startEra; }},
-        {u"使用料"_s, 800, [](Row row) { return feeText(row.tblhak_shiyo_ryokin); }, Align::right, Align::right},
+        {u"使用料"_s, 800, [](Row row) { return values::shownMoney(row.tblhak_shiyo_ryokin); }, Align::right,
+         Align::right},
         {u"管理費請求日"_s, 1600, [](Row row) { return row.billingEra; }},
-        {u"管理費"_s, 800, [](Row row) { return feeText(row.tblhak_kanri_ryokin); }, Align::right, Align::right},
+        {u"管理費"_s, 800, [](Row row) { return values::shownMoney(row.tblhak_kanri_ryokin); }, Align::right,
+         Align::right},
         {u"廃棄日"_s, 1600, [](Row row) { return row.disposalEra; }},
         {u"備考"_s, 2500, [](Row row) { return row.tblhak_biko; }},
     };

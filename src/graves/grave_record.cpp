@@ -12,10 +12,6 @@ namespace graves {
 
 namespace {
 
-QString feeText(const std::optional<std::int32_t>& fee) {
-    return fee ? values::moneyText(*fee) : QString();
-}
-
 void checkFee(desk::Text& box, const QString& message, desk::SaveAttempt& attempt) {
     const auto fee = values::readMoney(box.text);
     attempt.check(fee.has_value(), box, message);
@@ -54,8 +50,8 @@ void showGrave(store::Database& database, const store::tbl_ohaka& row, GraveFiel
         fields.frm13_haka1.chosen = !fields.frm13_haka2.chosen;
         fields.frm13_bohyo.text = row.tblhak_bohyo_mei;
     }
-    fields.墓地使用料.text = feeText(row.tblhak_shiyo_ryokin);
-    fields.墓地管理費.text = feeText(row.tblhak_kanri_ryokin);
+    fields.墓地使用料.text = values::shownMoney(row.tblhak_shiyo_ryokin);
+    fields.墓地管理費.text = values::shownMoney(row.tblhak_kanri_ryokin);
     fields.frm13_biko.text = row.tblhak_biko;
     calendar::showDate(database, fields.開始, row.tblhak_shiyo_stymd, desk);
     calendar::showDate(database, fields.受領, row.tblhak_shiyo_jrymd, desk);

@@ -93,6 +93,37 @@ std::array<std::vector<KanaLine>, 11> readKanaTabs() {
     return tabs;
 }
 
+const std::vector<desk::ListColumn<KanaLine>>& kanaColumns() {
+    using Line = const KanaLine&;
+    static const std::vector<desk::ListColumn<KanaLine>> columns{
+        {u"檀家NO"_s, 800, [](Line line) { return QString::number(line.no1); }, desk::Align::right, desk::Align::right},
+        {u"檀家名"_s, 1400, [](Line line) { return line.texts[0]; }},
+        {QString(), 1600, [](Line line) { return line.texts[1]; }},
+        {u"当主名"_s, 1800, [](Line line) { return line.texts[2]; }},
+        {u"地区"_s, 1200, [](Line line) { return line.texts[3]; }},
+        {u"住所"_s, 3000, [](Line line) { return line.texts[4]; }},
+        {u"電話"_s, 1600, [](Line line) { return line.texts[5]; }},
+        {u"備考"_s, 2600, [](Line line) { return line.texts[6]; }}};
+    return columns;
+}
+
+void openKanaList(檀家一覧Form& form, desk::ScreenContext&, desk::Desk&) {
+    form.tabs = readKanaTabs();
+}
+
+void chooseHousehold(檀家一覧Form& form, std::size_t tab, int row, desk::Desk& desk) {
+    const std::vector<KanaLine>& lines = form.tabs[tab];
+    if (row < 1 || row > static_cast<int>(lines.size())) {
+        desk.notify(u"選択位置が有効でありません。"_s, u"檀家一覧"_s);
+        return;
+    }
+    const KanaLine& line = lines[static_cast<std::size_t>(row - 1)];
+    form.chosenNo = line.no1;
+    form.chosenName = line.texts[0];
+    form.chosenTab = tab;
+    form.chosenRow = row;
+}
+
 void openChosen(const 檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk, const QString& screen) {
     context.G初期値();
     context.dnk_no1 = form.chosenNo;

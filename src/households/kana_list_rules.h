@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desk/desk.h"
+#include "desk/paging_list.h"
 #include "desk/screen_context.h"
 
 #include <QString>
@@ -29,11 +30,21 @@ const std::array<KanaTab, 11>& kanaTabs();
 // reading, hiragana, katakana and half-width forms together; equal readings in number order.
 std::array<std::vector<KanaLine>, 11> readKanaTabs();
 
+// The columns that each tab shows.
+const std::vector<desk::ListColumn<KanaLine>>& kanaColumns();
+
 struct 檀家一覧Form {
-    // The household chosen last in any tab; 0 and empty until then.
+    std::array<std::vector<KanaLine>, 11> tabs; // as they stood in the file when the screen opened
+    // The household chosen last in any tab, 0 and empty until then; its tab, and its row there, from 1.
     std::int16_t chosenNo = 0;
     QString chosenName;
+    std::size_t chosenTab = 0;
+    int chosenRow = 0;
 };
+
+void openKanaList(檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// A click into a tab. Beside its rows it is told under the title 檀家一覧, and the choice stays.
+void chooseHousehold(檀家一覧Form& form, std::size_t tab, int row, desk::Desk& desk);
 
 // A button of the list: clears the context, sets the chosen household and opens the screen.
 void openChosen(const 檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk, const QString& screen);

@@ -1,3 +1,4 @@
+#include "desk/list_form.h"
 #include "households/household_screens.h"
 #include "households/kana_list_rules.h"
 #include "ui/layout.h"
@@ -5,8 +6,10 @@
 #include "ui/row_table.h"
 #include "ui/search_box.h"
 
-#include <QAbstractTableModel>
+#include <QLabel>
+#include <QScrollBar>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 using namespace Qt::StringLiterals;
 
@@ -14,81 +17,33 @@ namespace households {
 
 namespace {
 
-const std::vector<std::pair<QString, int>>& columns() {
-    static const std::vector<std::pair<QString, int>> all{{u"檀家NO"_s, 800},  {u"檀家名"_s, 1400}, {QString(), 1600},
-                                                          {u"当主名"_s, 1800}, {u"地区"_s, 1200},   {u"住所"_s, 3000},
-                                                          {u"電話"_s, 1600},   {u"備考"_s, 2600}};
-    return all;
-}
-
-// The data source of one grid: the lines of a saved query, read when the screen opened.
-class Lines : public QAbstractTableModel {
-  public:
-    using QAbstractTableModel::QAbstractTableModel;
-
-    void set(std::vector<KanaLine> read) {
-        beginResetModel();
-        lines_ = std::move(read);
-        endResetModel();
-    }
-    const KanaLine& line(int row) const { return lines_[static_cast<std::size_t>(row - 1)]; }
-    int picked() const { return picked_; }
-
-    int rowCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : static_cast<int>(lines_.size());
-    }
-    int columnCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : static_cast<int>(columns().size());
-    }
-    QVariant data(const QModelIndex& index, int role) const override {
-        const KanaLine& line = lines_[static_cast<std::size_t>(index.row())];
-        switch (role) {
-        case Qt::DisplayRole:
-        case Qt::ToolTipRole: {
-            const QString text = index.column() == 0 ? QString::number(line.no1)
-                                                     : line.texts[static_cast<std::size_t>(index.column() - 1)];
-            return role == Qt::ToolTipRole ? ui::plainToolTip(text) : text;
-        }
-        case Qt::TextAlignmentRole:
-            return QVariant::fromValue((index.column() == 0 ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
-        case Qt::BackgroundRole:
-            return index.row() + 1 == picked_ ? QColor(128, 255, 128) : QVariant();
-        default:
-            return {};
-        }
-    }
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
-        if (role == Qt::DisplayRole && orientation == Qt::Horizontal)
-            return columns()[static_cast<std::size_t>(section)].first;
-        return {};
-    }
-    void pick(int row) {
-        const int before = std::exchange(picked_, row);
-        for (const int at : {before, row}) {
-            if (at > 0)
-                Q_EMIT dataChanged(index(at - 1, 0), index(at - 1, columnCount() - 1), {Qt::BackgroundRole});
-        }
-    }
-
-  private:
-    std::vector<KanaLine> lines_;
-    int picked_ = 0;
-};
-
+// One tab: the lines of a saved query, read when the screen opened.
 class KanaGrid : public ui::RowTable {
   public:
-    explicit KanaGrid(Lines* lines) : lines_(lines) {
-        setModel(lines);
-        std::vector<int> twips;
-        for (const auto& column : columns())
-            twips.push_back(column.second);
-        setColumnTwips(twips);
+    KanaGrid(const 檀家一覧Form& form, std::size_t tab) : form_(form), tab_(tab) {
+        setColumns(desk::gridColumns(kanaColumns()));
     }
-    int filledRows() const override { return lines_->rowCount(); }
-    int pickedRow() const override { return lines_->picked(); }
+
+    void show() {
+        const int former = std::exchange(picked_, form_.chosenTab == tab_ ? form_.chosenRow : 0);
+        if (lines() != model()->rowCount())
+            showRows();
+        else if (former != picked_)
+            showPicked(former);
+    }
+    int filledRows() const override { return lines(); }
+    int pickedRow() const override { return picked_; }
+    QString cell(int row, int column) const override {
+        return kanaColumns()[static_cast<std::size_t>(column)].cell(
+            form_.tabs[tab_][static_cast<std::size_t>(row - 1)]);
+    }
 
   private:
-    Lines* lines_;
+    int lines() const { return static_cast<int>(form_.tabs[tab_].size()); }
+
+    const 檀家一覧Form& form_;
+    std::size_t tab_;
+    int picked_ = 0;
 };
 
 } // namespace
@@ -103,38 +58,42 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
 
     auto* tabs = new QTabWidget;
     tabs->setObjectName(u"SSTab1"_s);
-    std::vector<Lines*> sources;
-    for (const KanaTab& tab : kanaTabs()) {
-        const QString number = QString::number(sources.size() + 1);
-        auto* lines = new Lines(raw);
-        lines->setObjectName(u"Data"_s + number);
-        sources.push_back(lines);
-        auto* grid = new KanaGrid(lines);
+    auto* place = ui::plainLabel();
+    place->setObjectName(u"件数表示"_s);
+    const auto tellPlace = [tabs, place](const QString& remark = {}) {
+        const auto* grid = static_cast<const KanaGrid*>(tabs->currentWidget());
+        const auto [first, last] = grid->rowsInSight();
+        place->setText(desk::listPlace(first, last, grid->filledRows()) + remark);
+    };
+    std::vector<KanaGrid*> grids;
+    for (std::size_t tab = 0; tab < kanaTabs().size(); ++tab) {
+        const QString number = QString::number(tab + 1);
+        auto* grid = new KanaGrid(raw->form(), tab);
         grid->setObjectName(u"DBGrid"_s + number);
-        grid->setAccessibleName(tab.caption);
-        tabs->addTab(grid, tab.caption);
-        grid->openRow = [raw, open = opener(u"檀家登"_s)] { raw->operate(open); };
-    }
-    ui::Layout layout(*screen);
-    layout.fill(ui::searchLine(*screen));
-    layout.fill(tabs);
-    for (int i = 0; i < tabs->count(); ++i) {
-        auto* grid = static_cast<KanaGrid*>(tabs->widget(i));
-        raw->addToTabOrder(grid);
-        grid->clickedAt = [raw, sources, lines = sources[static_cast<std::size_t>(i)], grid](int row, int) {
-            raw->operate([&] {
-                if (row < 1 || row > lines->rowCount()) {
-                    raw->desk().notify(u"選択位置が有効でありません。"_s, raw->title());
-                    return;
-                }
-                for (Lines* other : sources)
-                    other->pick(other == lines ? row : 0);
-                grid->scrollTo(lines->index(row - 1, 0));
-                const KanaLine& line = lines->line(row);
-                raw->form().chosenNo = line.no1;
-                raw->form().chosenName = line.texts[0];
-            });
+        grid->model()->setObjectName(u"Data"_s + number);
+        grid->setAccessibleName(kanaTabs()[tab].caption);
+        grid->clickedAt = [raw, tab](int row, int) {
+            raw->operate([&] { chooseHousehold(raw->form(), tab, row, raw->desk()); });
         };
+        grid->openRow = [raw, open = opener(u"檀家登"_s)] { raw->operate(open); };
+        grid->turnPage = [tellPlace](bool forward) { tellPlace(desk::noRowsText(forward)); };
+        QObject::connect(grid->verticalScrollBar(), &QScrollBar::valueChanged, place, [tellPlace] { tellPlace(); });
+        QObject::connect(grid->verticalScrollBar(), &QScrollBar::rangeChanged, place, [tellPlace] { tellPlace(); });
+        tabs->addTab(grid, kanaTabs()[tab].caption);
+        grids.push_back(grid);
+    }
+    QObject::connect(tabs, &QTabWidget::currentChanged, place, [tellPlace] { tellPlace(); });
+    auto* whole = new QWidget;
+    auto* column = new QVBoxLayout(whole);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(ui::searchLine(*screen));
+    column->addWidget(tabs, 1);
+    column->addWidget(place);
+    ui::Layout layout(*screen);
+    layout.fill(whole);
+    for (KanaGrid* grid : grids) {
+        raw->addToTabOrder(grid);
+        raw->bind({grid, nullptr, {}, [grid] { grid->show(); }});
     }
     layout.mainAction(u"照会"_s, u"檀家照会"_s, opener(u"檀家登"_s))
         .gap()
@@ -142,11 +101,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
         .action(u"過去帳"_s, u"過去帳"_s, opener(u"過去一"_s))
         .action(u"法要照会"_s, u"法要記録"_s, opener(u"法要檀"_s))
         .closing();
-    screen->onOpen([sources] {
-        auto read = readKanaTabs();
-        for (std::size_t i = 0; i < sources.size(); ++i)
-            sources[i]->set(std::move(read[i]));
-    });
+    screen->onOpen(screen->run(openKanaList));
     return screen;
 }
 

@@ -1,6 +1,7 @@
 #include "households/registration_rules.h"
 
 #include "desk/numbering.h"
+#include "desk/save_attempt.h"
 #include "households/erasure_rules.h"
 #include "masters/master_rules.h"
 #include "store/row_rules.h"
@@ -67,11 +68,12 @@ void listGraves(store::Database& database, 檀家登Form& form, std::int16_t hou
     }
 }
 
-bool checked(檀家登Form& form, desk::Desk& desk) {
+bool checked(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const auto field = [](desk::Text& box) { return RequiredField{box, !box.text.isEmpty()}; };
     if (ValidateHousehold({field(form.frm01_dankag), field(form.frm01_dankak), field(form.frm01_yubinno),
                            field(form.frm01_jyusho1), field(form.frm01_tel), field(form.frm01_toshug),
-                           field(form.frm01_toshuk)}))
+                           field(form.frm01_toshuk)},
+                          context))
         return true;
     desk.notify(householdInvalid, title);
     return false;
@@ -149,15 +151,11 @@ desk::HouseholdBlock HouseholdFields::fields() const {
     return household;
 }
 
-bool ValidateHousehold(std::initializer_list<RequiredField> fields) {
-    bool good = true;
-    for (const RequiredField& field : fields) {
-        field.control.colour = field.filled ? desk::Colour::black : desk::Colour::red;
-        if (!field.filled && good)
-            field.control.moveToFront();
-        good = good && field.filled;
-    }
-    return good;
+bool ValidateHousehold(std::initializer_list<RequiredField> fields, desk::ScreenContext& context) {
+    desk::SaveAttempt attempt(context);
+    for (const RequiredField& field : fields)
+        attempt.check(field.filled, field.control, householdInvalid);
+    return !attempt.failed();
 }
 
 bool PublishHousehold(const 檀家登Form& form, desk::ScreenContext& context) {
@@ -231,7 +229,8 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
         return;
     form.frm01_no.text = QString::number(*number);
     form.frm01_eno.text = u"0"_s;
-    if (!checked(form, desk) || !desk.ask(u"入力された内容で檀家さんを登録します。内容を確認して下さい。"_s, title))
+    if (!checked(form, context, desk) ||
+        !desk.ask(u"入力された内容で檀家さんを登録します。内容を確認して下さい。"_s, title))
         return;
     context.publishHousehold(typedHousehold(form, {*number, 0}));
 
@@ -268,7 +267,7 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
 }
 
 void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (numbersChanged(form, desk) || !checked(form, desk) ||
+    if (numbersChanged(form, desk) || !checked(form, context, desk) ||
         !desk.ask(u"入力された内容で檀家さんを変更します。内容を確認して下さい。"_s, title))
         return;
     const desk::HouseholdBlock household = typedHousehold(form, shownNumbers(form));

@@ -77,7 +77,7 @@ struct RequiredField {
     desk::Control& control;
     bool filled;
 };
-bool ValidateHousehold(std::initializer_list<RequiredField> fields);
+bool ValidateHousehold(std::initializer_list<RequiredField> fields, desk::ScreenContext& context);
 inline const QString householdInvalid = QStringLiteral("ﾃﾞｰﾀにｴﾗｰがあり登録出来ません。入力した内容をﾁｪｯｸしてください");
 
 // Hands the household that the form shows, saved or not, over to the screen that opens next. False, with nothing handed

@@ -1,5 +1,6 @@
 #include "households/succession_rules.h"
 
+#include "desk/save_attempt.h"
 #include "masters/master_rules.h"
 #include "store/row_rules.h"
 #include "store/table.h"
@@ -35,7 +36,7 @@ void listCandidates(store::Database& database, 代替当Form& form, std::int16_t
     }
 }
 
-bool checked(代替当Form& form, desk::Desk& desk) {
+bool checked(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const auto field = [](desk::Text& box) { return RequiredField{box, !box.text.isEmpty()}; };
     if (ValidateHousehold({field(form.frm01_dankag),
                            field(form.frm01_dankak),
@@ -43,7 +44,8 @@ bool checked(代替当Form& form, desk::Desk& desk) {
                            field(form.frm01_jyusho1),
                            field(form.frm01_tel),
                            {form.frm01_toshug, !form.frm01_toshug.currentText().isEmpty()},
-                           field(form.frm01_toshuk)}))
+                           field(form.frm01_toshuk)},
+                          context))
         return true;
     desk.notify(householdInvalid, title);
     return false;
@@ -155,7 +157,7 @@ void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk:
         desk.notify(u"檀家を照会してから登録して下さい"_s, title);
         return;
     }
-    if (!checked(form, desk) || !desk.ask(u"入力された内容で檀家さんを変更しますか？"_s, title))
+    if (!checked(form, context, desk) || !desk.ask(u"入力された内容で檀家さんを変更しますか？"_s, title))
         return;
     const desk::HouseholdBlock household = typedHousehold(form);
     store::Database database;

@@ -15,10 +15,6 @@ namespace {
 
 const QString title = u"法要明細"_s;
 
-QString numberText(const std::optional<std::int16_t>& number) {
-    return number ? QString::number(*number) : QString();
-}
-
 void showMemorial(store::Database& database, 法要明Form& form, const store::tbl_hohyo& row, desk::Desk& desk) {
     form.held.show(row);
     form.frm31_hohyo_mei.text = row.tblhoy_kaiki_mei;
@@ -27,8 +23,8 @@ void showMemorial(store::Database& database, 法要明Form& form, const store::t
         calendar::showDate(database, form.予約, row.tblhoy_kaiki_rymd, desk);
         form.frm31_am.chosen = row.tblhoy_kaiki_ampm == store::codes::morning;
         form.frm31_pm.chosen = !form.frm31_am.chosen;
-        form.開始時.text = numberText(row.tblhoy_kaiki_hour);
-        form.開始分.text = numberText(row.tblhoy_kaiki_mint);
+        form.開始時.text = values::shownNumber(row.tblhoy_kaiki_hour);
+        form.開始分.text = values::shownNumber(row.tblhoy_kaiki_mint);
     }
     form.frm31_法要場所.text = row.tblhoy_kaiki_basho;
     // One who has died or moved away since stays the 施主 of this service.

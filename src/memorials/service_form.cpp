@@ -66,10 +66,7 @@ void showDeceased(store::Database& database, ServiceForm& form, const desk::Scre
 QString deathText(const store::tbl_kakocho& entry) {
     if (!entry.tblkak_mei_gyy || !entry.tblkak_mei_gmm || !entry.tblkak_mei_gdd)
         return {};
-    return u"%1%2年%3月%4日"_s.arg(entry.tblkak_mei_gname)
-        .arg(*entry.tblkak_mei_gyy)
-        .arg(*entry.tblkak_mei_gmm)
-        .arg(*entry.tblkak_mei_gdd);
+    return calendar::eraText(entry.tblkak_mei_gname, entry.tblkak_mei_gyy, entry.tblkak_mei_gmm, entry.tblkak_mei_gdd);
 }
 
 desk::SaveAttempt CheckMemorialInput(store::Database& database, ServiceForm& form, desk::ScreenContext& context,

@@ -102,8 +102,8 @@ void RegisterFinder::forgetReplaced() {
     ++revision_;
 }
 
-// Reads anew what belongs to the households whose rows this program has written. Where that cannot be done now, the next
-// search tries again.
+// Reads anew what belongs to the households whose rows this program has written. Where that cannot be done now, the
+// next search tries again.
 void RegisterFinder::followOwnChanges() {
     const store::OwnChanges changes = store::ownChanges(changesUpTo_);
     if (changes.upTo == changesUpTo_ || !texts_)
@@ -179,8 +179,8 @@ desk::FoundList RegisterFinder::find(const QString& typed) {
         list.note = failure_;
     else if (unreadable_ > 0)
         list.note =
-            u"登録簿に読めない記録があり、その檀家さん・お墓（%1件）は探せません。「hoshiren-db check」で確認して下さい。"_s.arg(
-                unreadable_);
+            u"登録簿に読めない記録があり、その檀家さん・お墓（%1件）は探せません。「hoshiren-db check」で確認して下さい。"_s
+                .arg(unreadable_);
     else if (list.lines.empty())
         list.note = u"見つかりません。"_s;
     return list;

@@ -82,6 +82,13 @@ std::vector<Found> find(Database& database) {
 
 } // namespace
 
+QStringList kindsOfNameCopies() {
+    QStringList kinds;
+    for (const Holder& holder : holders)
+        kinds << holder.kind;
+    return kinds;
+}
+
 std::vector<NameCopy> findNameCopies(Database& database) {
     std::vector<NameCopy> copies;
     for (Found& found : find(database))

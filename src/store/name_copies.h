@@ -2,6 +2,8 @@
 
 #include "store/database.h"
 
+#include <QStringList>
+
 #include <vector>
 
 namespace store {
@@ -17,6 +19,8 @@ struct NameCopy {
     // row is left alone.
     bool ambiguous = false;
 };
+
+QStringList kindsOfNameCopies();
 
 // Every such row, by household number. Rows without a household are no such rows.
 std::vector<NameCopy> findNameCopies(Database& database);

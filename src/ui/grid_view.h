@@ -8,17 +8,17 @@ namespace ui {
 // Shows a desk::Grid, its blank rows included.
 class GridView : public RowTable {
   public:
-    explicit GridView(QWidget* parent = nullptr);
+    using RowTable::RowTable;
 
     void show(const desk::Grid& grid);
 
-    int filledRows() const override;
-    int pickedRow() const override;
+    int filledRows() const override { return static_cast<int>(grid_.rows.size()); }
+    int pickedRow() const override { return grid_.highlighted; }
+    int shownRows() const override { return std::max(grid_.blankRows, filledRows()); }
+    QString cell(int row, int column) const override { return grid_.cell(row, column); }
 
   private:
-    class Model;
-
-    Model* model_;
+    desk::Grid grid_;
 };
 
 } // namespace ui

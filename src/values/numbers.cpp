@@ -119,4 +119,12 @@ QString halfWidth(QStringView text) {
     return result;
 }
 
+QString shownNumber(std::optional<int> number) {
+    return number ? QString::number(*number) : QString();
+}
+
+QString shownMoney(std::optional<std::int32_t> yen) {
+    return yen ? moneyText(*yen) : QString();
+}
+
 } // namespace values

@@ -30,6 +30,10 @@ namespace values {
 // The amount in whole yen with a comma between groups of three digits; 0 is "0".
 [[nodiscard]] QString moneyText(qint64 yen);
 
+// A stored number or amount as its box or cell shows it; empty where there is none.
+[[nodiscard]] QString shownNumber(std::optional<int> number);
+[[nodiscard]] QString shownMoney(std::optional<std::int32_t> yen);
+
 // The text with full-width digits, signs, commas, full stops and slashes turned into their half-width forms. For
 // numbers and dates only: names keep the characters they were typed with.
 [[nodiscard]] QString halfWidth(QStringView text);

@@ -2,13 +2,16 @@
 #include "commands.h"
 #include "store/consistency.h"
 #include "store/database.h"
+#include "store/name_copies.h"
 #include "store/row_rules.h"
 
+#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTextStream>
 
+#include <algorithm>
 #include <functional>
 
 using namespace Qt::StringLiterals;
@@ -78,18 +81,6 @@ const Figure figures[] = {
     {u"マスター（続柄・地区・場所）", "SELECT count(*) FROM マスタ"},
     {u"最後に発番した檀家番号", lastNumber(store::codes::householdNumbers)},
     {u"最後に発番したお墓番号", lastNumber(store::codes::graveNumbers)},
-    {u"檀家名の写しが今と異なる家族", "SELECT count(*) FROM tbl_kazoku JOIN tbl_danka ON " +
-                                          store::householdSql<store::tbl_kazoku>() +
-                                          " WHERE tblkzk_dnknameg <> tbldnk_nameg"},
-    {u"檀家名の写しが今と異なる過去帳", "SELECT count(*) FROM tbl_kakocho JOIN tbl_danka ON " +
-                                            store::householdSql<store::tbl_kakocho>() +
-                                            " WHERE tblkak_dnknameg <> tbldnk_nameg"},
-    {u"檀家名の写しが今と異なる法要", "SELECT count(*) FROM tbl_hohyo JOIN tbl_danka ON " +
-                                          store::householdSql<store::tbl_hohyo>() +
-                                          " WHERE tblhoy_danknameg <> tbldnk_nameg"},
-    {u"檀家名の写しが今と異なるお墓", "SELECT count(*) FROM tbl_ohaka JOIN tbl_danka ON " +
-                                          store::householdSql<store::tbl_ohaka>() +
-                                          " WHERE tblhak_dnk_nameg <> tbldnk_nameg"},
 };
 
 int info(const QString& path) {
@@ -100,55 +91,67 @@ int info(const QString& path) {
         say(stdout, u"%1: %2"_s.arg(QString::fromUtf16(label),
                                     count.executeStep() ? QString::number(count.getColumn(0).getInt()) : u"なし"_s));
     }
+    const auto copies = store::findNameCopies(database);
+    for (const QString& kind : store::kindsOfNameCopies())
+        say(stdout, u"檀家名の写しが今と異なる%1: %2"_s.arg(kind).arg(
+                        std::ranges::count(copies, kind, &store::NameCopy::kind)));
     return 0;
 }
 
 struct Command {
     QString name;
-    int arguments;
-    std::function<int(const QString&, const QString&)> run;
+    QStringList options; // all that it takes, each given
+    qsizetype arguments;
+    std::function<int(const QStringList&)> run;
 };
 
-template <int (*run)(const QString&)> int withOne(const QString& argument, const QString&) {
-    return run(argument);
+template <int (*run)(const QString&)> int withOne(const QStringList& arguments) {
+    return run(arguments.constFirst());
 }
 
-template <int (*run)()> int alone(const QString&, const QString&) {
+template <int (*run)()> int alone(const QStringList&) {
     return run();
 }
 
 // The last one is the tool's own: what convert runs in another process.
 const Command commands[] = {
-    {u"create"_s, 1, withOne<create>},
-    {u"check"_s, 1, withOne<check>},
-    {u"info"_s, 1, withOne<info>},
-    {u"convert"_s, 1, withOne<convertRegister>},
-    {u"upgrade"_s, 1, withOne<upgrade>},
-    {u"upgrade"_s, 0, [](const QString&, const QString&) { return upgrade(store::Database::registerPath()); }},
-    {u"backup"_s, 0, alone<backUp>},
-    {u"list"_s, 0, alone<listBackups>},
-    {u"restore"_s, 1, withOne<restoreRegister>},
-    {u"names"_s, 0, alone<showNames>},
-    {u"names"_s, 1,
-     [](const QString& option, const QString&) { return option == u"--write"_s ? writeNames() : usageStatus; }},
-    {u"convert-apart"_s, 2, convertInto},
+    {u"create"_s, {}, 1, withOne<create>},
+    {u"check"_s, {}, 1, withOne<check>},
+    {u"info"_s, {}, 1, withOne<info>},
+    {u"convert"_s, {}, 1, withOne<convertRegister>},
+    {u"upgrade"_s, {}, 1, withOne<upgrade>},
+    {u"upgrade"_s, {}, 0, [](const QStringList&) { return upgrade(store::Database::registerPath()); }},
+    {u"backup"_s, {}, 0, alone<backUp>},
+    {u"list"_s, {}, 0, alone<listBackups>},
+    {u"restore"_s, {}, 1, withOne<restoreRegister>},
+    {u"names"_s, {}, 0, alone<showNames>},
+    {u"names"_s, {u"write"_s}, 0, alone<writeNames>},
+    {u"convert-apart"_s, {}, 2, [](const QStringList& files) { return convertInto(files[0], files[1]); }},
 };
 
 } // namespace
 
 int main(int argc, char** argv) {
     const QCoreApplication app(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    int status = usageStatus;
+    QCommandLineParser parser;
+    const QCommandLineOption help = parser.addHelpOption();
+    parser.addOption({u"write"_s, u"names"_s});
+    const bool understood = parser.parse(QCoreApplication::arguments());
+    if (understood && parser.isSet(help)) {
+        QTextStream(stdout) << QStringView(usage);
+        return 0;
+    }
+    QStringList arguments = parser.positionalArguments();
+    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
     try {
         for (const Command& command : commands)
-            if (arguments.value(1) == command.name && arguments.size() == command.arguments + 2)
-                status = command.run(arguments.value(2), arguments.value(3));
+            if (understood && name == command.name && arguments.size() == command.arguments &&
+                parser.optionNames() == command.options)
+                return command.run(arguments);
     } catch (const std::exception& failure) {
         say(stderr, store::explain(failure));
         return 1;
     }
-    if (status == usageStatus)
-        QTextStream(stderr) << QStringView(usage);
-    return status;
+    QTextStream(stderr) << QStringView(usage);
+    return usageStatus;
 }

@@ -4,15 +4,18 @@
 //
 // Waits until something is shown and the picture has come to rest, half a minute at most. Exit status 1 where nothing
 // comes or the file cannot be written.
+#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPixmap>
 #include <QScreen>
+#include <QTextStream>
 #include <QThread>
 
 #include <algorithm>
-#include <cstdio>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -37,8 +40,13 @@ QRect shownPart(const QImage& image) {
 
 int main(int argc, char** argv) {
     const QGuiApplication app(argc, argv);
-    if (argc != 2) {
-        std::fputs("hoshiren-picture FILE\n", stderr);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"Takes a picture of what a display shows."_s);
+    parser.addHelpOption();
+    parser.addPositionalArgument(u"FILE"_s, u"The picture to write, as PNG."_s);
+    parser.process(app);
+    if (parser.positionalArguments().size() != 1) {
+        QTextStream(stderr) << parser.helpText();
         return 2;
     }
     QImage last;
@@ -48,7 +56,7 @@ int main(int argc, char** argv) {
         const QImage image = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
         const QRect shown = shownPart(image);
         if (shown.isValid() && image == last)
-            return image.copy(shown).save(QString::fromLocal8Bit(argv[1]), "PNG") ? 0 : 1;
+            return image.copy(shown).save(parser.positionalArguments().constFirst(), "PNG") ? 0 : 1;
         last = image;
     }
     return 1;

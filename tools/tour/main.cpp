@@ -9,6 +9,7 @@
 #include "tour/tour.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QDir>
 #include <QTemporaryFile>
 #include <QTextStream>
@@ -42,14 +43,20 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     app::prepare(application);
 
-    QStringList arguments = QApplication::arguments().sliced(1);
-    const bool documents = arguments.removeAll(u"--documents"_s) > 0;
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"Drives the program's own screens and leaves pictures of them."_s);
+    parser.addHelpOption();
+    const QCommandLineOption documentsOption(u"documents"_s, u"The documents' pictures, from a made-up register."_s);
+    parser.addOption(documentsOption);
+    parser.addPositionalArgument(u"FOLDER"_s, u"Where the pictures go."_s);
+    parser.process(application);
+    const bool documents = parser.isSet(documentsOption);
     QTextStream errors(stderr);
-    if (arguments.size() != 1) {
-        errors << "hoshiren-tour [--documents] FOLDER\n";
+    if (parser.positionalArguments().size() != 1) {
+        errors << parser.helpText();
         return 2;
     }
-    const QDir folder(arguments.constFirst());
+    const QDir folder(parser.positionalArguments().constFirst());
     try {
         if (!folder.mkpath(u"."_s))
             throw std::runtime_error("the folder cannot be made: " + folder.path().toStdString());
