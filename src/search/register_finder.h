@@ -43,7 +43,6 @@ class RegisterFinder : public desk::Finder {
     struct Outcome {
         std::optional<Reading> reading;
         store::RegisterState state; // when the reading began
-        std::uint64_t changesUpTo = 0;
         QString failure;
         bool again = false; // it may go better next time
     };
@@ -61,6 +60,7 @@ class RegisterFinder : public desk::Finder {
     std::thread thread_;
     std::atomic<bool> stopped_ = false;
     bool reading_ = false;
+    std::uint64_t readingUpTo_ = 0; // this program's own changes when the last reading began
     bool readAtOnce_ = false;
 
     std::shared_ptr<const Texts> texts_;

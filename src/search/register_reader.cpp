@@ -111,7 +111,6 @@ class Rows {
         auto* begin = reinterpret_cast<QChar*>(all_.data());
         // What is no text is shown as the replacement character; the rest of the row can be found.
         const QChar* end = decoder_.appendToBuffer(begin + before, stored);
-        decoder_.resetState();
         all_.resize(static_cast<std::size_t>(end - begin));
         ends_.push_back(all_.size());
     }
@@ -122,7 +121,7 @@ class Rows {
     std::u16string all_;
     std::vector<std::size_t> ends_; // of each text in all_
     std::vector<Row> rows_;
-    QStringDecoder decoder_{QStringDecoder::Utf8};
+    QStringDecoder decoder_{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
 };
 
 // What belongs to the household numbers from one to another.
