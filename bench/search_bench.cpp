@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QLineEdit>
 
 #include <sys/resource.h>
 
@@ -99,9 +100,12 @@ int main(int argc, char** argv) {
     try {
         store::Database::setRegisterPath(QString::fromLocal8Bit(argv[1]));
         ui::Workplace workplace(app::screens());
+        workplace.finder = std::make_unique<search::RegisterFinder>(std::function<bool()>());
+        auto& finder = static_cast<search::RegisterFinder&>(*workplace.finder);
         workplace.open(u"メニュー"_s);
+        auto* box = workplace.find(u"メニュー"_s)->findChild<QLineEdit*>(u"さがす"_s);
+        QCoreApplication::processEvents();
         const double before = mostMemory();
-        search::RegisterFinder finder({});
         waitUntilReady(finder);
         {
             // As when the register has changed: the former texts serve until the new ones are there.
@@ -121,13 +125,18 @@ int main(int argc, char** argv) {
             bench::compare(
                 what.constData(), 2.0, 9, 3, [&] { found += finder.find(typed).lines.size(); },
                 [&] { found += countByHand(fields, words); });
-            QElapsedTimer since;
-            since.start();
-            finder.find(typed);
-            if (milliseconds(since) > 50)
-                throw std::runtime_error("a key took longer than 50 ms");
+            std::vector<double> shown;
+            for (int round = 0; round < 9; ++round) {
+                box->clear();
+                QCoreApplication::processEvents();
+                QElapsedTimer since;
+                since.start();
+                box->setText(typed);
+                QCoreApplication::processEvents();
+                shown.push_back(milliseconds(since));
+            }
+            tell("    the same in the box, its results painted", median(shown), "ms", 50);
         }
-
 
         std::vector<double> ready;
         std::vector<double> still;

@@ -41,7 +41,8 @@ class Search : public ScreenFixture {
             INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_dnk_no, tblhak_bohyo_mei, tblhak_biko)
               VALUES (11, '東1', '0003', 1, '佐藤家之墓', ''), (12, '西', '7', 0, '', '角地'),
                      (13, '東2', '0001', 3, '髙橋家', '');)"_s);
-        workplace->finder = std::make_unique<search::RegisterFinder>(std::function<bool()>(), std::chrono::milliseconds(0));
+        workplace->finder =
+            std::make_unique<search::RegisterFinder>(std::function<bool()>(), std::chrono::milliseconds(0));
         wait(u"佐藤"_s, [](const desk::FoundList& found) { return !found.lines.empty(); });
     }
     ~Search() override { workplace->finder.reset(); }
@@ -169,8 +170,9 @@ TEST_F(Search, TheTableOfVariantsNamesEachCharacterOnce) {
 }
 
 TEST_F(Search, TwoHundredRowsAndHowManyMore) {
-    execute(u"INSERT INTO tbl_danka (tbldnk_no1, tbldnk_no2, tbldnk_nameg) WITH RECURSIVE n(i) AS (VALUES (100) UNION ALL "
-            "SELECT i + 1 FROM n WHERE i < 349) SELECT i, 0, '多' || i FROM n"_s);
+    execute(
+        u"INSERT INTO tbl_danka (tbldnk_no1, tbldnk_no2, tbldnk_nameg) WITH RECURSIVE n(i) AS (VALUES (100) UNION ALL "
+        "SELECT i + 1 FROM n WHERE i < 349) SELECT i, 0, '多' || i FROM n"_s);
     const auto list = workplace->finder->find(u"多"_s);
     EXPECT_EQ(list.lines.size(), 200U);
     EXPECT_EQ(list.more, 50);
@@ -219,9 +221,8 @@ TEST_F(Search, ChangesOfOthersAreFoundWithoutAnyDoing) {
 TEST_F(Search, ARegisterThatIsReplacedRemovedOrUnreadable) {
     const QString name = store::Database::registerPath();
     const auto note = [this](const QString& beginning) {
-        return wait(u"佐藤"_s, [&](const desk::FoundList& list) {
-            return list.lines.empty() && list.note.startsWith(beginning);
-        });
+        return wait(u"佐藤"_s,
+                    [&](const desk::FoundList& list) { return list.lines.empty() && list.note.startsWith(beginning); });
     };
     ASSERT_TRUE(QFile::rename(name, path(u"away"_s)));
     EXPECT_EQ(found(u"佐藤"_s), u""_s);
@@ -320,6 +321,19 @@ TEST_F(Search, TheBoxOnTheMenu) {
     box.setText(u"佐藤\nはな"_s);
     EXPECT_EQ(box.text(), u"佐藤 はな"_s);
     EXPECT_EQ(cell(menu, results, 2, 2), u"佐藤　花子"_s);
+}
+
+TEST_F(Search, TheBoxAboveTheTabs) {
+    open(u"メニュー"_s);
+    auto& list = open(u"檀家一覧"_s);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&list));
+    std::fprintf(stderr, "focus %s\n", qPrintable(list.focusWidget() ? list.focusWidget()->objectName() : QString()));
+    QTest::keyClick(&list, Qt::Key_F3);
+    auto& box = control<QLineEdit>(u"檀家一覧"_s, u"さがす"_s);
+    EXPECT_EQ(QApplication::focusWidget(), &box);
+    write(box, u"さとうはな"_s);
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(text(u"家族登"_s, u"frm12_nameg"_s), u"佐藤　花子"_s);
 }
 
 TEST_F(Search, ComposingIsLeftAloneAndTheSearchRestsUnderAModalScreen) {

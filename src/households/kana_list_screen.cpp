@@ -5,6 +5,7 @@
 #include "ui/plain_text.h"
 #include "ui/printed_list.h"
 #include "ui/row_table.h"
+#include "ui/search_box.h"
 
 #include <QLabel>
 #include <QScrollBar>
@@ -88,6 +89,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
     auto* whole = new QWidget;
     auto* column = new QVBoxLayout(whole);
     column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(ui::searchLine(*screen));
     column->addWidget(tabs, 1);
     column->addWidget(place);
     ui::Layout layout(*screen);

@@ -66,17 +66,20 @@ char16_t normalisedForm(char16_t c) {
     }
 }
 
-// Every character by itself. Those that are more than one when normalised, or that join the one before, need their text.
+// Every character by itself. Those that are more than one when normalised, or that join the one before, need their
+// text.
 const std::array<char16_t, 0x10000>& forms() {
     static const auto all = std::make_unique<const std::array<char16_t, 0x10000>>([] {
         std::array<char16_t, 0x10000> made{};
         for (std::size_t at = 0; at < made.size(); ++at) {
             const QChar c(static_cast<char16_t>(at));
-            const QString normal = c.unicode() < 0x80 ? QString(c) : QString(c).normalized(QString::NormalizationForm_KC);
+            const QString normal =
+                c.unicode() < 0x80 ? QString(c) : QString(c).normalized(QString::NormalizationForm_KC);
             const bool joins = normal.size() == 1 && normal[0].combiningClass() != 0;
-            made[at] = normal.size() != 1 || joins || c.isSurrogate() || foldedForm(normal[0].unicode()) >= supplementary
-                           ? char16_t{whole}
-                           : normalisedForm(normal[0].unicode());
+            made[at] =
+                normal.size() != 1 || joins || c.isSurrogate() || foldedForm(normal[0].unicode()) >= supplementary
+                    ? char16_t{whole}
+                    : normalisedForm(normal[0].unicode());
         }
         return made;
     }());

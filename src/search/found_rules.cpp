@@ -14,13 +14,15 @@ template <class Row> std::optional<Row> rowAt(store::Database& database, qint64 
 }
 
 // Names what was found in the context; the screen that shows it, or none where the row is not the one that was found.
-QString publish(Kind kind, qint64 rowid, const QString& number, desk::ScreenContext& context) {
+QString publish(Kind kind, const desk::FoundLine& line, desk::ScreenContext& context) {
     store::Database database;
-    const auto named = [&number](std::int16_t its) { return number.section(u'-', 0, 0) == QString::number(its); };
+    const auto named = [&line](std::int16_t number, const QString& name) {
+        return line.number.section(u'-', 0, 0) == QString::number(number) && line.name.startsWith(name);
+    };
     switch (kind) {
     case Kind::household: {
-        const auto row = rowAt<store::tbl_danka>(database, rowid);
-        if (!row || !named(row->tbldnk_no1))
+        const auto row = rowAt<store::tbl_danka>(database, line.rowid);
+        if (!row || !named(row->tbldnk_no1, row->tbldnk_nameg))
             return {};
         context.G初期値();
         context.dnk_no1 = row->tbldnk_no1;
@@ -31,8 +33,8 @@ QString publish(Kind kind, qint64 rowid, const QString& number, desk::ScreenCont
     }
     case Kind::member:
     case Kind::departed: {
-        const auto row = rowAt<store::tbl_kazoku>(database, rowid);
-        if (!row || !named(row->tblkzk_no1))
+        const auto row = rowAt<store::tbl_kazoku>(database, line.rowid);
+        if (!row || !named(row->tblkzk_no1, row->tblkzk_nameg))
             return {};
         context.G初期値();
         context.dnk_no1 = row->tblkzk_no1;
@@ -42,8 +44,8 @@ QString publish(Kind kind, qint64 rowid, const QString& number, desk::ScreenCont
         return u"家族登"_s;
     }
     case Kind::grave: {
-        const auto row = rowAt<store::tbl_ohaka>(database, rowid);
-        if (!row || !named(row->tblhak_no))
+        const auto row = rowAt<store::tbl_ohaka>(database, line.rowid);
+        if (!row || !named(row->tblhak_no, row->tblhak_bohyo_mei))
             return {};
         context.G初期値();
         context.publishHousehold(row->tblhak_dnk_no);
@@ -53,8 +55,8 @@ QString publish(Kind kind, qint64 rowid, const QString& number, desk::ScreenCont
     case Kind::death:
         break;
     }
-    const auto row = rowAt<store::tbl_kakocho>(database, rowid);
-    if (!row || !named(row->tblkak_no))
+    const auto row = rowAt<store::tbl_kakocho>(database, line.rowid);
+    if (!row || !named(row->tblkak_no, row->tblkak_zokunameg))
         return {};
     context.G初期値();
     context.publishDeceased(*row);
@@ -63,8 +65,8 @@ QString publish(Kind kind, qint64 rowid, const QString& number, desk::ScreenCont
 
 } // namespace
 
-void openFound(Kind kind, qint64 rowid, const QString& number, desk::ScreenContext& context, desk::Desk& desk) {
-    const QString screen = publish(kind, rowid, number, context);
+void openFound(Kind kind, const desk::FoundLine& line, desk::ScreenContext& context, desk::Desk& desk) {
+    const QString screen = publish(kind, line, context);
     if (screen.isEmpty())
         desk.notify(u"この記録は変更されたか、削除されています。もう一度探して下さい。"_s, u"さがす"_s);
     else

@@ -18,15 +18,16 @@
 namespace search {
 
 // Keeps the register's texts and finds in them. They are read in a thread of its own, which shares nothing but the
-// finished texts; what this program writes itself is read at once, before the next search. Looks at the file a few times
-// a second, without a standing connection, and reads it anew when it has changed.
+// finished texts; what this program writes itself is read at once, before the next search. Looks at the file a few
+// times a second, without a standing connection, and reads it anew when it has changed.
 class RegisterFinder : public desk::Finder {
   public:
     static constexpr int mostLines = 200;
 
     // The first reading begins after `wait`. While `resting` says so, nothing is read: the user does something that
     // takes long, and nobody searches.
-    explicit RegisterFinder(std::function<bool()> resting, std::chrono::milliseconds wait = std::chrono::milliseconds(50));
+    explicit RegisterFinder(std::function<bool()> resting,
+                            std::chrono::milliseconds wait = std::chrono::milliseconds(50));
     ~RegisterFinder() override;
 
     desk::FoundList find(const QString& typed) override;
@@ -42,7 +43,6 @@ class RegisterFinder : public desk::Finder {
     struct Outcome {
         std::optional<Reading> reading;
         store::RegisterState state; // when the reading began
-        std::uint64_t changesUpTo = 0;
         QString failure;
         bool again = false; // it may go better next time
     };
@@ -60,6 +60,7 @@ class RegisterFinder : public desk::Finder {
     std::thread thread_;
     std::atomic<bool> stopped_ = false;
     bool reading_ = false;
+    std::uint64_t readingUpTo_ = 0; // this program's own changes when the last reading began
     bool readAtOnce_ = false;
 
     std::shared_ptr<const Texts> texts_;

@@ -59,8 +59,8 @@ class Connection {
 class Rows {
   public:
     // further: columns read behind those that are searched.
-    Rows(SQLite::Database& engine, Kind kind, const std::vector<const char*>& further, const std::string& rest, int from,
-         int to)
+    Rows(SQLite::Database& engine, Kind kind, const std::vector<const char*>& further, const std::string& rest,
+         int from, int to)
         : kind_(kind) {
         const SearchedTable& table = searchedTable(kind);
         std::string columns = std::string("rowid, ") + table.number;
@@ -75,7 +75,8 @@ class Rows {
         statement.bind(1, from);
         statement.bind(2, to);
         while (statement.executeStep()) {
-            rows_.push_back({statement.getColumn(0).getInt64(), static_cast<std::int16_t>(statement.getColumn(1).getInt())});
+            rows_.push_back(
+                {statement.getColumn(0).getInt64(), static_cast<std::int16_t>(statement.getColumn(1).getInt())});
             for (std::size_t at = 0; at < texts_; ++at)
                 take(statement.getColumn(static_cast<int>(at) + 2));
         }
@@ -110,7 +111,6 @@ class Rows {
         auto* begin = reinterpret_cast<QChar*>(all_.data());
         // What is no text is shown as the replacement character; the rest of the row can be found.
         const QChar* end = decoder_.appendToBuffer(begin + before, stored);
-        decoder_.resetState();
         all_.resize(static_cast<std::size_t>(end - begin));
         ends_.push_back(all_.size());
     }
@@ -121,7 +121,7 @@ class Rows {
     std::u16string all_;
     std::vector<std::size_t> ends_; // of each text in all_
     std::vector<Row> rows_;
-    QStringDecoder decoder_{QStringDecoder::Utf8};
+    QStringDecoder decoder_{QStringDecoder::Utf8, QStringDecoder::Flag::Stateless};
 };
 
 // What belongs to the household numbers from one to another.
@@ -135,8 +135,8 @@ class Part {
                    by("idxkzk_no", "tblkzk_no1"), from, to),
           deaths_(engine, Kind::death, {columnOf(&store::tbl_kakocho::tblkak_dnknameg)},
                   by("idxkak_kakochou", "tblkak_no"), from, to),
-          graves_(engine, Kind::grave, {columnOf(&store::tbl_ohaka::tblhak_dnk_no)}, by("idxhak_bohyou", "tblhak_dnk_no"),
-                  from, to) {}
+          graves_(engine, Kind::grave, {columnOf(&store::tbl_ohaka::tblhak_dnk_no)},
+                  by("idxhak_bohyou", "tblhak_dnk_no"), from, to) {}
 
     void addTo(Texts::Builder& builder, int from, int to) const {
         std::size_t household = 0;

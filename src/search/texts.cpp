@@ -31,7 +31,6 @@ unsigned rankOf(Kind kind) {
     return 2;
 }
 
-
 // As a syllabary is ordered: voiced syllables with their unvoiced ones, unless nothing else differs. No reading comes
 // last.
 int compareReadings(std::u16string_view one, std::u16string_view other) {
@@ -50,23 +49,22 @@ int compareReadings(std::u16string_view one, std::u16string_view other) {
 const SearchedTable& searchedTable(Kind kind) {
     using store::columnOf;
     using enum Parts;
-    static const SearchedTable households{
-        store::Description<store::tbl_danka>::table,
-        columnOf(&store::tbl_danka::tbldnk_no1),
-        {{nullptr, u"登録番号"_s},
-         {columnOf(&store::tbl_danka::tbldnk_nameg), u"檀家名"_s, byBlanks},
-         {columnOf(&store::tbl_danka::tbldnk_namek), u"カナ"_s, byBlanks},
-         {columnOf(&store::tbl_danka::tbldnk_toshug), u"当主氏名"_s, byBlanks},
-         {columnOf(&store::tbl_danka::tbldnk_toshuk), u"当主カナ"_s, byBlanks},
-         {columnOf(&store::tbl_danka::tbldnk_yubin), u"郵便番号"_s, byHyphens},
-         {columnOf(&store::tbl_danka::tbldnk_jyusho1), u"住所"_s},
-         {columnOf(&store::tbl_danka::tbldnk_jyusho2), u"住所"_s},
-         {columnOf(&store::tbl_danka::tbldnk_tel), u"電話番号"_s, byHyphens},
-         {columnOf(&store::tbl_danka::tbldnk_fax), u"FAX"_s, byHyphens},
-         {columnOf(&store::tbl_danka::tbldnk_chiku), u"地区"_s},
-         {columnOf(&store::tbl_danka::tbldnk_bikou), u"備考"_s}},
-        1,
-        2};
+    static const SearchedTable households{store::Description<store::tbl_danka>::table,
+                                          columnOf(&store::tbl_danka::tbldnk_no1),
+                                          {{nullptr, u"登録番号"_s},
+                                           {columnOf(&store::tbl_danka::tbldnk_nameg), u"檀家名"_s, byBlanks},
+                                           {columnOf(&store::tbl_danka::tbldnk_namek), u"カナ"_s, byBlanks},
+                                           {columnOf(&store::tbl_danka::tbldnk_toshug), u"当主氏名"_s, byBlanks},
+                                           {columnOf(&store::tbl_danka::tbldnk_toshuk), u"当主カナ"_s, byBlanks},
+                                           {columnOf(&store::tbl_danka::tbldnk_yubin), u"郵便番号"_s, byHyphens},
+                                           {columnOf(&store::tbl_danka::tbldnk_jyusho1), u"住所"_s},
+                                           {columnOf(&store::tbl_danka::tbldnk_jyusho2), u"住所"_s},
+                                           {columnOf(&store::tbl_danka::tbldnk_tel), u"電話番号"_s, byHyphens},
+                                           {columnOf(&store::tbl_danka::tbldnk_fax), u"FAX"_s, byHyphens},
+                                           {columnOf(&store::tbl_danka::tbldnk_chiku), u"地区"_s},
+                                           {columnOf(&store::tbl_danka::tbldnk_bikou), u"備考"_s}},
+                                          1,
+                                          2};
     static const SearchedTable members{store::Description<store::tbl_kazoku>::table,
                                        columnOf(&store::tbl_kazoku::tblkzk_no1),
                                        {{columnOf(&store::tbl_kazoku::tblkzk_nameg), u"氏名"_s, byBlanks},
@@ -112,7 +110,8 @@ const SearchedTable& searchedTable(Kind kind) {
     return deaths;
 }
 
-// Looks for the first and the last character of the word in pieces that the compiler turns into a few wide instructions.
+// Looks for the first and the last character of the word in pieces that the compiler turns into a few wide
+// instructions.
 template <class Found>
 void Texts::eachPlace(const std::u16string& word, std::size_t begin, std::size_t end, Found found) const {
     constexpr std::size_t piece = 64;
@@ -269,8 +268,8 @@ std::vector<Candidate> Texts::merged(const std::vector<std::vector<Hit>>& words,
 
 std::uint64_t Texts::placeOf(Candidate candidate) const {
     const Record& record = records_[candidate.record];
-    return (static_cast<std::uint64_t>(candidate.match) << 40) | (static_cast<std::uint64_t>(rankOf(record.kind)) << 36) |
-           record.order;
+    return (static_cast<std::uint64_t>(candidate.match) << 40) |
+           (static_cast<std::uint64_t>(rankOf(record.kind)) << 36) | record.order;
 }
 
 bool Texts::before(const Texts& oneTexts, Candidate one, const Texts& otherTexts, Candidate other) {
@@ -335,8 +334,7 @@ QString Texts::matched(std::uint32_t record, const std::vector<std::u16string>& 
         }
         if (best.second == Match::none)
             continue;
-        const QString place =
-            searchedTable(kind(where)).fields[best.first].label + u"："_s + stored(where, best.first);
+        const QString place = searchedTable(kind(where)).fields[best.first].label + u"："_s + stored(where, best.first);
         if (!places.contains(place))
             places << place;
     }
@@ -458,9 +456,9 @@ void Texts::Builder::add(const SearchedRow& row) {
         texts.units_.push_back({row.owner, record});
         household_.clear();
     }
-    texts.records_.push_back({row.rowid, static_cast<std::uint32_t>(texts.text_.size()),
-                              static_cast<std::uint32_t>(texts.stored_.size()),
-                              static_cast<std::uint32_t>(texts.units_.size() - 1), 0, row.number, row.branch, row.kind});
+    texts.records_.push_back(
+        {row.rowid, static_cast<std::uint32_t>(texts.text_.size()), static_cast<std::uint32_t>(texts.stored_.size()),
+         static_cast<std::uint32_t>(texts.units_.size() - 1), 0, row.number, row.branch, row.kind});
     std::size_t at = 0;
     for (const SearchedField& field : table.fields) {
         if (!field.column) {

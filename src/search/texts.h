@@ -70,7 +70,8 @@ class Texts {
     // The rows in which every word is found, in register order. One word is found in a field of the row itself. Of
     // several, those that the row does not have may stand in another row of its household; a row that adds no word to
     // its household's own ones is then left out, and the household itself is always there.
-    std::vector<Candidate> search(const std::vector<std::u16string>& words, const std::vector<bool>& ownersLeftOut) const;
+    std::vector<Candidate> search(const std::vector<std::u16string>& words,
+                                  const std::vector<bool>& ownersLeftOut) const;
 
     // Whether one candidate is listed before another: by match, then living members and households, graves, the dead,
     // then reading, number and branch.
@@ -118,10 +119,12 @@ class Texts {
     };
 
     static auto numbersOf(const Record& row) { return std::tuple(row.number, row.branch, row.kind, row.rowid); }
-    template <class Found> void eachPlace(const std::u16string& word, std::size_t begin, std::size_t end, Found found) const;
+    template <class Found>
+    void eachPlace(const std::u16string& word, std::size_t begin, std::size_t end, Found found) const;
     Match matchAt(std::size_t place, std::size_t length) const;
     std::vector<Hit> hits(const std::u16string& word, const std::vector<std::uint32_t>* units) const;
-    std::vector<Candidate> merged(const std::vector<std::vector<Hit>>& words, const std::vector<std::uint32_t>& units) const;
+    std::vector<Candidate> merged(const std::vector<std::vector<Hit>>& words,
+                                  const std::vector<std::uint32_t>& units) const;
     std::pair<std::size_t, Match> bestField(std::uint32_t record, const std::u16string& word) const;
     std::u16string_view foldedField(std::uint32_t record, std::size_t field) const;
     std::u16string_view kana(std::uint32_t record) const;
@@ -129,13 +132,14 @@ class Texts {
     void putInOrder();
 
     std::u16string text_;
-    std::u16string stored_;         // fields ended by U+0000; U+0001 stands for the folded text itself
-    std::vector<bool> partStarts_;  // places in text_
-    std::vector<Record> records_;   // and one more at the end
-    std::vector<Unit> units_;       // and one more at the end
+    std::u16string stored_;        // fields ended by U+0000; U+0001 stands for the folded text itself
+    std::vector<bool> partStarts_; // places in text_
+    std::vector<Record> records_;  // and one more at the end
+    std::vector<Unit> units_;      // and one more at the end
 };
 
-// Takes rows unit by unit, a household before what belongs to it. A row's texts are looked at until its unit is complete.
+// Takes rows unit by unit, a household before what belongs to it. A row's texts are looked at until its unit is
+// complete.
 class Texts::Builder {
   public:
     // Makes as much room as the texts of a former reading needed.

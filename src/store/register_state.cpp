@@ -30,9 +30,8 @@ QByteArray changeCounter(const QString& path) {
     const std::unique_ptr<sqlite3, Close> engine(handle);
     sqlite3_file* file = nullptr;
     QByteArray counter(counterBytes, '\0');
-    if (opened != SQLITE_OK ||
-        sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK || !file->pMethods ||
-        file->pMethods->xRead(file, counter.data(), counterBytes, counterAt) != SQLITE_OK)
+    if (opened != SQLITE_OK || sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, &file) != SQLITE_OK ||
+        !file->pMethods || file->pMethods->xRead(file, counter.data(), counterBytes, counterAt) != SQLITE_OK)
         return {};
     return counter;
 }

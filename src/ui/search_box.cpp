@@ -5,7 +5,6 @@
 #include "ui/workplace.h"
 #include "values/single_line.h"
 
-#include <QAbstractTableModel>
 #include <QAccessible>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -28,70 +27,46 @@ constexpr int longest = 200; // characters
 constexpr int aPage = 10;    // rows
 constexpr std::chrono::milliseconds betweenLooks{200};
 
-const std::array<QString, 4>& headings() {
-    static const std::array<QString, 4> all{u"種類"_s, u"番号"_s, u"名前"_s, u"見つかったところ"_s};
-    return all;
-}
-
 } // namespace
 
 // What was found; the row behind the last one says how much more there is.
-class SearchBox::Lines : public QAbstractTableModel {
+class SearchBox::Table : public RowTable {
   public:
-    using QAbstractTableModel::QAbstractTableModel;
+    Table() {
+        setColumns({{u"種類"_s, 1300},
+                    {u"番号"_s, 800, desk::Align::right, desk::Align::right},
+                    {u"名前"_s, 4000},
+                    {u"見つかったところ"_s, 4600}});
+        setFocusPolicy(Qt::NoFocus);
+    }
 
-    void set(desk::FoundList found) {
-        const desk::FoundLine* before = line(picked_);
+    // The row that is picked stays so where it is found again.
+    void show(desk::FoundList found, bool keepPicked) {
+        const desk::FoundLine* before = keepPicked ? line(picked_) : nullptr;
         const auto same = std::ranges::find_if(
             found.lines, [before](const desk::FoundLine& other) { return before && before->sameRow(other); });
-        const int picked = same == found.lines.end() ? 1 : static_cast<int>(same - found.lines.begin()) + 1;
-        beginResetModel();
+        const auto place = same == found.lines.end() ? 0 : same - found.lines.begin();
+        picked_ = found.lines.empty() ? 0 : static_cast<int>(place) + 1;
         found_ = std::move(found);
-        picked_ = found_.lines.empty() ? 0 : picked;
-        endResetModel();
+        showRows();
     }
-    void clear() {
-        picked_ = 0;
-        set({});
-    }
-    int filled() const { return static_cast<int>(found_.lines.size()); }
-    int picked() const { return picked_; }
+    void pick(int row) { showPicked(std::exchange(picked_, row)); }
     const QString& note() const { return found_.note; }
     // Counted from 1; null where there is none.
     const desk::FoundLine* line(int row) const {
-        return row >= 1 && row <= filled() ? &found_.lines[static_cast<std::size_t>(row - 1)] : nullptr;
-    }
-    void pick(int row) {
-        const int before = std::exchange(picked_, row);
-        for (const int at : {before, row}) {
-            if (at > 0)
-                Q_EMIT dataChanged(index(at - 1, 0), index(at - 1, columnCount() - 1), {Qt::BackgroundRole});
-        }
+        return row >= 1 && row <= filledRows() ? &found_.lines[static_cast<std::size_t>(row - 1)] : nullptr;
     }
 
-    int rowCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : filled() + (found_.more > 0 ? 1 : 0);
-    }
-    int columnCount(const QModelIndex& parent = {}) const override {
-        return parent.isValid() ? 0 : static_cast<int>(headings().size());
-    }
-    QVariant data(const QModelIndex& index, int role) const override {
-        const bool words = role == Qt::DisplayRole || role == Qt::ToolTipRole;
-        const desk::FoundLine* found = line(index.row() + 1);
+    int filledRows() const override { return static_cast<int>(found_.lines.size()); }
+    int shownRows() const override { return filledRows() + (found_.more > 0 ? 1 : 0); }
+    int pickedRow() const override { return picked_; }
+    QString cell(int row, int column) const override {
+        const desk::FoundLine* found = line(row);
         if (!found)
-            return words && index.column() == 2 ? u"ほか %1件"_s.arg(QLocale().toString(found_.more)) : QVariant();
-        if (words) {
-            const std::array<const QString*, 4> texts{&found->what, &found->number, &found->name, &found->matched};
-            const QString& text = *texts[static_cast<std::size_t>(index.column())];
-            return role == Qt::ToolTipRole ? plainToolTip(text) : text;
-        }
-        if (role == Qt::TextAlignmentRole)
-            return QVariant::fromValue((index.column() == 1 ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
-        return role == Qt::BackgroundRole && index.row() + 1 == picked_ ? QColor(128, 255, 128) : QVariant();
-    }
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override {
-        return role == Qt::DisplayRole && orientation == Qt::Horizontal ? headings()[static_cast<std::size_t>(section)]
-                                                                        : QVariant();
+            return column == 2 && row == filledRows() + 1 ? u"ほか %1件"_s.arg(QLocale().toString(found_.more))
+                                                          : QString();
+        return *std::array{&found->what, &found->number, &found->name,
+                           &found->matched}[static_cast<std::size_t>(column)];
     }
 
   private:
@@ -99,24 +74,8 @@ class SearchBox::Lines : public QAbstractTableModel {
     int picked_ = 0;
 };
 
-class SearchBox::Table : public RowTable {
-  public:
-    explicit Table(Lines* lines) : lines_(lines) {
-        setModel(lines);
-        setColumnTwips({1300, 900, 4600, 0});
-        horizontalHeader()->setStretchLastSection(true);
-        setFocusPolicy(Qt::NoFocus);
-    }
-    int filledRows() const override { return lines_->filled(); }
-    int pickedRow() const override { return lines_->picked(); }
-
-  private:
-    Lines* lines_;
-};
-
 SearchBox::SearchBox(Screen& screen)
-    : screen_(screen), results_(new QFrame(&screen)), lines_(new Lines(this)), table_(new Table(lines_)),
-      note_(plainLabel()) {
+    : screen_(screen), results_(new QFrame(&screen)), table_(new Table), note_(plainLabel()) {
     setObjectName(u"さがす"_s);
     setAccessibleName(u"さがす"_s);
     setPlaceholderText(u"名前・戒名・電話番号・住所・お墓の区画など（F3）"_s);
@@ -141,15 +100,15 @@ SearchBox::SearchBox(Screen& screen)
     screen.searchedBy(this);
     screen.installEventFilter(this);
     screen.onEnter(this, [this] {
-        if (results_->isVisible() && lines_->line(lines_->picked()))
-            open(lines_->picked());
+        if (results_->isVisible() && table_->line(table_->pickedRow()))
+            open(table_->pickedRow());
         else if (text().isEmpty())
             focusNextChild();
         else
             showResults();
     });
     table_->clickedAt = [this](int row, int) {
-        if (lines_->line(row))
+        if (table_->line(row))
             screen_.operate([this, row] { open(row); });
     };
     connect(this, &QLineEdit::textChanged, this, [this](const QString& typed) {
@@ -158,12 +117,11 @@ SearchBox::SearchBox(Screen& screen)
             setText(values::singleLine(typed));
             return;
         }
-        lines_->clear();
-        find();
+        find(false);
     });
     watch_.setInterval(betweenLooks);
     connect(&watch_, &QTimer::timeout, this, [this] {
-        if (screen_.workplace().finder->revision() != revision_)
+        if (screen_.workplace().finder && screen_.workplace().finder->revision() != revision_)
             find();
     });
 }
@@ -174,7 +132,7 @@ void SearchBox::begin() {
     find();
 }
 
-void SearchBox::find() {
+void SearchBox::find(bool keepPicked) {
     desk::Finder* finder = screen_.workplace().finder.get();
     if (!finder || text().trimmed().isEmpty()) {
         hideResults();
@@ -183,7 +141,7 @@ void SearchBox::find() {
     desk::FoundList found = finder->find(text());
     revision_ = finder->revision();
     const bool nothing = found.lines.empty() && found.note.isEmpty();
-    lines_->set(std::move(found));
+    table_->show(std::move(found), keepPicked);
     if (nothing)
         hideResults();
     else
@@ -193,12 +151,12 @@ void SearchBox::find() {
 void SearchBox::showResults() {
     if (text().trimmed().isEmpty())
         return;
-    note_->setText(lines_->note().isEmpty() ? u"↑↓で選んで Enter で開きます。Esc で閉じます。"_s : lines_->note());
-    table_->setVisible(lines_->filled() > 0);
+    note_->setText(table_->note().isEmpty() ? u"↑↓で選んで Enter で開きます。Esc で閉じます。"_s : table_->note());
+    table_->setVisible(table_->filledRows() > 0);
     results_->show();
     results_->raise();
     place();
-    pick(lines_->picked());
+    pick(table_->pickedRow());
     watch_.start();
 }
 
@@ -214,22 +172,22 @@ void SearchBox::place() {
     const int room = screen_.height() - top - margin;
     const int rows = table_->isVisibleTo(results_)
                          ? table_->horizontalHeader()->sizeHint().height() + 2 * table_->frameWidth() + 2 +
-                               lines_->rowCount() * table_->verticalHeader()->defaultSectionSize()
+                               table_->shownRows() * table_->verticalHeader()->defaultSectionSize()
                          : 0;
     const int width = screen_.width() - 2 * margin;
     const QMargins inside = results_->layout()->contentsMargins();
     const int note = note_->heightForWidth(width - inside.left() - inside.right());
     results_->setGeometry(margin, top, width,
-                          std::min(room, rows + note + inside.top() + inside.bottom() +
-                                             results_->layout()->spacing() + 2 * results_->frameWidth()));
+                          std::min(room, rows + note + inside.top() + inside.bottom() + results_->layout()->spacing() +
+                                             2 * results_->frameWidth()));
 }
 
 void SearchBox::pick(int row) {
-    const desk::FoundLine* line = lines_->line(row);
+    const desk::FoundLine* line = table_->line(row);
     if (!line)
         return;
-    lines_->pick(row);
-    table_->scrollTo(lines_->index(row - 1, 0));
+    table_->pick(row);
+    table_->scrollTo(table_->model()->index(row - 1, 0));
     // The keyboard stays in the box: what is picked is said there.
     setAccessibleDescription(QStringList{line->what, line->number, line->name, line->matched}.join(u' '));
     QAccessibleEvent event(this, QAccessible::DescriptionChanged);
@@ -238,7 +196,7 @@ void SearchBox::pick(int row) {
 
 // Runs as an operation of the screen.
 void SearchBox::open(int row) {
-    const desk::FoundLine line = *lines_->line(row);
+    const desk::FoundLine line = *table_->line(row);
     pick(row);
     hideResults();
     selectAll();
@@ -255,7 +213,7 @@ void SearchBox::keyPressEvent(QKeyEvent* event) {
         if (!results_->isVisible())
             find();
         else
-            pick(std::clamp(lines_->picked() + by, 1, std::max(1, lines_->filled())));
+            pick(std::clamp(table_->pickedRow() + by, 1, std::max(1, table_->filledRows())));
     };
     if (composing_ || event->modifiers() & ~Qt::KeypadModifier) {
         QLineEdit::keyPressEvent(event);
@@ -306,6 +264,7 @@ QWidget* searchLine(Screen& screen) {
     label->setBuddy(box);
     items->addWidget(label);
     items->addWidget(box, 1);
+    line->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return line;
 }
 

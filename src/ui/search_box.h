@@ -10,8 +10,8 @@ class QLabel;
 
 namespace ui {
 
-// The box さがす: what is typed is looked for at each key, and what is found stands in a table below it, over the rest of
-// the window. The keyboard stays in the box: Up and Down pick a row, Enter opens it, a click opens any, Esc ends the
+// The box さがす: what is typed is looked for at each key, and what is found stands in a table below it, over the rest
+// of the window. The keyboard stays in the box: Up and Down pick a row, Enter opens it, a click opens any, Esc ends the
 // search. While the input method composes, every key is its own. Rests where the program has no search.
 class SearchBox : public QLineEdit {
   public:
@@ -27,10 +27,9 @@ class SearchBox : public QLineEdit {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
-    class Lines;
     class Table;
 
-    void find();
+    void find(bool keepPicked = true);
     void showResults();
     void hideResults();
     void place();
@@ -39,7 +38,6 @@ class SearchBox : public QLineEdit {
 
     Screen& screen_;
     QFrame* results_;
-    Lines* lines_;
     Table* table_;
     QLabel* note_;
     QTimer watch_; // whether something else is found by now

@@ -2,6 +2,7 @@
 
 #include "drive/screen_driver.h"
 #include "sample/sample_register.h"
+#include "search/register_finder.h"
 #include "store/backup.h"
 #include "store/table.h"
 
@@ -12,6 +13,7 @@
 #include <QScopeGuard>
 #include <QTabWidget>
 #include <QTextStream>
+#include <QtTest>
 
 using namespace Qt::StringLiterals;
 
@@ -31,6 +33,7 @@ class Tour : public drive::ScreenDriver {
     explicit Tour(const QDir& folder)
         : ScreenDriver([this](const QString& failure) { failures_ += failure; }), folder_(folder) {
         workplace->today = [] { return today; };
+        workplace->finder = std::make_unique<search::RegisterFinder>([this] { return workplace->operating(); });
         require(QPrinterInfo::defaultPrinter().isNull(), u"there is a printer, and the label would be printed on it"_s);
     }
 
@@ -80,6 +83,8 @@ class Tour : public drive::ScreenDriver {
     QDialog& previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes = {});
     void move();
     void copies();
+    void search();
+    void searchFor(const QString& words);
 
     QDir folder_;
     QStringList failures_;
@@ -102,6 +107,7 @@ void Tour::go() {
     notice();
     report();
     copies();
+    search();
 }
 
 void Tour::household() {
@@ -289,9 +295,39 @@ void Tour::copies() {
     done(u"a household is back from a copy"_s);
 }
 
+// What is typed on the menu, once the texts have been read.
+void Tour::searchFor(const QString& words) {
+    const QString menu = u"メニュー"_s;
+    screen(menu).activateWindow();
+    QTest::keyClick(&screen(menu), Qt::Key_F3);
+    auto& box = control<QLineEdit>(menu, u"さがす"_s);
+    require(QApplication::focusWidget() == &box, u"F3 does not lead to the search"_s);
+    box.setText(words);
+    const auto& results = control<QTableView>(menu, u"さがす結果"_s);
+    require(QTest::qWaitFor([&] { return results.isVisible() && results.model()->rowCount() > 0; }, 10'000),
+            u"nothing is found for "_s + words);
+}
+
+void Tour::search() {
+    const QString menu = u"メニュー"_s;
+    searchFor(u"徳雲"_s);
+    picture(menu);
+    QTest::keyClick(&control(menu, u"さがす"_s), Qt::Key_Return);
+    require(text(u"過去登"_s, u"frm11_zoknameg"_s) == u"山田　キヨ"_s, u"the entry was not opened"_s);
+    close(u"過去登"_s);
+    close(u"檀家登"_s);
+    searchFor(u"4567"_s);
+    QTest::keyClick(&control(menu, u"さがす"_s), Qt::Key_Return);
+    require(text(u"檀家登"_s, u"frm01_toshug"_s) == u"山田　太郎"_s, u"the household was not opened"_s);
+    done(u"the dead is found by her posthumous name, her family by the end of its telephone number"_s);
+}
+
 void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
+    searchFor(u"さいとう 東"_s);
+    save(screen(u"メニュー"_s), u"search"_s);
+    QTest::keyClick(&control(u"メニュー"_s, u"さがす"_s), Qt::Key_Escape);
     workplace->context.publishHousehold(3);
     open(u"檀家登"_s);
     save(screen(u"檀家登"_s), u"household"_s);
