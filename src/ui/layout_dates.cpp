@@ -8,6 +8,9 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <tuple>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace ui {
@@ -77,15 +80,22 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, DateHelp h
     today->setToolTip(u"今日の日付を入れます。日付の欄で F2 を押しても同じです"_s);
     today->setFocusPolicy(Qt::NoFocus);
     today->setAutoDefault(false);
+    today->setFixedWidth(pixels(2) + 8); // four groups of a screen have one each
     QObject::connect(today, &QPushButton::clicked, &screen_,
                      [screen = &screen_, run = help.today] { screen->operate(run); });
+    // In a line of their own: behind the boxes they would make each frame with a date wider. What the screen declares
+    // next still stands behind the boxes.
+    const auto behind = std::pair(items_, label_);
+    row();
     place(today);
     items_->keepNextTogether();
     live(
         names.era + u"曜日"_s, [hint = help.hint] { return LiveText{hint()}; },
-        {names.era, names.year, names.month, names.day}, 11);
+        {names.era, names.year, names.month, names.day}, 10);
     new DateKeys(screen_, boxes, today, help.spread);
     screen_.beforeOperations(help.spread);
+    std::tie(items_, label_) = behind;
+    rowName_ = what;
     last_ = era;
     return *this;
 }
