@@ -58,7 +58,7 @@ class DateKeys : public QObject {
 
 } // namespace
 
-Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, DateHelp help) {
+Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, desk::DateHelp help) {
     const QString what = rowName_;
     combo(names.era, value.era, 4).named(what + u"　元号"_s);
     QWidget* era = last_;
