@@ -91,7 +91,7 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, desk::Date
     items_->keepNextTogether();
     live(
         names.era + u"曜日"_s, [hint = help.hint] { return LiveText{hint()}; },
-        {names.era, names.year, names.month, names.day}, 10);
+        {names.era, names.year, names.month, names.day}, 14);
     new DateKeys(screen_, boxes, today, help.spread);
     screen_.beforeOperations(help.spread);
     std::tie(items_, label_) = behind;
@@ -104,6 +104,7 @@ Layout& Layout::live(const QString& name, std::function<LiveText()> text, const 
                      int width, int lines) {
     auto* label = new LiveLabel(screen_, name, std::move(text));
     label->setFixedWidth(pixels(width));
+    label->setWordWrap(lines > 1);
     label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
     place(label);
     last_ = label;
