@@ -5,6 +5,7 @@
 #include "support/label_printer.h"
 #include "support/register_fixture.h"
 #include "support/test_desk.h"
+#include "values/dates.h"
 
 using namespace Qt::StringLiterals;
 using namespace memorials;

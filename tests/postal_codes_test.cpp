@@ -92,7 +92,7 @@ TEST_F(PostalCodes, WhatIsNoListIsRefusedAndTheOneInUseStays) {
                                  QByteArray(whole).replace("1000002", "10000x2")};
     for (const QByteArray& other : others) {
         put(u"other.csv"_s, other);
-        EXPECT_THROW(masters::choosePostalCodes(path(u"other.csv"_s)), store::Error) << other.left(20);
+        EXPECT_THROW(masters::choosePostalCodes(path(u"other.csv"_s)), store::Error) << other.left(20).toStdString();
     }
     EXPECT_THROW(masters::choosePostalCodes(directory.path()), store::Error);
     EXPECT_EQ(filled(u"1000002"_s), u"東京都表区能町"_s);

@@ -1,4 +1,4 @@
-#include "calendar/date_group_screen.h"
+#include "calendar/date_help.h"
 #include "family/death_registration_rules.h"
 #include "family/family_screens.h"
 #include "ui/layout.h"
@@ -34,10 +34,10 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .kanaOf(u"frm11_zoknameg"_s)
         .row(u"生年月日"_s)
         .dates({u"生年元号"_s, u"生年"_s, u"生年月"_s, u"生年日"_s, u"生年YMD"_s}, form.生年,
-               calendar::dateHelp(*screen, form.生年, calendar::DateOf::birth))
+               calendar::dateHelp(screen->desk(), form.生年, calendar::DateOf::birth))
         .row(u"命日"_s)
         .dates({u"命日元号"_s, u"命日年"_s, u"命日月"_s, u"命日付"_s, u"命日YMD"_s}, form.命日,
-               calendar::dateHelp(*screen, form.命日))
+               calendar::dateHelp(screen->desk(), form.命日))
         .row(u"享年"_s)
         .shown(HOSHIREN_CONTROL(form, frm11_kyounen), 3)
         .unit(u"歳"_s)

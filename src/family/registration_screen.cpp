@@ -1,4 +1,4 @@
-#include "calendar/date_group_screen.h"
+#include "calendar/date_help.h"
 #include "family/family_screens.h"
 #include "family/registration_rules.h"
 #include "masters/postal_codes.h"
@@ -36,7 +36,7 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .kanaOf(u"frm12_nameg"_s)
         .row(u"生年月日"_s)
         .dates({u"生年元号"_s, u"生年"_s, u"生年月"_s, u"生年日"_s, u"生年日YMD"_s}, form.生年,
-               calendar::dateHelp(*screen, form.生年, calendar::DateOf::birth))
+               calendar::dateHelp(screen->desk(), form.生年, calendar::DateOf::birth))
         .row(u"当主との続柄"_s)
         .combo(HOSHIREN_CONTROL(form, frm12_続柄), 8)
         .row(u"同居区分"_s)

@@ -1,6 +1,6 @@
 #include "graves/grave_fields_screen.h"
 
-#include "calendar/date_group_screen.h"
+#include "calendar/date_help.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,24 +37,24 @@ void addGraveFields(ui::Layout& layout, ui::Screen& screen, GraveFields& fields,
     layout.beside()
         .frame({}, u"使用料・管理費"_s)
         .row(u"使用開始"_s)
-        .dates(dateNames(u"開始"_s), fields.開始, calendar::dateHelp(screen, fields.開始))
+        .dates(dateNames(u"開始"_s), fields.開始, calendar::dateHelp(screen.desk(), fields.開始))
         .button(
             u"今日"_s, u"今日"_s, [&] { startToday(fields, screen.desk()); },
             u"使用開始日が今日からの時に押して下さい"_s)
         .row(u"使用料"_s)
         .number(HOSHIREN_CONTROL(fields, 墓地使用料), 7)
         .row(u"受領日"_s)
-        .dates(dateNames(u"受領"_s), fields.受領, calendar::dateHelp(screen, fields.受領))
+        .dates(dateNames(u"受領"_s), fields.受領, calendar::dateHelp(screen.desk(), fields.受領))
         .button(u"使用料受日"_s, u"COPY"_s, copy(fields.受領, fields.開始),
                 u"使用料受領日と使用開始日と同じ時に押して下さい"_s)
         .row(u"管理費"_s)
         .number(HOSHIREN_CONTROL(fields, 墓地管理費), 7)
         .row(u"受領日"_s)
-        .dates(dateNames(u"管受"_s), fields.管受, calendar::dateHelp(screen, fields.管受))
+        .dates(dateNames(u"管受"_s), fields.管受, calendar::dateHelp(screen.desk(), fields.管受))
         .button(u"管理受領"_s, u"COPY"_s, copy(fields.管受, fields.受領),
                 u"管理費の受領日と使用料の受領日が同じ時に押して下さい"_s)
         .row(u"次回請求"_s)
-        .dates(dateNames(u"次回"_s), fields.次回, calendar::dateHelp(screen, fields.次回))
+        .dates(dateNames(u"次回"_s), fields.次回, calendar::dateHelp(screen.desk(), fields.次回))
         .button(u"管理次回"_s, u"COPY"_s, copy(fields.次回, fields.管受),
                 u"次回請求日の月・日が同じ時、押して、請求年を変えると便利です"_s);
 }

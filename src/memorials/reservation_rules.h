@@ -41,7 +41,7 @@ void leaveReservationsTo(法要一Form& form, desk::ScreenContext& context, desk
 void showReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 故人照会: opens 過去登 modal and fills the page again from the current position afterwards.
 void openReservationDeceased(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-// A double click: opens the service itself, 法要明, modal likewise.
+// A double click: opens the service itself, 法要明, modal, and lists the page again afterwards.
 void openReservedService(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 檀家照会: opens 檀家登 modal.
 void openReservationHousehold(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);

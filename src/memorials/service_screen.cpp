@@ -1,4 +1,4 @@
-#include "calendar/date_group_screen.h"
+#include "calendar/date_help.h"
 #include "memorials/booking_rules.h"
 #include "memorials/detail_rules.h"
 #include "memorials/extra_rules.h"
@@ -45,7 +45,7 @@ void layOutBooking(ui::Layout& layout, ui::Screen& screen, ServiceForm& form, co
                    const std::function<const store::tbl_hohyo*()>& own) {
     layout.row(u"予約日"_s)
         .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, dayName, u"予約YMD"_s}, form.予約,
-               calendar::dateHelp(screen, form.予約))
+               calendar::dateHelp(screen.desk(), form.予約))
         .row()
         .live(
             u"予約状況"_s,
@@ -75,7 +75,7 @@ void layOutHolding(ui::Layout& layout, ui::Screen& screen, ServiceForm& form, co
                    const QString& offeringLabel, ui::Operation asBooked) {
     layout.row(u"実施日"_s)
         .dates({u"実施年号"_s, u"実施年"_s, u"実施月"_s, u"実施日付"_s, u"実施YMD"_s}, form.実施,
-               calendar::dateHelp(screen, form.実施))
+               calendar::dateHelp(screen.desk(), form.実施))
         .row()
         .button(u"実施日"_s, u"予約通り実施"_s, std::move(asBooked), u"実施日が予約日と同じ時に押して下さい"_s)
         .row(u"施主"_s)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desk/date_help.h"
 #include "desk/form.h"
 #include "ui/screen.h"
 
@@ -36,16 +37,6 @@ struct DateNames {
     QString month;
     QString day;
     QString western;
-};
-
-// What a date group asks of the calendar.
-struct DateHelp {
-    // Spreads a date that stands whole in the era box over the four boxes of the form; true when it did.
-    std::function<bool()> spread;
-    // Puts today into the boxes.
-    Operation today;
-    // What the boxes' date is, in short: while it is typed.
-    std::function<QString()> hint;
 };
 
 // A text that follows from what stands in the form, saved or not.
@@ -121,7 +112,7 @@ class Layout {
     Layout& parallel(int lists);
     // With a button 今日 (F2 in any of the boxes; not in the tab order, where Enter would press it) and a label that
     // says which day it is: the era box's name with 今日 and 曜日 behind it.
-    Layout& dates(const DateNames& names, desk::DateGroup& value, DateHelp help);
+    Layout& dates(const DateNames& names, desk::DateGroup& value, desk::DateHelp help);
     // A label that is brought up to date whenever one of the controls is typed into or chosen, and after each
     // operation. What the register refuses meanwhile leaves it empty.
     Layout& live(const QString& name, std::function<LiveText()> text, const std::vector<QString>& controls, int width,

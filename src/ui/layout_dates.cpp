@@ -8,6 +8,9 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <tuple>
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace ui {
@@ -55,7 +58,7 @@ class DateKeys : public QObject {
 
 } // namespace
 
-Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, DateHelp help) {
+Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, desk::DateHelp help) {
     const QString what = rowName_;
     combo(names.era, value.era, 4).named(what + u"　元号"_s);
     QWidget* era = last_;
@@ -77,15 +80,22 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, DateHelp h
     today->setToolTip(u"今日の日付を入れます。日付の欄で F2 を押しても同じです"_s);
     today->setFocusPolicy(Qt::NoFocus);
     today->setAutoDefault(false);
+    today->setFixedWidth(pixels(2) + 8); // four groups of a screen have one each
     QObject::connect(today, &QPushButton::clicked, &screen_,
                      [screen = &screen_, run = help.today] { screen->operate(run); });
+    // In a line of their own: behind the boxes they would make each frame with a date wider. What the screen declares
+    // next still stands behind the boxes.
+    const auto behind = std::pair(items_, label_);
+    row();
     place(today);
     items_->keepNextTogether();
     live(
         names.era + u"曜日"_s, [hint = help.hint] { return LiveText{hint()}; },
-        {names.era, names.year, names.month, names.day}, 11);
+        {names.era, names.year, names.month, names.day}, 14);
     new DateKeys(screen_, boxes, today, help.spread);
     screen_.beforeOperations(help.spread);
+    std::tie(items_, label_) = behind;
+    rowName_ = what;
     last_ = era;
     return *this;
 }
@@ -94,6 +104,7 @@ Layout& Layout::live(const QString& name, std::function<LiveText()> text, const 
                      int width, int lines) {
     auto* label = new LiveLabel(screen_, name, std::move(text));
     label->setFixedWidth(pixels(width));
+    label->setWordWrap(lines > 1);
     label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
     place(label);
     last_ = label;

@@ -11,7 +11,6 @@ LiveLabel::LiveLabel(Screen& screen, const QString& name, std::function<LiveText
     : screen_(screen), compute_(std::move(text)) {
     setObjectName(name);
     setTextFormat(Qt::PlainText);
-    setWordWrap(true);
     setTextInteractionFlags(Qt::TextSelectableByMouse);
     setFocusPolicy(Qt::NoFocus);
     screen.bind({this, nullptr, {}, [this] { refresh(); }});

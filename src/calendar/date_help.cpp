@@ -1,4 +1,4 @@
-#include "calendar/date_group_screen.h"
+#include "calendar/date_help.h"
 
 #include "calendar/spoken_date.h"
 
@@ -12,8 +12,8 @@ store::Database impatientDatabase() {
     return database;
 }
 
-ui::DateHelp dateHelp(ui::Screen& screen, desk::DateGroup& group, DateOf what) {
-    const auto today = [&screen] { return screen.desk().today(); };
+desk::DateHelp dateHelp(desk::Desk& desk, desk::DateGroup& group, DateOf what) {
+    const auto today = [&desk] { return desk.today(); };
     return {[today, &group] {
                 // An era's name has no digits: most often there is nothing to read.
                 if (std::ranges::none_of(group.era.text, [](QChar c) { return c.isDigit(); }))
@@ -26,9 +26,9 @@ ui::DateHelp dateHelp(ui::Screen& screen, desk::DateGroup& group, DateOf what) {
                     return false;
                 }
             },
-            [&screen, &group] {
+            [&desk, &group] {
                 store::Database database;
-                enterToday(database, group, screen.desk());
+                enterToday(database, group, desk);
             },
             [today, &group, what] {
                 if (group.era.text.isEmpty())
