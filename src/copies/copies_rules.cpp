@@ -182,8 +182,8 @@ void bringBack(控えForm& form, const store::Records& records, desk::Desk& desk
 
 } // namespace
 
-void openCopies(控えForm& form, desk::ScreenContext&, desk::Desk&) {
-    store::removeOldDeletions(registered(), QDateTime::currentDateTime());
+void openCopies(控えForm& form, desk::ScreenContext&, desk::Desk& desk) {
+    store::removeOldDeletions(registered(), QDateTime(desk.today(), QTime::currentTime()));
     clearDifferences(form);
     listSources(form);
     fillDifferences(form);

@@ -14,17 +14,19 @@ std::unique_ptr<ui::Screen> 控え(ui::Workplace& workplace) {
     ui::Layout layout(*screen);
     layout.frame(u"Frame1"_s, u"控えと、削除したもの"_s)
         .row()
-        .grid(HOSHIREN_CONTROL(form, 控え一覧), {.clicked = screen->run(chooseSource)}, 7);
+        .grid(HOSHIREN_CONTROL(form, 控え一覧), {.clicked = screen->run(chooseSource)}, 6);
     layout.last()->setAccessibleName(u"控えと、削除したもの"_s);
-    layout.frame(u"Frame2"_s, u"今の登録簿との違い"_s).row(u"絞り込み"_s).text(HOSHIREN_CONTROL(form, 絞り込み), 12);
+    layout.frame().row(u"絞り込み"_s).text(HOSHIREN_CONTROL(form, 絞り込み), 12);
     screen->onEnter(layout.last(), narrowed);
-    layout.button(u"絞り込む"_s, u"絞り込む"_s, narrowed)
-        .shown(HOSHIREN_CONTROL(form, 比較結果), 40)
+    layout.button(u"絞り込む"_s, u"絞り込む"_s, narrowed).shown(HOSHIREN_CONTROL(form, 比較結果), 40);
+    layout.frame(u"Frame2"_s, u"今の登録簿との違い"_s)
         .row()
         .grid(HOSHIREN_CONTROL(form, 控え内容),
-              {.clicked = screen->run(chooseRecord), .opened = screen->run(bringBackChosen)}, 9);
+              {.clicked = screen->run(chooseRecord), .opened = screen->run(bringBackChosen)}, 8);
     layout.last()->setAccessibleName(u"今の登録簿との違い"_s);
     layout.mainAction(u"選んで戻す"_s, u"選んで戻す"_s, screen->run(bringBackChosen))
+        .gap()
+        .action(u"一覧更新"_s, u"一覧を読み直す"_s, screen->run(openCopies))
         .gap()
         .action(u"全部戻す"_s, u"全部戻す"_s, screen->run(restoreAll))
         .closing()

@@ -180,6 +180,7 @@ template <class Row> void compareTable(SQLite::Database& engine, bool whole, std
                                        " b WHERE b.rowid = a.rowid AND " + equalFields(Description<Row>::fields) + ")");
     SQLite::Statement standing(engine, "SELECT " + selected<Row>("b") + " FROM now." + table + " b WHERE " +
                                            keysAsBound<Row>("b"));
+    qint64 gone = 0;
     while (then.executeStep()) {
         const Row row = readRow<Row>(then);
         std::optional<Row> other;
@@ -189,6 +190,7 @@ template <class Row> void compareTable(SQLite::Database& engine, bool whole, std
             other = readRow<Row>(standing);
             same = *other == row;
         }
+        gone += other ? 0 : 1;
         if (!same)
             differences.push_back({kindOf(row), other ? How::other : How::onlyInCopy, numberOf(row), nameOf(row),
                                    other ? differingFields(row, *other) : QString(),
@@ -197,15 +199,25 @@ template <class Row> void compareTable(SQLite::Database& engine, bool whole, std
     standing.reset();
     if (!whole)
         return;
+    const auto count = [&](const char* file) {
+        return engine.execAndGet(std::string("SELECT count(*) FROM ") + file + '.' + table).getInt64();
+    };
+    // Where every row of the register has its partner, nothing has to be looked for; what was added lies at the end.
+    qint64 added = count("now") - (count("main") - gone);
+    if (added == 0)
+        return;
     SQLite::Statement now(engine, "SELECT " + selected<Row>("b") + " FROM now." + table +
                                       " b WHERE NOT EXISTS (SELECT 1 FROM main." + table +
-                                      " a WHERE a.rowid = b.rowid AND " + equalFields(keyIndex<Row>.fields) + ")");
+                                      " a WHERE a.rowid = b.rowid AND " + equalFields(keyIndex<Row>.fields) +
+                                      ") ORDER BY b.rowid DESC");
     SQLite::Statement known(engine, "SELECT 1 FROM main." + table + " a WHERE " + keysAsBound<Row>("a"));
-    while (now.executeStep()) {
+    while (added != 0 && now.executeStep()) {
         const Row row = readRow<Row>(now);
         bindKeys(known, row);
-        if (!known.executeStep())
-            differences.push_back({kindOf(row), How::onlyNow, numberOf(row), nameOf(row), {}, 0});
+        if (known.executeStep())
+            continue;
+        differences.push_back({kindOf(row), How::onlyNow, numberOf(row), nameOf(row), {}, 0});
+        --added;
     }
 }
 

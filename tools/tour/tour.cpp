@@ -4,6 +4,7 @@
 #include "sample/sample_register.h"
 #include "search/register_finder.h"
 #include "store/backup.h"
+#include "store/kept_deletion.h"
 #include "store/table.h"
 
 #include <QApplication>
@@ -369,17 +370,22 @@ void Tour::documents() {
         save(screen(name), name);
     }
     store::makeBackup(store::Database::registerPath(), store::BackupKind::daily, QDateTime(today, QTime(9, 0)));
-    store::Database().engine().exec("DELETE FROM tbl_danka WHERE tbldnk_no1 = 5; "
-                                    "DELETE FROM tbl_kazoku WHERE tblkzk_no1 = 5; "
-                                    "UPDATE tbl_danka SET tbldnk_tel = '026-111-2222' WHERE tbldnk_no1 = 8");
-    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
-    expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
-    press(u"檀家登"_s, u"削除"_s);
-    save(screen(u"檀家登"_s), u"元に戻す"_s);
+    {
+        store::Database database;
+        store::keepDeletion(store::Database::registerPath(), store::householdIn(database, 5), u"抹消"_s,
+                            u"檀家 5 ほか4件"_s, QDateTime(today, QTime(10, 0)));
+        database.engine().exec("DELETE FROM tbl_danka WHERE tbldnk_no1 = 5; "
+                               "DELETE FROM tbl_kazoku WHERE tblkzk_no1 = 5; "
+                               "UPDATE tbl_danka SET tbldnk_tel = '026-111-2222' WHERE tbldnk_no1 = 8");
+    }
     open(u"控え"_s);
     clickCell(u"控え"_s, u"控え一覧"_s, 2);
     clickCell(u"控え"_s, u"控え内容"_s, 1);
     save(screen(u"控え"_s), u"控え"_s);
+    answer(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
+    expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
+    press(u"檀家登"_s, u"削除"_s);
+    save(screen(u"檀家登"_s), u"元に戻す"_s);
     done(u"the documents' other pictures"_s);
 }
 
