@@ -133,18 +133,18 @@ void deleteEntry(desk::ScreenContext& context, TestDesk& desk, bool memorials, b
     static family::過去登Form form;
     form = {};
     context.nameDeceased(u"山田"_s, u"次郎"_s);
-    family::openDeathRegister(form, context, desk);
+    family::beginDeathRegister(form, context, desk);
     desk.answer(deleteData, titled, true);
     desk.answer(u"法要等の情報も削除しますか？"_s, titled, memorials);
     desk.answer(u"家族登録は元に戻しますか？"_s, titled, living);
     desk.expect(u"削除処理を終了しました。"_s, titled);
-    family::deleteDeath(form, context, desk);
+    family::removeDeath(form, context, desk);
 }
 
 void erase(desk::ScreenContext& context, TestDesk& desk) {
     static households::檀家登Form form;
     form = {};
-    households::openHousehold(form, context, desk);
+    households::beginHousehold(form, context, desk);
     desk.answer(u"檀家さんに関する全ての情報を抹消します。内容を確認して下さい。"_s, u"檀家 登録"_s, true);
     for (const auto& [question, done] : {std::pair{u"情報を"_s, u"指定された檀家さんは削除されました。"_s},
                                          {u"家族情報を"_s, u"指定された檀家の家族は削除されました。"_s},
@@ -160,7 +160,7 @@ void erase(desk::ScreenContext& context, TestDesk& desk) {
 const Kind kinds[] = {
     {"household",
      [](auto& context, auto& desk) {
-         press(households::openHousehold, households::DeleteHousehold, deleteData,
+         press(households::beginHousehold, households::DeleteHousehold, deleteData,
                u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s, context, desk);
      }},
     {"erasure", erase},
@@ -168,7 +168,7 @@ const Kind kinds[] = {
      [](auto& context, auto& desk) {
          context.dnk_nameg = u"山田"_s;
          context.kzk_nameg = u"O'花"_s;
-         press(family::openFamily, family::deleteMember, deleteData, u"指定された家族は削除されました。"_s,
+         press(family::beginFamily, family::removeMember, deleteData, u"指定された家族は削除されました。"_s,
                u"家族登録"_s, context, desk);
      }},
     {"entry", [](auto& context, auto& desk) { deleteEntry(context, desk, false, false); }},
@@ -178,7 +178,7 @@ const Kind kinds[] = {
      [](auto& context, auto& desk) {
          context.nameDeceased(u"山田"_s, u"次郎"_s);
          context.hoy_kaiki_yymd = QDate(1850, 4, 17);
-         press(memorials::openDetail, memorials::deleteDetail, u"指定された法要を削除します。内容を確認して下さい。"_s,
+         press(memorials::beginDetail, memorials::removeDetail, u"指定された法要を削除します。内容を確認して下さい。"_s,
                u"削除処理を終了しました。"_s, u"法要明細"_s, context, desk);
      }},
     {"extra memorial",
@@ -186,25 +186,25 @@ const Kind kinds[] = {
          static memorials::法要外Form form;
          form = {};
          context.nameDeceased(u"山田"_s, u"次郎"_s);
-         memorials::openExtra(form, context, desk);
+         memorials::beginExtra(form, context, desk);
          form.実施.era.text = u"嘉永"_s;
          form.実施.year.text = u"4"_s;
          form.実施.month.text = u"2"_s;
          form.実施.day.text = u"28"_s;
          desk.answer(u"指定された法要を削除します。内容を確認して下さい。"_s, u"法要・回忌外登録"_s, true);
          desk.expect(u"削除処理を終了しました。"_s, u"法要・回忌外登録"_s);
-         memorials::deleteExtra(form, context, desk);
+         memorials::removeExtra(form, context, desk);
      }},
     {"grave",
      [](auto& context, auto& desk) {
          context.hak_no = 70;
-         press(graves::openRegistration, graves::deleteGrave, deleteData, u"指定されたお墓は削除されました。"_s,
+         press(graves::beginRegistration, graves::removeGrave, deleteData, u"指定されたお墓は削除されました。"_s,
                u"お墓 登録"_s, context, desk);
      }},
     {"disposal",
      [](auto& context, auto& desk) {
          context.hak_no = 70;
-         press(graves::openRegistration, graves::disposeGrave, {}, u"指定されたお墓は廃棄処分されました。"_s,
+         press(graves::beginRegistration, graves::disposeGrave, {}, u"指定されたお墓は廃棄処分されました。"_s,
                u"お墓 登録"_s, context, desk);
      }},
     {"era",
@@ -212,20 +212,20 @@ const Kind kinds[] = {
          static calendar::年号登Form form;
          form = {};
          form.fnen_nengo.text = u"昭和"_s;
-         calendar::showYearsOfEra(form, context, desk);
+         calendar::lookUpYears(form, context, desk);
          desk.answer(u"登録内容を削除します。内容を確認して下さい。"_s, u"年号登録"_s, true);
          desk.expect(u"指定された年号は削除されました。"_s, u"年号登録"_s);
-         calendar::deleteEra(form, context, desk);
+         calendar::removeEra(form, context, desk);
      }},
     {"master",
      [](auto& context, auto& desk) {
          static masters::マスター登Form form;
          form = {};
-         masters::openMasters(form, context, desk);
+         masters::beginMasters(form, context, desk);
          form.登録NO.text = u"1"_s;
          desk.answer(u"入力内容を削除します。"_s, u"ｺｰﾄﾞﾏｽﾀｰ情報"_s, true);
          desk.expect(u"表示内容は削除されました。"_s, u"ｺｰﾄﾞﾏｽﾀｰ情報"_s);
-         masters::deleteEntry(form, context, desk);
+         masters::removeEntry(form, context, desk);
      }},
 };
 
@@ -292,7 +292,7 @@ TEST_F(BringBack, DeletionsThatFailOrCannotBeKept) {
     const QString titled = u"過去帳登録"_s;
     family::過去登Form form;
     context.nameDeceased(u"山田"_s, u"次郎"_s);
-    family::openDeathRegister(form, context, desk);
+    family::beginDeathRegister(form, context, desk);
     ASSERT_TRUE(QDir().mkdir(path(u"backup"_s)));
     QFile blocked(path(u"backup/deleted"_s)); // where the folder should be
     ASSERT_TRUE(blocked.open(QIODevice::WriteOnly));
@@ -305,7 +305,7 @@ TEST_F(BringBack, DeletionsThatFailOrCannotBeKept) {
             desk.answer(u"家族登録は元に戻しますか？"_s, titled, false);
             desk.expect(u"削除処理を終了しました。"_s, titled);
         }
-        family::deleteDeath(form, context, desk);
+        family::removeDeath(form, context, desk);
         EXPECT_EQ(rows() == before, !goOn);
         EXPECT_TRUE(desk.offered.empty()) << "nothing is kept that could be taken back";
     }

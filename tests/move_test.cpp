@@ -17,7 +17,7 @@ class Move : public RegisterFixture {
     Move() {
         store::Database database;
         store::Table(database, store::idxdnk_no).insert(sampleHousehold(7));
-        households::openHousehold(form, context, desk);
+        households::beginHousehold(form, context, desk);
         form.frm01_no.text = u"7"_s;
         households::LoadHousehold(form, context, desk);
     }

@@ -117,7 +117,7 @@ void moveHousehold(desk::Desk& desk) {
     desk::ScreenContext context;
     context.publishHousehold(7);
     households::檀家登Form form;
-    households::openHousehold(form, context, desk);
+    households::beginHousehold(form, context, desk);
     form.frm01_yubinno.text = u"220-0001"_s;
     form.frm01_jyusho1.text = u"港町1"_s;
     form.frm01_tel.text = u"045"_s;

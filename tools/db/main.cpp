@@ -107,6 +107,8 @@ int info(const QString& path) {
     return 0;
 }
 
+constexpr qsizetype any = -1;
+
 struct Command {
     QString name;
     QStringList options; // all that it takes, each given
@@ -135,6 +137,7 @@ const Command commands[] = {
     {u"restore"_s, {}, 1, withOne<restoreRegister>},
     {u"names"_s, {}, 0, alone<showNames>},
     {u"names"_s, {u"write"_s}, 0, alone<writeNames>},
+    {u"bring-back"_s, {}, any, bringBack},
     {u"convert-apart"_s, {}, 2, [](const QStringList& files) { return convertInto(files[0], files[1]); }},
 };
 
@@ -153,11 +156,9 @@ int main(int argc, char** argv) {
     QStringList arguments = parser.positionalArguments();
     const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
     try {
-        if (arguments.value(1) == u"bring-back"_s)
-            status = bringBack(arguments.mid(2));
         for (const Command& command : commands)
-            if (understood && name == command.name && arguments.size() == command.arguments &&
-                parser.optionNames() == command.options)
+            if (understood && name == command.name && parser.optionNames() == command.options &&
+                (command.arguments == any || arguments.size() == command.arguments))
                 return command.run(arguments);
     } catch (const std::exception& failure) {
         say(stderr, store::explain(failure));
