@@ -20,7 +20,7 @@ class LabelPainter : public ::testing::Test {
         printing::LabelRun run(printer->font());
         for (const LabelAddress& address : addresses)
             run.printLabel(address);
-        file = printer->print(run.sheets()).file;
+        file = printer->print(run).file;
         return wordsOf(file);
     }
 
@@ -78,7 +78,7 @@ TEST_F(LabelPainter, ShowsASheetAtATime) {
     printing::LabelRun run(printer->font());
     for (int i = 0; i < 25; ++i)
         run.printLabel({u"100-0001"_s, u"山田　太郎"_s, u"寺前1丁目2-3"_s, {}});
-    printer->print(run.sheets());
+    printer->print(run);
     auto* window = opener.findChild<QDialog*>(u"宛名プレビュー"_s);
     ASSERT_NE(window, nullptr);
     auto* count = window->findChild<QLabel*>(u"枚目"_s);
@@ -96,7 +96,9 @@ TEST_F(LabelPainter, ShowsASheetAtATime) {
 
 TEST_F(LabelPainter, SaysWhenTheFileCannotBeWritten) {
     const auto printer = printing::pdfFile(directory.filePath(u"無い"_s), u"宛名"_s);
-    EXPECT_THROW(printer->print({{{25, 26.6, 10, 1, u"一"_s}}}), printing::PrintFailure);
+    printing::LabelRun run(printer->font());
+    run.printLabel({u"一"_s, {}, {}, {}});
+    EXPECT_THROW(printer->print(run), printing::PrintFailure);
 }
 
 } // namespace

@@ -77,8 +77,9 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
                 continue;
             }
             const store::tbl_danka& household = households.row();
-            const QString lacking = run.printLabel(
-                {household.tbldnk_yubin, household.tbldnk_toshug, household.tbldnk_jyusho1, household.tbldnk_jyusho2});
+            const QString lacking = run.printLabel({household.tbldnk_yubin, household.tbldnk_toshug,
+                                                    household.tbldnk_jyusho1, household.tbldnk_jyusho2})
+                                        .missing;
             if (!lacking.isEmpty())
                 missing[lbl_dnk_no] = lacking;
         }
@@ -93,7 +94,7 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
         return LabelOutcome::noLabel;
     PrintedJob job;
     try {
-        job = printer.print(run.sheets());
+        job = printer.print(run);
     } catch (const PrintFailure& failure) {
         desk.notify(failure.message, title);
         return LabelOutcome::failed;
