@@ -81,7 +81,7 @@ void fillPage(const QString& from, desk::Desk& desk) {
         .title = {}, .nothing = QStringLiteral("empty"), .columns = graves::graveColumns(), .key = graves::placeOf};
     desk::Grid grid;
     graves::GraveList list(description, {QStringLiteral("区0"), from});
-    list.fill(graves::listedGraves(), grid, desk);
+    list.fill(graves::listedGraves, grid, desk);
     if (list.rowCounter() != desk::pageRows + 1)
         throw std::runtime_error("too few rows");
 }

@@ -25,7 +25,7 @@ class FeeNotices : public RegisterFixture {
     }
     void click(int row) {
         form.frm21_tbl.clickedRow = row;
-        clickFee(form, context, desk);
+        form.click(context, desk);
     }
     QString numbers() const {
         QStringList cells;
@@ -75,15 +75,15 @@ TEST_F(FeeNotices, GoOnFromTheCurrentBillingDate) {
         rows << u"(%1, %1, '%2')"_s.arg(i).arg(QDate(2008, 3, 1).addDays(i / 2).toString(Qt::ISODate));
     add(rows.join(u','));
     showFees(form, context, desk);
-    nextFees(form, context, desk);
+    form.nextPage(desk);
     EXPECT_EQ(numbers(), u"30 31"_s);
     // Each showing starts a new list: the pages of the one before are none of its own.
     show(u"2008/3/9"_s, u"2008/3/15"_s);
     EXPECT_TRUE(numbers().startsWith(u"16 17 "_s));
-    previousFees(form, context, desk);
+    form.previousPage(desk);
     EXPECT_TRUE(numbers().startsWith(u"16 17 "_s));
     show(u"2008/2/12"_s, u"2009/2/12"_s);
-    nextFees(form, context, desk);
+    form.nextPage(desk);
     click(1);
     openFeeGrave(form, context, desk);
     EXPECT_EQ(context.hak_no, 30);
@@ -91,7 +91,7 @@ TEST_F(FeeNotices, GoOnFromTheCurrentBillingDate) {
     desk.opened.back().closed();
     EXPECT_EQ(numbers(), u"30 31 20000"_s); // the whole day again, not the first page
     EXPECT_EQ(context.hak_no + context.dnk_no1, 0);
-    previousFees(form, context, desk);
+    form.previousPage(desk);
     EXPECT_TRUE(numbers().startsWith(u"1 2 "_s));
 
     context.dnk_no1 = 2;

@@ -97,8 +97,8 @@ TEST_F(GraveList, OpensTheGraveAndReturnsToTheFirstPage) {
     graves::openGrave(form, context, desk); // nothing clicked yet
     graves::openHousehold(form, context, desk);
     form.frm21_tbl.clickedRow = 5;
-    graves::clickRow(form, context, desk);
-    graves::nextPage(form, context, desk);
+    form.click(context, desk);
+    form.nextPage(desk);
     graves::openGrave(form, context, desk); // the selection outlives the page
     ASSERT_EQ(desk.opened.size(), 1u);
     EXPECT_EQ(context.hak_no, 5);
@@ -140,7 +140,7 @@ TEST_F(Graves, MarkerPickerListsEveryNamedGraveInTheOrderOfTheNames) {
     execute(u"WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 49) INSERT INTO tbl_ohaka "
             "(tblhak_no, tblhak_bohyo_mei) SELECT i, printf('P''%d', i) FROM n"_s);
     graves::openPicker(form, context, desk);
-    graves::nextPage(form, context, desk);
+    form.nextPage(desk);
     EXPECT_TRUE(numbers(form).startsWith(u"37 38 "_s));
 }
 

@@ -69,9 +69,9 @@ TEST_F(HouseholdLists, FamilyListOpensTheMemberPickedAndStartsOverAfterwards) {
         addMember(u"子%1"_s.arg(i, 2, 10, QChar(u'0')), u"'1960-01-01'"_s);
     family::openFamilyList(living, context, desk);
     family::showMember(living, context, desk); // nothing picked: nothing happens
-    family::nextFamilyPage(living, context, desk);
+    living.nextPage(desk);
     living.frm21_tbl.clickedRow = 2;
-    family::pickMember(living, context, desk);
+    living.click(context, desk);
     family::showMember(living, context, desk);
     EXPECT_EQ(context.kzk_nameg, u"子30"_s);
     EXPECT_EQ(living.frm21_tbl.rows.size(), 2U);
@@ -122,7 +122,7 @@ TEST_F(HouseholdLists, DeathListShowsTheNextMemorialAheadAndNotHeld) {
     // The entry is published whole, with its own copy of the household's name.
     context.kak_zokunameg = context.kak_kaimyoug = context.dnk_nameg = u"他人"_s;
     dead.frm21_tbl.clickedRow = 5;
-    family::pickDeceased(dead, context, desk);
+    dead.click(context, desk);
     EXPECT_EQ(context.kak_zokunameg + context.kak_kaimyoug + context.dnk_nameg, u"旧姓釋浄光山田"_s);
     family::showMemorialsOfDeceased(dead, context, desk);
     EXPECT_EQ(desk.opened.at(0).screen, u"法要個"_s);

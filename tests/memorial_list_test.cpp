@@ -55,11 +55,11 @@ class MemorialLists : public RegisterFixture {
                     .arg(days));
     }
     // The names that a list shows, page after page to its end, those of a page's last row once; and back again.
-    template <class Form, class Rule> QString throughout(Form& form, Rule next, Rule previous, int nameColumn) {
+    QString throughout(desk::AnyList& form, int nameColumn) {
         const auto page = [&] { return column(form.frm21_tbl, nameColumn); };
         QStringList pages{page()};
         for (int turn = 0; turn < 20; ++turn) {
-            next(form, context, desk);
+            form.nextPage(desk);
             if (page() == pages.back())
                 break;
             pages << page();
@@ -67,14 +67,14 @@ class MemorialLists : public RegisterFixture {
         QStringList names = pages.join(u'|').split(u'|');
         names.removeDuplicates();
         for (qsizetype at = pages.size() - 2; at >= 0; --at) {
-            previous(form, context, desk);
+            form.previousPage(desk);
             EXPECT_EQ(page(), pages[at]);
         }
         return names.join(u'|');
     }
-    template <class Form> void click(void (*rule)(Form&, desk::ScreenContext&, desk::Desk&), Form& form, int row) {
+    void click(desk::AnyList& form, int row) {
         form.frm21_tbl.clickedRow = row;
-        rule(form, context, desk);
+        form.click(context, desk);
     }
     template <class Form>
     void show(void (*rule)(Form&, desk::ScreenContext&, desk::Desk&), Form& form, const QString& from,
@@ -118,7 +118,7 @@ TEST_F(Reservations, ListWhatIsBookedAndNotYetHeldByDayAndTime) {
     EXPECT_EQ(cells(form.frm21_tbl, 3), u"令和8年12月1日|PM 1：00|山田|7|午後|3回忌|令和9年1月10日|本堂|施主|"
                                         "寺前1丁目2-3|03-1234-5678|備考|2027/01/10"_s);
 
-    click(clickReservation, form, 2);
+    click(form, 2);
     openReservationDeceased(form, context, desk);
     EXPECT_EQ(context.dnk_nameg + context.kak_zokunameg + context.dnk_kbn, u"山田午前檀家"_s);
     execute(u"DELETE FROM tbl_hohyo WHERE tblhoy_zokunameg = '終わり'"_s);
@@ -128,21 +128,21 @@ TEST_F(Reservations, ListWhatIsBookedAndNotYetHeldByDayAndTime) {
     show(u"2030/1/1"_s, u"2030/1/2"_s); // where nothing is booked, the grid stays
     EXPECT_EQ(deceased(), u"新"_s);
     desk.expect(outOfRange, title);
-    click(clickReservation, form, 2);
+    click(form, 2);
 }
 
 TEST_F(Reservations, StartTheirPagesAnewWith表示) {
     addDaily(70, u"2027-01-01"_s, true);
     show(u"2027/1/1"_s, u"2028/1/1"_s);
-    nextReservations(form, context, desk);
+    form.nextPage(desk);
     EXPECT_TRUE(deceased().startsWith(u"030|"_s));
     show(u"2027/1/1"_s, u"2028/1/1"_s);
     EXPECT_TRUE(deceased().startsWith(u"001|"_s));
     // The range now starts amid what was the first page: its first page is this one.
     show(u"2027/1/15"_s, u"2028/1/1"_s);
-    previousReservations(form, context, desk);
+    form.previousPage(desk);
     EXPECT_TRUE(deceased().startsWith(u"015|"_s));
-    nextReservations(form, context, desk);
+    form.nextPage(desk);
     EXPECT_TRUE(deceased().startsWith(u"044|"_s));
 }
 
@@ -156,13 +156,13 @@ TEST_F(Reservations, LoseNoneOfAnHour) {
     QStringList all{u"前日"_s};
     for (int i = 1; i <= 96; ++i)
         all << u"%1"_s.arg(i, 3, 10, QChar(u'0'));
-    EXPECT_EQ(throughout(form, nextReservations, previousReservations, 4), all.join(u'|'));
+    EXPECT_EQ(throughout(form, 4), all.join(u'|'));
 
     // Within one hour the page is filled again as it was.
-    nextReservations(form, context, desk);
-    nextReservations(form, context, desk);
+    form.nextPage(desk);
+    form.nextPage(desk);
     const QString page = deceased();
-    click(clickReservation, form, 2);
+    click(form, 2);
     openReservationDeceased(form, context, desk);
     desk.opened.back().closed();
     EXPECT_EQ(deceased(), page);
@@ -208,11 +208,11 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
               u"3回忌|令和9年1月10日||令和8年10月1日|令和8年12月1日|AM 9：00|施主|本堂|備考"_s);
     for (const int row : {0, 3}) {
         desk.expect(outOfRange, title);
-        click(clickDeceasedMemorial, form, row);
+        click(form, row);
         openDeceasedMemorial(form, context, desk);
     }
     EXPECT_TRUE(desk.opened.empty());
-    click(clickDeceasedMemorial, form, 1);
+    click(form, 1);
     EXPECT_EQ(form.frm21_tbl.highlighted, 1);
     EXPECT_EQ(context.hoy_kaiki_yymd, QDate(1849, 2, 1));
     openDeceasedMemorial(form, context, desk);
@@ -235,7 +235,7 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     openDeceasedMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_kaimyog.text, u"書きかけ"_s);
     context.endHandOver();
-    click(clickDeceasedMemorial, form, 1);
+    click(form, 1);
     openDeceasedMemorial(form, context, desk);
     EXPECT_TRUE(context.kak_handedOver);
 }
@@ -260,9 +260,9 @@ TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
     EXPECT_EQ(cells(form.frm21_tbl, 1),
               u"古い|釈|3回忌|天正18年1月1日|済|天正18年1月2日|本堂|施主|||備考|1590/01/01"_s);
     EXPECT_EQ(cells(form.frm21_tbl, 2), u"001|||令和9年1月1日|予||||令和9年1月1日|AM 10：00||2027/01/01"_s);
-    nextHouseholdMemorials(form, context, desk);
+    form.nextPage(desk);
     EXPECT_EQ(column(form.frm21_tbl, 0), u"029|030|031"_s);
-    click(clickHouseholdMemorial, form, 2);
+    click(form, 2);
     context.publishHousehold(8);
     openHouseholdDeceased(form, context, desk);
     EXPECT_EQ(context.dnk_no1, 7);
@@ -363,16 +363,16 @@ TEST_F(Notices, StartEachShowingFromTheEmptyName) {
     add(u"(7, '000', '2026-12-30', NULL, '1', 0, 0, NULL, NULL)"_s);
     showNotices(form, context, desk);
     EXPECT_TRUE(deceased().endsWith(u"|029|000"_s)); // of one day in the order of the names
-    nextNotices(form, context, desk);
+    form.nextPage(desk);
     EXPECT_EQ(deceased(), u"000|030|031"_s);
     // No page stands before the first of a new showing, not even one whose names would pass some of it over.
     show(u"2026/12/30"_s, u"2027/1/1"_s);
     EXPECT_EQ(deceased(), u"000|030|031"_s);
-    previousNotices(form, context, desk);
+    form.previousPage(desk);
     EXPECT_EQ(deceased(), u"000|030|031"_s);
     desk.expect(u"法要予定はありません"_s, title);
     show(u"2030/1/1"_s, u"2030/1/2"_s);
-    previousNotices(form, context, desk); // said already
+    form.previousPage(desk); // said already
     EXPECT_EQ(deceased(), u"000|030|031"_s);
 }
 
@@ -389,7 +389,7 @@ TEST_F(Notices, LoseNoneOfADay) {
     for (int turn = 0; turn < 4; ++turn) {
         for (const QStringList& row : form.frm21_tbl.rows)
             shown << row[0] + row[2];
-        nextNotices(form, context, desk);
+        form.nextPage(desk);
         if (turn == 0) { // the first page ends within the name, the second begins with all of it
             EXPECT_EQ(form.frm21_tbl.rows.front()[0] + form.frm21_tbl.rows.front()[2], u"7020"_s);
         }

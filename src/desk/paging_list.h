@@ -56,7 +56,7 @@ template <class Row, class Key> class PagingList {
 
     PagingList(ListDescription<Row, Key> description, Key start)
         : description_(std::move(description)), start_(start), position_(std::move(start)),
-          starts_(description_.tableSlots), ends_(description_.tableSlots) {}
+          starts_(description_.tableSlots), ends_(description_.tableSlots), startNumbers_(description_.tableSlots) {}
 
     // Columns and headers, no rows, no highlight colour.
     void setUp(Grid& grid) const {
@@ -78,25 +78,29 @@ template <class Row, class Key> class PagingList {
     void clearTables() {
         starts_.assign(starts_.size(), std::nullopt);
         ends_.assign(ends_.size(), std::nullopt);
+        std::ranges::fill(startNumbers_, 0);
     }
 
     // Forgets the pages seen and fills the first one.
     bool showFirstPage(const Source& source, Grid& grid, Desk& desk) {
         clearTables();
         position_ = start_;
-        return fillFrom(position_, source, grid, desk);
+        return fillFrom(position_, 1, source, grid, desk);
     }
 
     // Fills the page that begins at the position's place; a page of one place is filled again. Returns false, with
     // everything as it was, when no record lies there; what the source throws leaves everything as it was, too. The
-    // user's selection stays unless its row is gone.
+    // user's selection stays unless its row is gone. What was known of the rows' numbers is forgotten.
     bool fill(const Source& source, Grid& grid, Desk& desk) {
-        return fillFrom(isOfOnePlace() ? description_.key(rows_.front()) : place(), source, grid, desk);
+        if (!fillFrom(isOfOnePlace() ? description_.key(rows_.front()) : place(), 0, source, grid, desk))
+            return false;
+        std::ranges::fill(startNumbers_, 0);
+        firstNumber_ = 0;
+        return true;
     }
 
     void nextPage(const Source& source, Grid& grid, Desk& desk) {
-        const bool known = std::ranges::find(ends_, Slot(position_)) != ends_.end();
-        if (!known || rowCounter_ >= pageRows)
+        if (!isAtEnd())
             turn(source, grid, desk);
     }
 
@@ -107,10 +111,62 @@ template <class Row, class Key> class PagingList {
             turn(source, grid, desk);
             return;
         }
-        const bool first = !*here || here == ends_.begin();
-        position_ = first ? start_ : starts_[static_cast<std::size_t>(here - ends_.begin() - 1)].value_or(start_);
+        const auto before = here - ends_.begin() - 1;
+        const bool first = !*here || before < 0 || !starts_[static_cast<std::size_t>(before)];
+        position_ = first ? start_ : *starts_[static_cast<std::size_t>(before)];
         // That the list has nothing was said when it was asked for.
-        fillFrom(position_, source, grid, desk, !*here && toldNothing_ ? Nothing::silent : Nothing::told);
+        fillFrom(position_, first ? 1 : startNumbers_[static_cast<std::size_t>(before)], source, grid, desk,
+                 !*here && toldNothing_ ? Nothing::silent : Nothing::told);
+    }
+
+    // The rows of the whole list from its start on, completed as those of a page are.
+    std::vector<Row> allRows(const Source& source, Desk& desk) const {
+        std::vector<Row> all;
+        eachListed(source, [&](Row row) {
+            all.push_back(std::move(row));
+            return true;
+        });
+        if (!description_.complete)
+            return all;
+        std::vector<Row> page;
+        for (auto from = all.begin(); from != all.end();) {
+            const auto to = from + std::min<std::ptrdiff_t>(pageRows, all.end() - from);
+            page.assign(std::make_move_iterator(from), std::make_move_iterator(to));
+            description_.complete(page, desk);
+            from = std::ranges::move(page, from).out;
+        }
+        return all;
+    }
+
+    QStringList cells(const Row& row) const {
+        QStringList cells;
+        for (const auto& column : description_.columns)
+            cells.push_back(column.cell(row));
+        return cells;
+    }
+
+    // How many rows the whole list has; reads each of them.
+    int count(const Source& source) const {
+        int rows = 0;
+        eachListed(source, [&](const Row&) { return ++rows > 0; });
+        return rows;
+    }
+
+    // Number of the first row shown in the whole list, from 1; 0: not known, or nothing is shown.
+    int firstNumber() const { return rows_.empty() ? 0 : firstNumber_; }
+
+    // Finds that number by reading the rows before; 0 when the row is gone.
+    void findFirstNumber(const Source& source) {
+        firstNumber_ = 0;
+        if (rows_.empty())
+            return;
+        int number = 0;
+        eachListed(source, [&](const Row& row) {
+            ++number;
+            if (description_.key(row) == description_.key(rows_.front()))
+                firstNumber_ = number;
+            return firstNumber_ == 0;
+        });
     }
 
     // Takes the click that the grid reports. In range: highlights the row, copies it as the selection and
@@ -139,6 +195,10 @@ template <class Row, class Key> class PagingList {
     // Last row highlighted, 0 = none; the grid itself loses the colour at every fill.
     int highlightedRow() const { return highlightedRow_; }
     const QString& title() const { return description_.title; }
+    const std::vector<Row>& rows() const { return rows_; } // of the page shown
+    Key key(const Row& row) const { return description_.key(row); }
+    // Whether no page follows the one shown.
+    bool isAtEnd() const { return std::ranges::find(ends_, Slot(position_)) != ends_.end() && rowCounter_ < pageRows; }
 
   private:
     using Slot = std::optional<Key>;
@@ -155,15 +215,22 @@ template <class Row, class Key> class PagingList {
 
     // Forward to the page that follows the one shown.
     void turn(const Source& source, Grid& grid, Desk& desk) {
-        fillFrom(isOfOnePlace() ? position_ : place(), source, grid, desk);
+        fillFrom(isOfOnePlace() ? position_ : place(), 0, source, grid, desk);
     }
 
-    bool fillFrom(const Key& from, const Source& source, Grid& grid, Desk& desk, Nothing nothing = Nothing::told) {
+    // Hands over the rows listed, from the key on, until refused.
+    bool eachListed(const Source& source, const Key& from, const Take& take) const {
+        return source(
+            from, [&](Row row) { return (description_.listed && !description_.listed(row)) || take(std::move(row)); });
+    }
+    bool eachListed(const Source& source, const Take& take) const { return eachListed(source, start_, take); }
+
+    // number: of the page's first row in the whole list; 0 where it follows from the page shown, or is not known.
+    bool fillFrom(const Key& from, int number, const Source& source, Grid& grid, Desk& desk,
+                  Nothing nothing = Nothing::told) {
         std::vector<Row> page;
         bool more = false;
-        const bool found = source(from, [&](Row row) {
-            if (description_.listed && !description_.listed(row))
-                return true;
+        const bool found = eachListed(source, from, [&](Row row) {
             more = page.size() == pageRows;
             if (!more)
                 page.push_back(std::move(row));
@@ -181,28 +248,39 @@ template <class Row, class Key> class PagingList {
             description_.complete(page, desk);
 
         setUp(grid);
-        for (const Row& row : page) {
-            QStringList& cells = grid.rows.emplace_back();
-            for (const auto& column : description_.columns)
-                cells.push_back(column.cell(row));
-        }
+        for (const Row& row : page)
+            grid.rows.push_back(cells(row));
         toldNothing_ = false;
+        firstNumber_ = number ? number : numberFromPageShown(page);
         rows_ = std::move(page);
         rowCounter_ = rowsShown() + (more ? 1 : 0);
         if (!rows_.empty()) {
-            record(starts_, description_.key(rows_.front()));
+            const auto slot = record(starts_, description_.key(rows_.front()));
+            if (slot < startNumbers_.size())
+                startNumbers_[slot] = firstNumber_;
             position_ = description_.key(rows_.back());
         }
         record(ends_, position_);
         return true;
     }
 
+    // A page begins with a row of the one before.
+    int numberFromPageShown(const std::vector<Row>& page) const {
+        if (page.empty() || firstNumber_ == 0)
+            return 0;
+        const auto same =
+            std::ranges::find(rows_, description_.key(page.front()), [this](const Row& row) { return key(row); });
+        return same == rows_.end() ? 0 : firstNumber_ + static_cast<int>(same - rows_.begin());
+    }
+
     bool clickInRange() const { return clickedRow_ >= 1 && clickedRow_ <= rowsShown(); }
 
-    static void record(std::vector<Slot>& table, const Key& key) {
+    // Gives the slot that holds the key now; beyond the last one when all are taken.
+    static std::size_t record(std::vector<Slot>& table, const Key& key) {
         const auto slot = std::ranges::find_if(table, [&](const Slot& s) { return !s || *s == key; });
         if (slot != table.end())
             *slot = key;
+        return static_cast<std::size_t>(slot - table.begin());
     }
 
     ListDescription<Row, Key> description_;
@@ -210,7 +288,9 @@ template <class Row, class Key> class PagingList {
     Key position_;
     std::vector<Slot> starts_;
     std::vector<Slot> ends_;
+    std::vector<int> startNumbers_; // of the rows whose keys are in starts_; 0 not known
     std::vector<Row> rows_;
+    int firstNumber_ = 0;
     std::optional<Row> selection_;
     int rowCounter_ = 0;
     int clickedRow_ = 0;

@@ -82,33 +82,29 @@ desk::ListDescription<DeathLine, Position> description() {
     };
 }
 
-auto deaths(const 過去一Form& form, const desk::ScreenContext& context) {
-    return [number = context.dnk_no1, today = form.today](const Position& position, const auto& take) {
-        return readFrom(position, number,
-                        {"tbl_kakocho.tblkak_no", "tbl_kakocho.tblkak_mei_ymd", "tbl_kakocho.tblkak_zokunameg"},
-                        &store::tbl_kakocho::tblkak_mei_ymd, &store::tbl_kakocho::tblkak_zokunameg,
-                        [&](const store::tbl_kakocho& row) {
-                            return take({row, today, {}, {}});
-                        });
-    };
-}
-
-void showFirst(過去一Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
-    form.list.showFirstPage(deaths(form, context), form.frm21_tbl, desk);
-}
-
 void openDeceased(const QString& screen, 過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const DeathLine* line = form.list.selected();
     if (!line)
         return;
     context.publishDeceased(line->death);
-    desk.open(screen, desk::Opening::modal, [&form, &context, &desk] { showFirst(form, context, desk); });
+    form.open(screen, desk);
 }
 
 } // namespace
 
-過去一Form::過去一Form() : list(description(), {QDate(values::firstYear, 1, 1), u" "_s}) {
-    list.setUp(frm21_tbl);
+過去一Form::過去一Form() : ListForm(description(), {QDate(values::firstYear, 1, 1), u" "_s}) {}
+
+bool 過去一Form::read(const Position& from, const Take& take) const {
+    return readFrom(from, household.dnk_no1,
+                    {"tbl_kakocho.tblkak_no", "tbl_kakocho.tblkak_mei_ymd", "tbl_kakocho.tblkak_zokunameg"},
+                    &store::tbl_kakocho::tblkak_mei_ymd, &store::tbl_kakocho::tblkak_zokunameg,
+                    [&](const store::tbl_kakocho& row) {
+                        return take({row, today, {}, {}});
+                    });
+}
+
+void 過去一Form::chosen(const DeathLine& line, desk::ScreenContext& context) {
+    context.publishDeceased(line.death);
 }
 
 void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -116,20 +112,7 @@ void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk
     if (context.dnk_no1 == 0)
         return;
     showHousehold(form, context, desk, form.list.title());
-    showFirst(form, context, desk);
-}
-
-void previousDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    form.list.previousPage(deaths(form, context), form.frm21_tbl, desk);
-}
-
-void nextDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    form.list.nextPage(deaths(form, context), form.frm21_tbl, desk);
-}
-
-void pickDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (const DeathLine* line = form.list.click(form.frm21_tbl, desk))
-        context.publishDeceased(line->death);
+    form.showFirstPage(desk);
 }
 
 void showMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -12,19 +12,18 @@ struct DeathLine {
     QString memorialDate; // in era form
 };
 
-struct 過去一Form : HouseholdBoxes {
-    desk::Grid frm21_tbl;
-    desk::PagingList<DeathLine, Position> list;
+struct 過去一Form : HouseholdBoxes, desk::ListForm<DeathLine, Position> {
     QDate today; // when the screen was opened; memorials on that day are past
 
     過去一Form();
+
+  protected:
+    bool read(const Position& from, const Take& take) const override;
+    void chosen(const DeathLine& line, desk::ScreenContext& context) override;
 };
 
 // Messages bear the title 過去帳一覧.
 void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 前ページ
-void nextDeathPage(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);     // 後ページ
-void pickDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);      // a click on the grid
 // Open the picked deceased and list anew when that screen has closed.
 void showMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 個別照会
 void showDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);            // 故人照会

@@ -48,6 +48,11 @@ desk::ListDescription<FamilyLine, Position> description() {
             [](Line line) {
                 return Position{line.member.tblkzk_sei_ymd, line.member.tblkzk_nameg};
             },
+        .complete =
+            [](std::vector<FamilyLine>& page, desk::Desk& desk) {
+                for (FamilyLine& line : page)
+                    line.age = desk.today().year() - line.member.tblkzk_sei_ymd.year();
+            },
         .exists =
             [](Line line) {
                 store::Database database;
@@ -59,60 +64,38 @@ desk::ListDescription<FamilyLine, Position> description() {
     };
 }
 
-auto members(const desk::ScreenContext& context, const desk::Desk& desk) {
-    return [number = context.dnk_no1, year = desk.today().year()](const Position& position, const auto& take) {
-        return readFrom(
-            position, number, {"tbl_kazoku.tblkzk_no1", "tbl_kazoku.tblkzk_sei_ymd", "tbl_kazoku.tblkzk_nameg"},
-            &store::tbl_kazoku::tblkzk_sei_ymd, &store::tbl_kazoku::tblkzk_nameg, [&](const store::tbl_kazoku& row) {
-                return take({row, year - row.tblkzk_sei_ymd.year()});
-            });
-    };
-}
-
-void showFirst(家族一Form& form, const desk::ScreenContext& context, desk::Desk& desk) {
-    form.list.showFirstPage(members(context, desk), form.frm21_tbl, desk);
-}
-
 } // namespace
 
-家族一Form::家族一Form() : list(description(), {QDate(values::firstYear, 1, 1), u""_s}) {
-    list.setUp(frm21_tbl);
+家族一Form::家族一Form() : ListForm(description(), {QDate(values::firstYear, 1, 1), u""_s}) {}
+
+bool 家族一Form::read(const Position& from, const Take& take) const {
+    return readFrom(from, household.dnk_no1,
+                    {"tbl_kazoku.tblkzk_no1", "tbl_kazoku.tblkzk_sei_ymd", "tbl_kazoku.tblkzk_nameg"},
+                    &store::tbl_kazoku::tblkzk_sei_ymd, &store::tbl_kazoku::tblkzk_nameg,
+                    [&](const store::tbl_kazoku& row) { return take({row}); });
 }
 
 void openFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (context.dnk_no1 == 0)
         return;
     showHousehold(form, context, desk, form.list.title());
-    showFirst(form, context, desk);
-}
-
-void previousFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    form.list.previousPage(members(context, desk), form.frm21_tbl, desk);
-}
-
-void nextFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    form.list.nextPage(members(context, desk), form.frm21_tbl, desk);
-}
-
-void pickMember(家族一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.click(form.frm21_tbl, desk);
+    form.showFirstPage(desk);
 }
 
 void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const FamilyLine* line = form.list.selected();
     if (!line)
         return;
-    const auto listAnew = [&form, &context, &desk] { showFirst(form, context, desk); };
     // The line's own key: its copy of the household's name may be older than the household.
     const store::tbl_kazoku& member = line->member;
     if (line->living()) {
         context.dnk_nameg = member.tblkzk_dnknameg;
         context.dnk_namek = member.tblkzk_dnknamek;
         context.kzk_nameg = member.tblkzk_nameg;
-        desk.open(u"家族登"_s, desk::Opening::modal, listAnew);
+        form.open(u"家族登"_s, desk);
     } else {
         context.nameDeceased(member.tblkzk_dnknameg, member.tblkzk_nameg);
-        desk.open(u"過去登"_s, desk::Opening::modal, listAnew);
+        form.open(u"過去登"_s, desk);
     }
 }
 

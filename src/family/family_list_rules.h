@@ -13,18 +13,15 @@ struct FamilyLine {
     bool living() const { return store::isLiving(member); }
 };
 
-struct 家族一Form : HouseholdBoxes {
-    desk::Grid frm21_tbl;
-    desk::PagingList<FamilyLine, Position> list;
-
+struct 家族一Form : HouseholdBoxes, desk::ListForm<FamilyLine, Position> {
     家族一Form();
+
+  protected:
+    bool read(const Position& from, const Take& take) const override;
 };
 
 // Messages bear the title 家族一覧.
 void openFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 前ページ
-void nextFamilyPage(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);     // 後ページ
-void pickMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);         // a click on the grid
 // 個別照会: opens the picked member, the living in 家族登, the deceased in 過去登, and lists anew when that has closed.
 void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 

@@ -2,7 +2,7 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
-#include "desk/paging_list.h"
+#include "desk/list_form.h"
 #include "desk/screen_context.h"
 #include "store/table.h"
 
@@ -24,7 +24,7 @@ struct HouseholdBoxes {
     desk::Text frm12_chiku;
     desk::Text frm12_bikou;
 
-    // The household whose list this is.
+    // The household whose list this is; number 0 where none was chosen.
     desk::HouseholdBlock household;
 };
 

@@ -2,7 +2,7 @@
 
 #include "family/death_list_rules.h"
 #include "family/family_list_rules.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -44,19 +44,13 @@ std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<家族一Form>>(workplace, u"家族一"_s, u"家族一覧"_s, u"家族一覧"_s,
                                                                ui::Keeps{.household = true});
     auto& form = screen->form();
-    const ui::Operation next = screen->run(nextFamilyPage);
-    const ui::Operation previous = screen->run(previousFamilyPage);
     const ui::Operation open = screen->run(showMember);
     ui::Layout layout(*screen);
     addHousehold(layout, form);
-    layout.frame().row().grid(
-        HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen->run(pickMember), .opened = open, .nextPage = next, .previousPage = previous}, 14);
-    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open)
-        .gap()
-        .action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+    ui::addList(layout, *screen, form, open);
+    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).gap();
+    ui::addListButtons(layout, *screen, form);
+    layout.closing();
     screen->onOpen(screen->run(openFamilyList));
     showsHousehold(*screen, screen->run(openFamilyList));
     return screen;
@@ -66,20 +60,15 @@ std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<過去一Form>>(workplace, u"過去一"_s, u"過去帳一覧"_s, u"過去帳一覧"_s,
                                                                ui::Keeps{.household = true, .deceased = true});
     auto& form = screen->form();
-    const ui::Operation next = screen->run(nextDeathPage);
-    const ui::Operation previous = screen->run(previousDeathPage);
     const ui::Operation open = screen->run(showMemorialsOfDeceased);
     ui::Layout layout(*screen);
     addHousehold(layout, form);
-    layout.frame().row().grid(
-        HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen->run(pickDeceased), .opened = open, .nextPage = next, .previousPage = previous}, 14);
+    ui::addList(layout, *screen, form, open);
     layout.mainAction(u"個別照会"_s, u"個別法要"_s, open)
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(showDeceased))
-        .gap()
-        .action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+        .gap();
+    ui::addListButtons(layout, *screen, form);
+    layout.closing();
     screen->onOpen(screen->run(openDeathList));
     showsHousehold(*screen, screen->run(openDeathList));
     return screen;

@@ -16,24 +16,6 @@ using printing::LabelMode;
 
 const QString title = u"お墓管理費通知"_s;
 
-auto gravesOf(const お墓通Form& form) {
-    return [from = form.from, to = form.to](const BillingKey& key, const auto& take) {
-        store::Database database;
-        store::Selection<store::tbl_ohaka> graves(
-            database,
-            "WHERE tbl_ohaka.tblhak_kanri_nxymd >= ? and tbl_ohaka.tblhak_kanri_nxymd <= ? "
-            "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC;",
-            std::max(from, key.billing), to);
-        bool found = false;
-        while (graves.next()) {
-            found = found || graves.row().tblhak_no >= key.grave;
-            if (found && !take({graves.row()}))
-                break;
-        }
-        return found;
-    };
-}
-
 // The columns of the list of graves under this screen's headers.
 std::vector<desk::ListColumn<ListedGrave>> columns() {
     auto columns = graveColumns();
@@ -43,33 +25,53 @@ std::vector<desk::ListColumn<ListedGrave>> columns() {
     return columns;
 }
 
-void goOn(お墓通Form& form, desk::Desk& desk) {
-    form.list.clearTables();
-    form.list.setPosition({form.list.position().billing, 0});
-    form.list.fill(gravesOf(form), form.frm21_tbl, desk);
-}
-
 } // namespace
 
 お墓通Form::お墓通Form()
-    : list({.title = title,
-            .nothing = u"管理費通知予定はありません。"_s,
-            .columns = columns(),
-            .key =
-                [](const ListedGrave& grave) {
-                    return BillingKey{grave.tblhak_kanri_nxymd, grave.tblhak_no};
-                },
-            .complete = fillEraTexts,
-            .exists = graveExists,
-            .outOfRange = u"有功範囲外を指定しています。選択し直して下さい"_s},
-           {}) {}
+    : ListForm({.title = title,
+                .nothing = u"管理費通知予定はありません。"_s,
+                .columns = columns(),
+                .key =
+                    [](const ListedGrave& grave) {
+                        return BillingKey{grave.tblhak_kanri_nxymd, grave.tblhak_no};
+                    },
+                .complete = fillEraTexts,
+                .exists = graveExists,
+                .outOfRange = u"有功範囲外を指定しています。選択し直して下さい"_s},
+               {}) {}
+
+bool お墓通Form::read(const BillingKey& key, const Take& take) const {
+    store::Database database;
+    store::Selection<store::tbl_ohaka> graves(
+        database,
+        "WHERE tbl_ohaka.tblhak_kanri_nxymd >= ? and tbl_ohaka.tblhak_kanri_nxymd <= ? "
+        "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC;",
+        std::max(from, key.billing), to);
+    bool found = false;
+    while (graves.next()) {
+        found = found || graves.row().tblhak_no >= key.grave;
+        if (found && !take({graves.row()}))
+            break;
+    }
+    return found;
+}
+
+int お墓通Form::total() const {
+    store::Database database;
+    return store::countRows<store::tbl_ohaka>(database, "WHERE tblhak_kanri_nxymd BETWEEN ? AND ?", from, to);
+}
+
+void お墓通Form::goOn(desk::Desk& desk) {
+    list.clearTables();
+    list.setPosition({list.position().billing, 0});
+    refill(desk);
+}
 
 void openFeeNotices(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = desk.today();
     form.to = form.from.addYears(1);
     form.frm21_from.text = values::dateText(form.from);
     form.frm21_to.text = values::dateText(form.to);
-    form.list.setUp(form.frm21_tbl);
 }
 
 void leaveFeesFrom(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -92,19 +94,7 @@ void showFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = *from;
     form.to = *to;
     form.list.setStart({form.from, 0});
-    form.list.showFirstPage(gravesOf(form), form.frm21_tbl, desk);
-}
-
-void nextFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(gravesOf(form), form.frm21_tbl, desk);
-}
-
-void previousFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(gravesOf(form), form.frm21_tbl, desk);
-}
-
-void clickFee(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.click(form.frm21_tbl, desk);
+    form.showFirstPage(desk);
 }
 
 void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -114,7 +104,7 @@ void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk&
     context.publishHousehold(desk::HouseholdBlock::numbered(grave->tblhak_dnk_no));
     context.hak_no = grave->tblhak_no;
     desk.open(u"お墓登"_s, desk::Opening::modal, [&form, &context, &desk] {
-        goOn(form, desk);
+        form.goOn(desk);
         context.G初期値();
     });
 }
@@ -124,7 +114,7 @@ void openFeeHousehold(お墓通Form& form, desk::ScreenContext& context, desk::D
     if (!grave)
         return;
     context.publishHousehold(desk::HouseholdBlock::numbered(grave->tblhak_dnk_no));
-    desk.open(u"檀家登"_s, desk::Opening::modal, [&form, &desk] { goOn(form, desk); });
+    form.open(u"檀家登"_s, desk);
 }
 
 void printFeeLabels(const お墓通Form& form, printing::LabelPrinter& printer, desk::Desk& desk) {

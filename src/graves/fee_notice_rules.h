@@ -14,15 +14,18 @@ struct BillingKey {
     bool operator==(const BillingKey&) const = default;
 };
 
-struct お墓通Form {
+struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
     desk::Text frm21_from;
     desk::Text frm21_to;
-    desk::Grid frm21_tbl;
     QDate from; // of the opening or of the last 表示 that passed its checks
     QDate to;
-    desk::PagingList<ListedGrave, BillingKey> list;
 
     お墓通Form();
+    void goOn(desk::Desk& desk) override;
+
+  protected:
+    bool read(const BillingKey& key, const Take& take) const override;
+    int total() const override;
 };
 
 // The operations of the management-fee notices: graves by next billing date. Messages bear the title "お墓管理費通知".
@@ -30,9 +33,6 @@ void openFeeNotices(お墓通Form& form, desk::ScreenContext& context, desk::Des
 void leaveFeesFrom(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveFeesTo(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void showFees(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 表示
-void nextFees(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousFees(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickFee(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // お墓照会: opens お墓登 modal; afterwards the list goes on from its current billing date and the record is cleared.
 void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 檀家照会: opens 檀家登 modal; afterwards the list goes on from its current billing date.

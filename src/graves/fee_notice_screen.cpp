@@ -1,7 +1,7 @@
 #include "graves/fee_notice_rules.h"
 #include "graves/grave_screens.h"
 #include "printing/label_painter.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -12,8 +12,6 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         std::make_unique<ui::FormScreen<お墓通Form>>(workplace, u"お墓通"_s, u"管理費通知"_s, u"お墓管理費通知"_s);
     auto* raw = screen.get();
     auto& form = screen->form();
-    const ui::Operation next = screen->run(nextFees);
-    const ui::Operation previous = screen->run(previousFees);
     const ui::Operation open = screen->run(openFeeGrave);
     ui::Layout layout(*screen);
     layout.frame()
@@ -24,13 +22,10 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm21_to), 10)
         .onLeave(screen->run(leaveFeesTo));
     layout.last()->setAccessibleName(u"検索終了日"_s);
-    layout.frame().row().grid(
-        HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen->run(clickFee), .opened = open, .nextPage = next, .previousPage = previous});
-    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showFees))
-        .action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
-        .gap()
+    ui::addList(layout, *screen, form, open);
+    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showFees));
+    ui::addListButtons(layout, *screen, form);
+    layout.gap()
         .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
                 [raw] { previewFeeLabels(raw->form(), *printing::preview(raw), raw->desk()); })
         .action(

@@ -18,11 +18,6 @@ QString feeText(const std::optional<std::int32_t>& fee) {
     return fee ? values::moneyText(*fee) : QString();
 }
 
-void openAndReturn(const QString& screen, お墓一Form& form, desk::Desk& desk) {
-    desk.open(screen, desk::Opening::modal,
-              [&form, &desk] { form.list.showFirstPage(listedGraves(), form.frm21_tbl, desk); });
-}
-
 } // namespace
 
 void CMB区画(store::Database& database, desk::Combo& list) {
@@ -54,10 +49,8 @@ bool walkSection(const PlaceKey& from, const std::function<bool(const store::tbl
     return found;
 }
 
-GraveList::Source listedGraves() {
-    return [](const PlaceKey& from, const GraveList::Take& take) {
-        return walkSection(from, [&](const store::tbl_ohaka& grave) { return take(ListedGrave{grave, {}, {}, {}}); });
-    };
+bool listedGraves(const PlaceKey& from, const GraveList::Take& take) {
+    return walkSection(from, [&](const store::tbl_ohaka& grave) { return take(ListedGrave{grave, {}, {}, {}}); });
 }
 
 std::optional<PlaceKey> sectionChosen(const desk::Combo& block, const QString& title, desk::Desk& desk) {
@@ -106,14 +99,22 @@ bool graveExists(const store::tbl_ohaka& grave) {
 }
 
 お墓一Form::お墓一Form()
-    : list({.title = title,
-            .nothing = u"照会の区画にお墓はありません。登録内容を確認して下さい"_s,
-            .columns = graveColumns(),
-            .key = placeOf,
-            .complete = fillEraTexts,
-            .exists = graveExists},
-           {}) {
-    list.setUp(frm21_tbl);
+    : ListForm({.title = title,
+                .nothing = u"照会の区画にお墓はありません。登録内容を確認して下さい"_s,
+                .columns = graveColumns(),
+                .key = placeOf,
+                .complete = fillEraTexts,
+                .exists = graveExists},
+               {}) {}
+
+bool お墓一Form::read(const PlaceKey& from, const Take& take) const {
+    return listedGraves(from, take);
+}
+
+int お墓一Form::total() const {
+    store::Database database;
+    return store::countRows<store::tbl_ohaka>(database, "WHERE tblhak_banchi1 = ? AND tblhak_banchi2 >= ''",
+                                              list.start().section);
 }
 
 void openGraveList(お墓一Form& form, desk::ScreenContext&, desk::Desk&) {
@@ -126,19 +127,7 @@ void chooseSection(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) 
     if (!section)
         return;
     form.list.setStart(*section);
-    form.list.showFirstPage(listedGraves(), form.frm21_tbl, desk);
-}
-
-void nextPage(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(listedGraves(), form.frm21_tbl, desk);
-}
-
-void previousPage(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(listedGraves(), form.frm21_tbl, desk);
-}
-
-void clickRow(お墓一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.click(form.frm21_tbl, desk);
+    form.showFirstPage(desk);
 }
 
 void openGrave(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -148,7 +137,7 @@ void openGrave(お墓一Form& form, desk::ScreenContext& context, desk::Desk& de
     context.G初期値();
     context.publishHousehold(grave->tblhak_dnk_no);
     context.hak_no = grave->tblhak_no;
-    openAndReturn(grave->tblhak_dnk_no < 1 ? u"お墓新"_s : u"お墓登"_s, form, desk);
+    form.open(grave->tblhak_dnk_no < 1 ? u"お墓新"_s : u"お墓登"_s, desk);
 }
 
 void openHousehold(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -161,7 +150,7 @@ void openHousehold(お墓一Form& form, desk::ScreenContext& context, desk::Desk
     }
     context.G初期値();
     context.publishHousehold(grave->tblhak_dnk_no);
-    openAndReturn(u"檀家登"_s, form, desk);
+    form.open(u"檀家登"_s, desk);
 }
 
 } // namespace graves

@@ -2,7 +2,7 @@
 
 #include "desk/desk.h"
 #include "desk/form.h"
-#include "desk/paging_list.h"
+#include "desk/list_form.h"
 #include "desk/screen_context.h"
 #include "store/database.h"
 #include "store/schema.h"
@@ -46,23 +46,22 @@ bool graveExists(const store::tbl_ohaka& grave);
 using GraveList = desk::PagingList<ListedGrave, PlaceKey>;
 
 // The graves of the position's section, as walkSection gives them.
-GraveList::Source listedGraves();
+bool listedGraves(const PlaceKey& from, const GraveList::Take& take);
 
-struct お墓一Form {
+struct お墓一Form : desk::ListForm<ListedGrave, PlaceKey> {
     desk::Combo frm21_block;
-    desk::Grid frm21_tbl;
-    GraveList list;
 
     お墓一Form();
+
+  protected:
+    bool read(const PlaceKey& from, const Take& take) const override;
+    int total() const override;
 };
 
 // The operations of the list of graves by section. Messages bear the title "お墓一覧".
 void openGraveList(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // A section has been chosen in frm21_block.
 void chooseSection(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void nextPage(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousPage(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickRow(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // お墓: opens the highlighted grave, one without household in お墓新. The list returns to its first page afterwards.
 void openGrave(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 檀家: opens the household of the highlighted grave; the same afterwards.

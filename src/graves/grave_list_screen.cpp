@@ -1,7 +1,7 @@
 #include "graves/grave_screens.h"
 
 #include "graves/grave_list_rules.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -10,22 +10,17 @@ namespace graves {
 std::unique_ptr<ui::Screen> お墓一(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<お墓一Form>>(workplace, u"お墓一"_s, u"お墓一覧"_s, u"お墓一覧"_s);
     auto& form = screen->form();
-    const ui::Operation next = screen->run(nextPage);
-    const ui::Operation previous = screen->run(previousPage);
     const ui::Operation open = screen->run(openGrave);
     ui::Layout layout(*screen);
     layout.frame()
         .row(u"お墓の位置(区画）"_s, u"Label1"_s)
         .combo(HOSHIREN_CONTROL(form, frm21_block), 10, screen->run(chooseSection));
-    layout.frame().row().grid(
-        HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen->run(clickRow), .opened = open, .nextPage = next, .previousPage = previous});
+    ui::addList(layout, *screen, form, open);
     layout.mainAction(u"お墓"_s, u"お墓情報"_s, open)
         .action(u"檀家"_s, u"檀家情報"_s, screen->run(openHousehold))
-        .gap()
-        .action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+        .gap();
+    ui::addListButtons(layout, *screen, form);
+    layout.closing();
     screen->onOpen(screen->run(openGraveList));
     return screen;
 }

@@ -30,44 +30,35 @@ std::vector<desk::ListColumn<store::tbl_ohaka>> pickerColumns(const std::array<A
     };
 }
 
-// The marker names that sort behind a double quotation mark, which leaves out the empty ones.
-bool walkMarkers(const QString& from, const std::function<bool(store::tbl_ohaka)>& take) {
-    store::Database database;
-    const bool atStart = from.isEmpty();
-    store::Selection<store::tbl_ohaka> graves(database,
-                                              std::string("WHERE tbl_ohaka.tblhak_bohyo_mei ") +
-                                                  (atStart ? ">" : ">=") +
-                                                  " ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC;",
-                                              atStart ? u"\""_s : from);
-    bool found = false;
-    while (graves.next()) {
-        found = true;
-        if (!take(graves.row()))
-            break;
-    }
-    return found;
-}
-
-template <class Form> void pick(Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (const store::tbl_ohaka* grave = form.list.click(form.frm21_tbl, desk))
-        context.hak_himo_no = grave->tblhak_no;
-}
+// The marker names that are listed sort behind it, which leaves out the empty ones.
+const QString beforeMarkers = u"\""_s;
 
 } // namespace
 
 紐区画Form::紐区画Form()
-    : list({.title = sectionTitle,
-            .nothing = nothingFound,
-            .columns = pickerColumns(
-                {Align::right, Align::left, Align::left, Align::right, Align::left, Align::left, Align::left}),
-            .key = placeOf,
-            .listed =
-                [](const store::tbl_ohaka& grave) {
-                    return grave.tblhak_bohyo_kbn == store::codes::vacantGrave ||
-                           grave.tblhak_dnk_no == store::codes::noHousehold;
-                }},
-           {}) {
-    list.setUp(frm21_tbl);
+    : PickerList({.title = sectionTitle,
+                  .nothing = nothingFound,
+                  .columns = pickerColumns(
+                      {Align::right, Align::left, Align::left, Align::right, Align::left, Align::left, Align::left}),
+                  .key = placeOf,
+                  .listed =
+                      [](const store::tbl_ohaka& grave) {
+                          return grave.tblhak_bohyo_kbn == store::codes::vacantGrave ||
+                                 grave.tblhak_dnk_no == store::codes::noHousehold;
+                      }},
+                 {}) {}
+
+bool 紐区画Form::read(const PlaceKey& from, const Take& take) const {
+    return walkSection(from, take);
+}
+
+int 紐区画Form::total() const {
+    store::Database database;
+    return store::countRows<store::tbl_ohaka>(database,
+                                              "WHERE tblhak_banchi1 = ? AND tblhak_banchi2 >= '' "
+                                              "AND (tblhak_bohyo_kbn = ? OR tblhak_dnk_no = ?)",
+                                              list.start().section, store::codes::vacantGrave,
+                                              store::codes::noHousehold);
 }
 
 void openPicker(紐区画Form& form, desk::ScreenContext&, desk::Desk&) {
@@ -80,45 +71,41 @@ void chooseSection(紐区画Form& form, desk::ScreenContext&, desk::Desk& desk) 
     if (!section)
         return;
     form.list.setStart(*section);
-    form.list.showFirstPage(walkSection, form.frm21_tbl, desk);
-}
-
-void nextPage(紐区画Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(walkSection, form.frm21_tbl, desk);
-}
-
-void previousPage(紐区画Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(walkSection, form.frm21_tbl, desk);
-}
-
-void clickRow(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    pick(form, context, desk);
+    form.showFirstPage(desk);
 }
 
 紐墓標Form::紐墓標Form()
-    : list({.title = markerTitle,
-            .nothing = nothingFound,
-            .columns = pickerColumns(
-                {Align::right, Align::left, Align::left, Align::right, Align::left, Align::center, Align::left}),
-            .key = [](const store::tbl_ohaka& grave) { return grave.tblhak_bohyo_mei; }},
-           {}) {
-    list.setUp(frm21_tbl);
+    : PickerList({.title = markerTitle,
+                  .nothing = nothingFound,
+                  .columns = pickerColumns(
+                      {Align::right, Align::left, Align::left, Align::right, Align::left, Align::center, Align::left}),
+                  .key = [](const store::tbl_ohaka& grave) { return grave.tblhak_bohyo_mei; }},
+                 {}) {}
+
+bool 紐墓標Form::read(const QString& from, const Take& take) const {
+    const bool atStart = from.isEmpty();
+    store::Database database;
+    store::Selection<store::tbl_ohaka> graves(database,
+                                              std::string("WHERE tbl_ohaka.tblhak_bohyo_mei ") +
+                                                  (atStart ? ">" : ">=") +
+                                                  " ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC;",
+                                              atStart ? beforeMarkers : from);
+    bool found = false;
+    while (graves.next()) {
+        found = true;
+        if (!take(graves.row()))
+            break;
+    }
+    return found;
+}
+
+int 紐墓標Form::total() const {
+    store::Database database;
+    return store::countRows<store::tbl_ohaka>(database, "WHERE tblhak_bohyo_mei > ?", beforeMarkers);
 }
 
 void openPicker(紐墓標Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.showFirstPage(walkMarkers, form.frm21_tbl, desk);
-}
-
-void nextPage(紐墓標Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(walkMarkers, form.frm21_tbl, desk);
-}
-
-void previousPage(紐墓標Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(walkMarkers, form.frm21_tbl, desk);
-}
-
-void clickRow(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    pick(form, context, desk);
+    form.showFirstPage(desk);
 }
 
 void takeGrave(PickerForm& form, desk::Desk& desk) {

@@ -9,33 +9,41 @@ struct PickerForm {
     bool taken = false; // closed with 紐付け
 };
 
-struct 紐区画Form : PickerForm {
-    desk::Combo frm21_block;
-    desk::Grid frm21_tbl;
-    desk::PagingList<store::tbl_ohaka, PlaceKey> list;
+// A click hands the grave back.
+template <class Key> struct PickerList : PickerForm, desk::ListForm<store::tbl_ohaka, Key> {
+    using desk::ListForm<store::tbl_ohaka, Key>::ListForm;
 
-    紐区画Form();
+  protected:
+    void chosen(const store::tbl_ohaka& grave, desk::ScreenContext& context) override {
+        context.hak_himo_no = grave.tblhak_no;
+    }
 };
 
-struct 紐墓標Form : PickerForm {
-    desk::Grid frm21_tbl;
-    desk::PagingList<store::tbl_ohaka, QString> list; // position: marker name
+struct 紐区画Form : PickerList<PlaceKey> {
+    desk::Combo frm21_block;
 
+    紐区画Form();
+
+  protected:
+    bool read(const PlaceKey& from, const Take& take) const override;
+    int total() const override;
+};
+
+// Position: the marker name.
+struct 紐墓標Form : PickerList<QString> {
     紐墓標Form();
+
+  protected:
+    bool read(const QString& from, const Take& take) const override;
+    int total() const override;
 };
 
 // The free graves of one section; messages bear the title "お墓紐付･区画".
 void openPicker(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void chooseSection(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void nextPage(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousPage(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickRow(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // Every grave with a marker name, in the order of the names; messages bear the title "お墓紐付･墓標".
 void openPicker(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void nextPage(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousPage(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickRow(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // 紐付け: closes the picker and hands back the grave last clicked.
 void takeGrave(PickerForm& form, desk::Desk& desk);

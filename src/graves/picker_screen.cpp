@@ -1,7 +1,7 @@
 #include "graves/grave_screens.h"
 
 #include "graves/picker_rules.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,17 +23,11 @@ template <class Form> class PickerScreen : public ui::FormScreen<Form> {
 
 template <class Form> void addPage(ui::Layout& layout, PickerScreen<Form>& screen) {
     auto& form = screen.form();
-    const ui::Operation next = screen.run(nextPage);
-    const ui::Operation previous = screen.run(previousPage);
     const ui::Operation take = [&screen] { takeGrave(screen.form(), screen.desk()); };
-    layout.frame().row().grid(
-        HOSHIREN_CONTROL(form, frm21_tbl),
-        {.clicked = screen.run(clickRow), .opened = take, .nextPage = next, .previousPage = previous});
-    layout.mainAction(u"紐付け"_s, u"紐付け"_s, take)
-        .gap()
-        .action(u"前ページ"_s, u"前ページ"_s, previous)
-        .action(u"後ページ"_s, u"後ページ"_s, next)
-        .closing();
+    ui::addList(layout, screen, form, take);
+    layout.mainAction(u"紐付け"_s, u"紐付け"_s, take).gap();
+    ui::addListButtons(layout, screen, form);
+    layout.closing();
     screen.onOpen(screen.run(openPicker));
 }
 

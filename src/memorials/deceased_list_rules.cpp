@@ -56,6 +56,7 @@ void fill(store::Database& database, 法要個Form& form, desk::ScreenContext& c
             cells << column.cell(row);
         form.scheduled.push_back(row.tblhoy_kaiki_yymd);
     }
+    form.count();
     if (form.selected.isValid() && std::ranges::find(form.scheduled, form.selected) == form.scheduled.end()) {
         form.selected = {};
         static_cast<desk::MemorialBlock&>(context) = {};
@@ -99,15 +100,15 @@ std::optional<desk::AskedRecord> askedDeceased(const desk::ScreenContext& contex
                              QString::number(context.dnk_no1) + u' ' + context.kak_zokunameg};
 }
 
-void clickDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    const int row = form.frm21_tbl.clickedRow;
-    form.selected = {};
-    if (row < 1 || row > static_cast<int>(form.scheduled.size())) {
+void 法要個Form::click(desk::ScreenContext& context, desk::Desk& desk) {
+    const int row = frm21_tbl.clickedRow;
+    selected = {};
+    if (row < 1 || row > static_cast<int>(scheduled.size())) {
         desk.notify(u"有功範囲外を指定しています。やり直して下さい"_s, title);
         return;
     }
-    form.frm21_tbl.highlighted = row;
-    form.selected = context.hoy_kaiki_yymd = form.scheduled[static_cast<std::size_t>(row - 1)];
+    frm21_tbl.highlighted = row;
+    selected = context.hoy_kaiki_yymd = scheduled[static_cast<std::size_t>(row - 1)];
 }
 
 void openDeceasedMemorial(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {

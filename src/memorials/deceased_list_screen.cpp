@@ -1,6 +1,6 @@
 #include "memorials/deceased_list_rules.h"
 #include "memorials/memorial_screens.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,8 +32,7 @@ std::unique_ptr<ui::Screen> 法要個(ui::Workplace& workplace) {
         .row(u"備考"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
     const ui::Operation open = screen->run(openDeceasedMemorial);
-    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl),
-                              {.clicked = screen->run(clickDeceasedMemorial), .opened = open}, 16);
+    ui::addList(layout, *screen, form, open);
     layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing();
     screen->onOpen(screen->run(openDeceasedMemorials));
     screen->shows({.asked = askedDeceased, .load = screen->run(openDeceasedMemorials)});

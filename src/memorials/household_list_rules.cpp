@@ -13,24 +13,6 @@ namespace {
 const QString title = u"檀家法要一覧"_s;
 constexpr std::size_t pagesRemembered = 50;
 
-auto memorialsOf(std::int16_t household) {
-    return [household](QDate from, const auto& take) {
-        store::Database database;
-        store::Selection<store::tbl_hohyo> rows(database,
-                                                "INDEXED BY idxhoy_hohyo WHERE tbl_hohyo.tblhoy_no = ? And "
-                                                "tbl_hohyo.tblhoy_kaiki_yymd >= ? "
-                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC;",
-                                                household, from);
-        bool found = false;
-        while (rows.next()) {
-            found = true;
-            if (!take({rows.row()}))
-                break;
-        }
-        return found;
-    };
-}
-
 std::vector<MemorialColumn> columns() {
     return {
         {u"俗名"_s, 1400, [](ListedRow row) { return row.tblhoy_zokunameg; }},
@@ -75,14 +57,30 @@ bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
 } // namespace
 
 法要檀Form::法要檀Form()
-    : list({.title = title,
-            .nothing = u"照会の檀家に法要はありません。登録内容を確認して下さい"_s,
-            .columns = columns(),
-            .key = [](ListedRow row) { return row.tblhoy_kaiki_yymd; },
-            .complete = complete,
-            .exists = [](ListedRow row) { return memorialExists(row); },
-            .tableSlots = pagesRemembered},
-           QDate(values::firstYear, 1, 1)) {}
+    : ListForm({.title = title,
+                .nothing = u"照会の檀家に法要はありません。登録内容を確認して下さい"_s,
+                .columns = columns(),
+                .key = [](ListedRow row) { return row.tblhoy_kaiki_yymd; },
+                .complete = complete,
+                .exists = [](ListedRow row) { return memorialExists(row); },
+                .tableSlots = pagesRemembered},
+               QDate(values::firstYear, 1, 1)) {}
+
+bool 法要檀Form::read(const QDate& from, const Take& take) const {
+    store::Database database;
+    store::Selection<store::tbl_hohyo> rows(database,
+                                            "INDEXED BY idxhoy_hohyo WHERE tbl_hohyo.tblhoy_no = ? And "
+                                            "tbl_hohyo.tblhoy_kaiki_yymd >= ? "
+                                            "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC;",
+                                            household.dnk_no1, from);
+    bool found = false;
+    while (rows.next()) {
+        found = true;
+        if (!take({rows.row()}))
+            break;
+    }
+    return found;
+}
 
 void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.household = context;
@@ -103,7 +101,7 @@ void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, d
     form.frm21_chiku.text = form.household.dnk_chiku;
     form.frm21_bikou.text = form.household.dnk_bikou;
     form.list.setUp(form.frm21_tbl);
-    form.list.showFirstPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk);
+    form.showFirstPage(desk);
 }
 
 std::optional<desk::AskedRecord> askedMemorials(const desk::ScreenContext& context) {
@@ -116,23 +114,9 @@ void publishShown(const 法要檀Form& form, desk::ScreenContext& context) {
     context.publishHousehold(form.household);
 }
 
-void nextHouseholdMemorials(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk);
-}
-
-void previousHouseholdMemorials(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk);
-}
-
-void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.click(form.frm21_tbl, desk);
-}
-
 void openHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (!publishSelected(form, context))
-        return;
-    desk.open(u"法要明"_s, desk::Opening::modal,
-              [&form, &desk] { form.list.showFirstPage(memorialsOf(form.household.dnk_no1), form.frm21_tbl, desk); });
+    if (publishSelected(form, context))
+        form.open(u"法要明"_s, desk);
 }
 
 void openHouseholdDeceased(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -7,18 +7,19 @@
 
 namespace memorials {
 
-struct 法要檀Form {
+struct 法要檀Form : desk::ListForm<ListedMemorial, QDate> { // by scheduled date
     desk::Text frm21_dankag;
     desk::Text frm21_toshug;
     desk::Text frm21_toshuk;
     desk::Text frm21_jyusho1;
     desk::Text frm21_chiku;
     desk::Text frm21_bikou;
-    desk::Grid frm21_tbl;
-    desk::HouseholdBlock household;               // whose memorials these are
-    desk::PagingList<ListedMemorial, QDate> list; // by scheduled date
+    desk::HouseholdBlock household; // whose memorials these are
 
     法要檀Form();
+
+  protected:
+    bool read(const QDate& from, const Take& take) const override;
 };
 
 // The operations of the list of a household's memorials, whatever their state. Messages bear the title "檀家法要一覧".
@@ -28,9 +29,6 @@ void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, d
 std::optional<desk::AskedRecord> askedMemorials(const desk::ScreenContext& context);
 // Publishes the household listed.
 void publishShown(const 法要檀Form& form, desk::ScreenContext& context);
-void nextHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 個別照会: opens 法要明 modal; the list returns to its first page afterwards.
 void openHouseholdMemorial(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 故人照会: opens 過去登.

@@ -1,6 +1,6 @@
 #include "memorials/household_list_rules.h"
 #include "memorials/memorial_screens.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -26,17 +26,10 @@ std::unique_ptr<ui::Screen> 法要檀(ui::Workplace& workplace) {
     layout.last()->setAccessibleName(u"地区"_s);
     layout.row(u"備考"_s).shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
     const ui::Operation open = screen->run(openHouseholdMemorial);
-    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl),
-                              {.clicked = screen->run(clickHouseholdMemorial),
-                               .opened = open,
-                               .nextPage = screen->run(nextHouseholdMemorials),
-                               .previousPage = screen->run(previousHouseholdMemorials)});
-    layout.mainAction(u"個別照会"_s, u"法要詳細"_s, open)
-        .action(u"前ページ"_s, u"前ページ"_s, screen->run(previousHouseholdMemorials))
-        .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextHouseholdMemorials))
-        .gap()
-        .action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased))
-        .closing();
+    ui::addList(layout, *screen, form, open);
+    layout.mainAction(u"個別照会"_s, u"法要詳細"_s, open);
+    ui::addListButtons(layout, *screen, form);
+    layout.gap().action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased)).closing();
     screen->onOpen(screen->run(openHouseholdMemorials));
     auto* raw = screen.get();
     screen->shows({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },

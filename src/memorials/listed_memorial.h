@@ -3,7 +3,7 @@
 #include "calendar/eras.h"
 #include "desk/desk.h"
 #include "desk/form.h"
-#include "desk/paging_list.h"
+#include "desk/list_form.h"
 #include "desk/screen_context.h"
 #include "store/database.h"
 #include "store/schema.h"

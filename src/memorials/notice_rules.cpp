@@ -23,49 +23,6 @@ const QString noMemorial = u"法要予定はありません"_s;
 const QString labelsAreOut =
     u"\n\n宛名は出力済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び出力されます。"_s;
 
-// By day, name and number. A day's open memorials are few: they are put in order here, which costs less than to have
-// all of its rows sorted whole.
-auto memorialsOf(const 法要通Form& form) {
-    return [from = form.from, to = form.to](const NoticeKey& key, const auto& take) {
-        store::Database database;
-        store::Selection<store::tbl_hohyo> rows(database,
-                                                "WHERE (tbl_hohyo.tblhoy_kaiki_yymd >= ?) And "
-                                                "(tbl_hohyo.tblhoy_kaiki_yymd <= ?) "
-                                                "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC ;",
-                                                std::max(from, key.scheduled), to);
-        // The names' order is the register's: by code point.
-        const QByteArray name = key.deceased.toUtf8();
-        const auto isFrom = [&](const store::tbl_hohyo& row) {
-            const bool before = key.tie && row.tblhoy_kaiki_yymd == key.scheduled && MemorialTie::of(row) < *key.tie;
-            return row.tblhoy_zokunameg.toUtf8() >= name && !before;
-        };
-        QDate day;
-        std::vector<store::tbl_hohyo> open;
-        const auto handOn = [&] {
-            std::ranges::sort(
-                open, [](const auto& one, const auto& other) { return MemorialTie::of(one) < MemorialTie::of(other); });
-            return std::ranges::all_of(std::exchange(open, {}), [&](const auto& row) { return take({row}); });
-        };
-        bool found = false;    // on a day before
-        bool foundNow = false; // from there on, or on this day
-        while (rows.next()) {
-            const store::tbl_hohyo& row = rows.row();
-            if (row.tblhoy_kaiki_yymd != day) {
-                if (!handOn())
-                    return true;
-                day = row.tblhoy_kaiki_yymd;
-                found = foundNow;
-            }
-            const bool wanted = found || isFrom(row);
-            foundNow = foundNow || wanted;
-            if (wanted && store::isOpenForNotice(row))
-                open.push_back(row);
-        }
-        handOn();
-        return foundNow;
-    };
-}
-
 std::vector<MemorialColumn> columns() {
     using desk::Align;
     return {
@@ -110,29 +67,76 @@ void markNotified(store::Database& database, const 法要通Form& form, QDate da
 } // namespace
 
 法要通Form::法要通Form()
-    : list({.title = title,
-            .nothing = noMemorial,
-            .columns = columns(),
-            .key =
-                [](ListedRow row) {
-                    return NoticeKey{row.tblhoy_kaiki_yymd, row.tblhoy_zokunameg, MemorialTie::of(row)};
-                },
-            .place =
-                [](const NoticeKey& key) {
-                    return NoticeKey{key.scheduled, key.deceased, {}};
-                },
-            .listed = store::isOpenForNotice,
-            .complete = [](std::vector<ListedMemorial>& page,
-                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
-            .exists = [](ListedRow row) { return memorialExists(row); }},
-           {}) {}
+    : ListForm({.title = title,
+                .nothing = noMemorial,
+                .columns = columns(),
+                .key =
+                    [](ListedRow row) {
+                        return NoticeKey{row.tblhoy_kaiki_yymd, row.tblhoy_zokunameg, MemorialTie::of(row)};
+                    },
+                .place =
+                    [](const NoticeKey& key) {
+                        return NoticeKey{key.scheduled, key.deceased, {}};
+                    },
+                .listed = store::isOpenForNotice,
+                .complete = [](std::vector<ListedMemorial>& page,
+                               desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
+                .exists = [](ListedRow row) { return memorialExists(row); }},
+               {}) {}
+
+// A day's open memorials are few: they are put in order here, which costs less than to have all of its rows sorted
+// whole.
+bool 法要通Form::read(const NoticeKey& key, const Take& take) const {
+    store::Database database;
+    store::Selection<store::tbl_hohyo> rows(database,
+                                            "WHERE (tbl_hohyo.tblhoy_kaiki_yymd >= ?) And "
+                                            "(tbl_hohyo.tblhoy_kaiki_yymd <= ?) "
+                                            "ORDER BY tbl_hohyo.tblhoy_kaiki_yymd ASC ;",
+                                            std::max(from, key.scheduled), to);
+    // The names' order is the register's: by code point.
+    const QByteArray name = key.deceased.toUtf8();
+    const auto isFrom = [&](const store::tbl_hohyo& row) {
+        const bool before = key.tie && row.tblhoy_kaiki_yymd == key.scheduled && MemorialTie::of(row) < *key.tie;
+        return row.tblhoy_zokunameg.toUtf8() >= name && !before;
+    };
+    QDate day;
+    std::vector<store::tbl_hohyo> open;
+    const auto handOn = [&] {
+        std::ranges::sort(
+            open, [](const auto& one, const auto& other) { return MemorialTie::of(one) < MemorialTie::of(other); });
+        return std::ranges::all_of(std::exchange(open, {}), [&](const auto& row) { return take({row}); });
+    };
+    bool found = false;    // on a day before
+    bool foundNow = false; // from there on, or on this day
+    while (rows.next()) {
+        const store::tbl_hohyo& row = rows.row();
+        if (row.tblhoy_kaiki_yymd != day) {
+            if (!handOn())
+                return true;
+            day = row.tblhoy_kaiki_yymd;
+            found = foundNow;
+        }
+        const bool wanted = found || isFrom(row);
+        foundNow = foundNow || wanted;
+        if (wanted && store::isOpenForNotice(row))
+            open.push_back(row);
+    }
+    handOn();
+    return foundNow;
+}
+
+int 法要通Form::total() const {
+    store::Database database;
+    return store::countRows<store::tbl_hohyo>(
+        database, "WHERE tblhoy_kaiki_yymd BETWEEN ? AND ? AND " + store::isOpenForNotice.sql(),
+        std::max(from, list.start().scheduled), to);
+}
 
 void openNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = desk.today();
     form.to = form.from.addYears(1);
     form.frm02_from.text = values::dateText(form.from);
     form.frm02_to.text = values::dateText(form.to);
-    form.list.setUp(form.frm21_tbl);
 }
 
 void leaveNoticesFrom(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -147,19 +151,7 @@ void showNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     if (!checkFrom(form, desk))
         return;
     form.list.setStart({form.from, {}, {}});
-    form.list.showFirstPage(memorialsOf(form), form.frm21_tbl, desk);
-}
-
-void nextNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(memorialsOf(form), form.frm21_tbl, desk);
-}
-
-void previousNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(memorialsOf(form), form.frm21_tbl, desk);
-}
-
-void clickNotice(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.click(form.frm21_tbl, desk);
+    form.showFirstPage(desk);
 }
 
 void openNoticeDeceased(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -15,15 +15,18 @@ struct NoticeKey {
     bool operator==(const NoticeKey&) const = default;
 };
 
-struct 法要通Form {
+struct 法要通Form : desk::ListForm<ListedMemorial, NoticeKey> {
     desk::Text frm02_from;
     desk::Text frm02_to;
-    desk::Grid frm21_tbl;
     QDate from; // the last range that passed the checks
     QDate to;
-    desk::PagingList<ListedMemorial, NoticeKey> list;
 
     法要通Form();
+
+  protected:
+    // By day, name and number.
+    bool read(const NoticeKey& key, const Take& take) const override;
+    int total() const override;
 };
 
 // The operations of the memorial notices: memorials of a range of scheduled dates that are neither held, reserved nor
@@ -31,10 +34,7 @@ struct 法要通Form {
 void openNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveNoticesFrom(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveNoticesTo(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void showNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 表示
-void nextNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickNotice(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void showNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);         // 表示
 void openNoticeDeceased(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);  // 故人照会
 void openNoticeHousehold(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 檀家照会
 // 通知処理: prints the labels of the range and then marks its memorials notified today, all or none. Marks nothing when

@@ -1,7 +1,7 @@
 #include "memorials/memorial_screens.h"
 #include "memorials/notice_rules.h"
 #include "printing/label_painter.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -20,14 +20,10 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm02_to), 10)
         .onLeave(screen->run(leaveNoticesTo));
     layout.last()->setAccessibleName(u"検索終了日"_s);
-    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickNotice),
-                                                                  .opened = screen->run(openNoticeDeceased),
-                                                                  .nextPage = screen->run(nextNotices),
-                                                                  .previousPage = screen->run(previousNotices)});
-    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showNotices))
-        .action(u"前ページ"_s, u"前ページ"_s, screen->run(previousNotices))
-        .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextNotices))
-        .gap()
+    ui::addList(layout, *screen, form, screen->run(openNoticeDeceased));
+    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showNotices));
+    ui::addListButtons(layout, *screen, form);
+    layout.gap()
         .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
                 [raw] { previewNotices(raw->form(), *printing::preview(raw), raw->desk()); })
         .action(u"通知"_s, u"通知処理"_s,

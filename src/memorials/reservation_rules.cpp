@@ -26,30 +26,6 @@ bool isFrom(const store::tbl_hohyo& row, const ReservationKey& key) {
            row.tblhoy_kaiki_hour != hour || !(MemorialTie::of(row) < *key.tie);
 }
 
-auto reservations(const 法要一Form& form) {
-    return [from = form.from, to = form.to](const ReservationKey& key, const auto& take) {
-        // The first match lies at or after the key in the order of the index, too, and never before the range.
-        constexpr auto earliestHour = std::numeric_limits<std::int16_t>::min();
-        const ReservationKey bound = key.day < from ? ReservationKey{from, u""_s, earliestHour, {}} : key;
-        store::Database database;
-        store::Selection<store::tbl_hohyo> rows(
-            database,
-            "INDEXED BY idxhoy_rymd WHERE (tbl_hohyo.tblhoy_kaiki_rymd, tbl_hohyo.tblhoy_kaiki_ampm, "
-            "tbl_hohyo.tblhoy_kaiki_hour) >= (?, ?, ?) And tbl_hohyo.tblhoy_kaiki_rymd <= ? "
-            "ORDER BY tbl_hohyo.tblhoy_kaiki_rymd ASC, tbl_hohyo.tblhoy_kaiki_ampm ASC, "
-            "tbl_hohyo.tblhoy_kaiki_hour ASC, tbl_hohyo.tblhoy_zokunameg ASC, tbl_hohyo.tblhoy_kaiki_yymd ASC, "
-            "tbl_hohyo.tblhoy_no ASC ;",
-            bound.day, bound.halfDay, bound.hour, to);
-        bool found = false;
-        while (rows.next()) {
-            found = found || isFrom(rows.row(), key);
-            if (found && !take({rows.row()}))
-                break;
-        }
-        return found;
-    };
-}
-
 std::vector<MemorialColumn> columns() {
     using desk::Align;
     return {
@@ -84,30 +60,67 @@ bool checkTo(法要一Form& form, desk::Desk& desk) {
 } // namespace
 
 法要一Form::法要一Form()
-    : list({.title = title,
-            .nothing = {},
-            .columns = columns(),
-            .key =
-                [](ListedRow row) {
-                    return ReservationKey{row.tblhoy_kaiki_rymd, row.tblhoy_kaiki_ampm,
-                                          row.tblhoy_kaiki_hour.value_or(0), MemorialTie::of(row)};
-                },
-            .place =
-                [](const ReservationKey& key) {
-                    return ReservationKey{key.day, key.halfDay, key.hour, {}};
-                },
-            .listed = store::isAwaited,
-            .complete = [](std::vector<ListedMemorial>& page,
-                           desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
-            .exists = [](ListedRow row) { return memorialExists(row); }},
-           {}) {}
+    : ListForm({.title = title,
+                .nothing = {},
+                .columns = columns(),
+                .key =
+                    [](ListedRow row) {
+                        return ReservationKey{row.tblhoy_kaiki_rymd, row.tblhoy_kaiki_ampm,
+                                              row.tblhoy_kaiki_hour.value_or(0), MemorialTie::of(row)};
+                    },
+                .place =
+                    [](const ReservationKey& key) {
+                        return ReservationKey{key.day, key.halfDay, key.hour, {}};
+                    },
+                .listed = store::isAwaited,
+                .complete = [](std::vector<ListedMemorial>& page,
+                               desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
+                .exists = [](ListedRow row) { return memorialExists(row); }},
+               {}) {}
+
+bool 法要一Form::read(const ReservationKey& key, const Take& take) const {
+    // The first match lies at or after the key in the order of the index, too, and never before the range.
+    constexpr auto earliestHour = std::numeric_limits<std::int16_t>::min();
+    const ReservationKey bound = key.day < from ? ReservationKey{from, u""_s, earliestHour, {}} : key;
+    store::Database database;
+    store::Selection<store::tbl_hohyo> rows(
+        database,
+        "INDEXED BY idxhoy_rymd WHERE (tbl_hohyo.tblhoy_kaiki_rymd, tbl_hohyo.tblhoy_kaiki_ampm, "
+        "tbl_hohyo.tblhoy_kaiki_hour) >= (?, ?, ?) And tbl_hohyo.tblhoy_kaiki_rymd <= ? "
+        "ORDER BY tbl_hohyo.tblhoy_kaiki_rymd ASC, tbl_hohyo.tblhoy_kaiki_ampm ASC, "
+        "tbl_hohyo.tblhoy_kaiki_hour ASC, tbl_hohyo.tblhoy_zokunameg ASC, tbl_hohyo.tblhoy_kaiki_yymd ASC, "
+        "tbl_hohyo.tblhoy_no ASC ;",
+        bound.day, bound.halfDay, bound.hour, to);
+    bool found = false;
+    while (rows.next()) {
+        found = found || isFrom(rows.row(), key);
+        if (found && !take({rows.row()}))
+            break;
+    }
+    return found;
+}
+
+// Counted from the first row listed: whatever lies before it on its day is none of the list.
+int 法要一Form::total() const {
+    ReservationKey first;
+    if (!read(list.start(), [&](const ListedMemorial& row) {
+            first = list.key(row);
+            return false;
+        }))
+        return 0;
+    store::Database database;
+    return store::countRows<store::tbl_hohyo>(
+        database,
+        "WHERE (tblhoy_kaiki_rymd, tblhoy_kaiki_ampm, tblhoy_kaiki_hour) >= (?, ?, ?) AND tblhoy_kaiki_rymd <= ? AND " +
+            store::isAwaited.sql(),
+        first.day, first.halfDay, first.hour, to);
+}
 
 void openReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = desk.today();
     form.to = form.from.addDays(daysShown);
     form.frm02_from.text = values::dateText(form.from);
     form.frm02_to.text = values::dateText(form.to);
-    form.list.setUp(form.frm21_tbl);
 }
 
 void leaveReservationsFrom(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
@@ -122,19 +135,7 @@ void showReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& des
     if (!checkFrom(form, desk) || !checkTo(form, desk))
         return;
     form.list.setStart({form.from, u""_s, 0, {}});
-    form.list.showFirstPage(reservations(form), form.frm21_tbl, desk);
-}
-
-void nextReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.nextPage(reservations(form), form.frm21_tbl, desk);
-}
-
-void previousReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.previousPage(reservations(form), form.frm21_tbl, desk);
-}
-
-void clickReservation(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    form.list.click(form.frm21_tbl, desk);
+    form.showFirstPage(desk);
 }
 
 void openReservationDeceased(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
@@ -142,8 +143,7 @@ void openReservationDeceased(法要一Form& form, desk::ScreenContext& context, 
     if (!row)
         return;
     publishMemorial(*row, context);
-    desk.open(u"過去登"_s, desk::Opening::modal,
-              [&form, &desk] { form.list.fill(reservations(form), form.frm21_tbl, desk); });
+    form.open(u"過去登"_s, desk);
 }
 
 void openReservationHousehold(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -15,15 +15,19 @@ struct ReservationKey {
     bool operator==(const ReservationKey&) const = default;
 };
 
-struct 法要一Form {
+struct 法要一Form : desk::ListForm<ListedMemorial, ReservationKey> {
     desk::Text frm02_from;
     desk::Text frm02_to;
-    desk::Grid frm21_tbl;
     QDate from;
     QDate to;
-    desk::PagingList<ListedMemorial, ReservationKey> list;
 
     法要一Form();
+    // The page is filled again from the current position.
+    void goOn(desk::Desk& desk) override { refill(desk); }
+
+  protected:
+    bool read(const ReservationKey& key, const Take& take) const override;
+    int total() const override;
 };
 
 // The operations of the reservation book: memorials reserved and not yet held, in a range of reservation dates.
@@ -33,9 +37,6 @@ void leaveReservationsFrom(法要一Form& form, desk::ScreenContext& context, de
 void leaveReservationsTo(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 表示: lists the range from its start and forgets the pages seen before.
 void showReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void nextReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void previousReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void clickReservation(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 故人照会: opens 過去登 modal and fills the page again from the current position afterwards.
 void openReservationDeceased(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 檀家照会: opens 檀家登 modal.

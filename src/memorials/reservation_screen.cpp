@@ -1,6 +1,6 @@
 #include "memorials/memorial_screens.h"
 #include "memorials/reservation_rules.h"
-#include "ui/layout.h"
+#include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -18,14 +18,10 @@ std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm02_to), 10)
         .onLeave(screen->run(leaveReservationsTo));
     layout.last()->setAccessibleName(u"検索終了日"_s);
-    layout.frame().row().grid(HOSHIREN_CONTROL(form, frm21_tbl), {.clicked = screen->run(clickReservation),
-                                                                  .opened = screen->run(openReservationDeceased),
-                                                                  .nextPage = screen->run(nextReservations),
-                                                                  .previousPage = screen->run(previousReservations)});
-    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showReservations))
-        .action(u"前ページ"_s, u"前ページ"_s, screen->run(previousReservations))
-        .action(u"後ページ"_s, u"後ページ"_s, screen->run(nextReservations))
-        .gap()
+    ui::addList(layout, *screen, form, screen->run(openReservationDeceased));
+    layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showReservations));
+    ui::addListButtons(layout, *screen, form);
+    layout.gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openReservationDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openReservationHousehold))
         .closing();

@@ -92,6 +92,17 @@ std::vector<Row> selectAll(Database& database, const std::string& rest, const Va
     return rows;
 }
 
+// How many rows a selection has: counted by the engine, none is read.
+template <class Row, class... Values>
+int countRows(Database& database, const std::string& rest, const Values&... values) {
+    SQLite::Statement count(database.engine(),
+                            std::string("SELECT count(*) From ") + Description<Row>::table + " " + rest);
+    [[maybe_unused]] int at = 0;
+    (bindValue(count, ++at, values), ...);
+    count.executeStep();
+    return count.getColumn(0).getInt();
+}
+
 // The kana index of a row: the first character of the household's kana name, one blank when that is empty.
 QString kanaIndex(const QString& kana);
 

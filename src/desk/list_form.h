@@ -1,0 +1,200 @@
+#pragma once
+
+#include "desk/desk.h"
+#include "desk/form.h"
+#include "desk/paging_list.h"
+#include "desk/screen_context.h"
+
+#include <exception>
+#include <optional>
+
+namespace desk {
+
+// What the form of every list screen has and does, whatever it lists; ui/list_view.h binds it to the screen.
+struct AnyList {
+    Grid frm21_tbl;
+    Text 件数表示; // place and total of the page shown, "1–30／268件"; empty before the first 表示
+
+    virtual ~AnyList() = default;
+
+    virtual void nextPage(Desk& desk) = 0;
+    virtual void previousPage(Desk& desk) = 0;
+    // The user clicked into the grid.
+    virtual void click(ScreenContext& context, Desk& desk) = 0;
+
+    // Whether the total stands in 件数表示. A page is shown before it is counted, and counted once a 表示.
+    virtual bool isCounted() const = 0;
+    // Counts the list; a register that cannot be read now is told in 件数表示 itself.
+    virtual void count() = 0;
+
+    // The cells of all rows of the list from its start on, not of one page, under the columns of the grid. A message
+    // that concerns several rows is told once.
+    virtual std::vector<QStringList> allRows(Desk& desk) const = 0;
+
+  protected:
+    AnyList() = default;
+    AnyList(const AnyList&) = default;
+    AnyList& operator=(const AnyList&) = default;
+};
+
+// Tells each message once; everything else is the other desk's.
+class TellingOnce : public Desk {
+  public:
+    explicit TellingOnce(Desk& desk) : desk_(desk) {}
+    void notify(const QString& text, const QString& title, Icon icon) override {
+        if (!told_.contains(text))
+            desk_.notify(text, title, icon);
+        told_ << text;
+    }
+    bool ask(const QString& text, const QString& title, Preset preset) override {
+        return desk_.ask(text, title, preset);
+    }
+    void inform(const QString& text) override { desk_.inform(text); }
+    QDate today() const override { return desk_.today(); }
+    void open(const QString& screen, Opening how, std::function<void()> closed) override {
+        desk_.open(screen, how, std::move(closed));
+    }
+    void close() override { desk_.close(); }
+    std::unique_ptr<Progress> progress(const QString& title) override { return desk_.progress(title); }
+
+  private:
+    Desk& desk_;
+    QStringList told_;
+};
+
+// The form of a list that stands in the grid as a whole, without pages.
+struct WholeList : AnyList {
+    void nextPage(Desk&) override { tell(QStringLiteral("これより後の行はありません。")); }
+    void previousPage(Desk&) override { tell(QStringLiteral("これより前の行はありません。")); }
+    bool isCounted() const override { return true; }
+    void count() override { tell(); }
+    std::vector<QStringList> allRows(Desk&) const override { return frm21_tbl.rows; }
+
+  private:
+    void tell(const QString& remark = {}) {
+        const auto rows = frm21_tbl.rows.size();
+        件数表示.text = rows ? QStringLiteral("1–%1／%1件").arg(rows) : QStringLiteral("0件");
+        if (!remark.isEmpty())
+            件数表示.text += u'　' + remark;
+    }
+};
+
+// The form of a list shown thirty rows a page: its description, where it begins, and `read`, which gives its rows.
+template <class Row, class Key> struct ListForm : AnyList {
+    using Take = typename PagingList<Row, Key>::Take;
+
+    PagingList<Row, Key> list;
+
+    ListForm(ListDescription<Row, Key> description, Key start) : list(std::move(description), std::move(start)) {
+        list.setUp(frm21_tbl);
+    }
+
+    // 表示: the list from its start on. Says so, and leaves everything as it was, when there is nothing to list.
+    void showFirstPage(Desk& desk) {
+        if (list.showFirstPage(source(), frm21_tbl, desk))
+            countAnew();
+    }
+    // The page shown is read again, as it stands in the file now.
+    void refill(Desk& desk) {
+        if (list.fill(source(), frm21_tbl, desk))
+            countAnew();
+    }
+    void nextPage(Desk& desk) override {
+        const std::optional<Key> before = firstKey();
+        list.nextPage(source(), frm21_tbl, desk);
+        turned(before, list.isAtEnd() ? QStringLiteral("これより後の行はありません。")
+                                      : QStringLiteral("並び順の同じ行が続くため、これより後は表示できません。"));
+    }
+    void previousPage(Desk& desk) override {
+        const std::optional<Key> before = firstKey();
+        list.previousPage(source(), frm21_tbl, desk);
+        turned(before, QStringLiteral("これより前の行はありません。"));
+    }
+    void click(ScreenContext& context, Desk& desk) override {
+        if (const Row* row = list.click(frm21_tbl, desk))
+            chosen(*row, context);
+    }
+    // Opens a screen for the row chosen; the list goes on when it has closed.
+    void open(const QString& screen, Desk& desk) {
+        desk.open(screen, Opening::modal, [this, &desk] { goOn(desk); });
+    }
+
+    // A screen that was opened for a row has closed.
+    virtual void goOn(Desk& desk) { showFirstPage(desk); }
+
+    bool isCounted() const override { return counted_; }
+    void count() override {
+        counted_ = true;
+        try {
+            if (!total_)
+                total_ = total();
+            if (list.firstNumber() == 0)
+                list.findFirstNumber(source());
+            tell();
+        } catch (const std::exception&) {
+            tell();
+            件数表示.text += QStringLiteral("（件数を読めませんでした）");
+        }
+    }
+
+    std::vector<QStringList> allRows(Desk& desk) const override {
+        TellingOnce once(desk);
+        std::vector<QStringList> rows;
+        for (const Row& row : list.allRows(source(), once))
+            rows.push_back(list.cells(row));
+        return rows;
+    }
+
+  protected:
+    // The source: hands over the records from the first at or after the key on, until refused or at the end. Returns
+    // false when there is no such record. Whatever it opens it releases before it returns.
+    virtual bool read(const Key& from, const Take& take) const = 0;
+    // Rows of the whole list. A list that may be long asks an index instead of reading them.
+    virtual int total() const { return list.count(source()); }
+    // What a click hands to other screens.
+    virtual void chosen(const Row&, ScreenContext&) {}
+
+  private:
+    typename PagingList<Row, Key>::Source source() const {
+        return [this](const Key& from, const Take& take) { return read(from, take); };
+    }
+    std::optional<Key> firstKey() const {
+        return list.rows().empty() ? std::nullopt : std::optional(list.key(list.rows().front()));
+    }
+
+    void countAnew() {
+        total_.reset();
+        if (list.rowCounter() <= pageRows && list.firstNumber() == 1)
+            total_ = list.rowsShown();
+        counted_ = total_.has_value();
+        tell();
+    }
+
+    // stays: what to say when the page is still the same.
+    void turned(const std::optional<Key>& before, const QString& stays) {
+        // The register may have changed since it was counted.
+        const int last = list.firstNumber() + list.rowsShown() - 1;
+        const bool agrees = total_ && list.firstNumber() && (list.isAtEnd() ? last == *total_ : last <= *total_);
+        if (!agrees && !list.rows().empty())
+            countAnew();
+        tell();
+        if (before && before == firstKey())
+            件数表示.text += u'　' + stays;
+    }
+
+    void tell() {
+        const int first = list.firstNumber();
+        件数表示.text.clear();
+        if (first)
+            件数表示.text = QStringLiteral("%1–%2").arg(first).arg(first + list.rowsShown() - 1);
+        if (first && total_)
+            件数表示.text += u'／';
+        if (total_)
+            件数表示.text += QStringLiteral("%1件").arg(*total_);
+    }
+
+    std::optional<int> total_;
+    bool counted_ = true;
+};
+
+} // namespace desk

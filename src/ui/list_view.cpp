@@ -1,0 +1,54 @@
+#include "ui/list_view.h"
+
+#include <QLabel>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace ui {
+
+namespace {
+
+Operation next(Screen& screen, desk::AnyList& list) {
+    return [&screen, &list] { list.nextPage(screen.desk()); };
+}
+
+Operation previous(Screen& screen, desk::AnyList& list) {
+    return [&screen, &list] { list.previousPage(screen.desk()); };
+}
+
+// Shows the total once the page stands on the screen: counting may take longer than reading a page.
+void addPlace(Layout& layout, Screen& screen, desk::AnyList& list) {
+    layout.row().note({}, u"件数表示"_s);
+    auto* label = static_cast<QLabel*>(layout.last());
+    const auto show = [label, &list] { label->setText(list.件数表示.text); };
+    screen.bind({label, nullptr, {}, [label, show, &screen, &list] {
+                     show();
+                     if (list.isCounted())
+                         return;
+                     QTimer::singleShot(0, label, [show, &screen, &list] {
+                         if (screen.operating() || list.isCounted())
+                             return;
+                         list.count();
+                         show();
+                     });
+                 }});
+}
+
+} // namespace
+
+void addList(Layout& layout, Screen& screen, desk::AnyList& list, const Operation& opened) {
+    layout.frame().row().grid(HOSHIREN_CONTROL(list, frm21_tbl),
+                              {.clicked = [&screen, &list] { list.click(screen.context(), screen.desk()); },
+                               .opened = opened,
+                               .nextPage = next(screen, list),
+                               .previousPage = previous(screen, list)});
+    addPlace(layout, screen, list);
+}
+
+void addListButtons(Layout& layout, Screen& screen, desk::AnyList& list) {
+    layout.action(u"前ページ"_s, u"前ページ"_s, previous(screen, list))
+        .action(u"後ページ"_s, u"後ページ"_s, next(screen, list));
+}
+
+} // namespace ui
