@@ -9,6 +9,7 @@
 #include "households/succession_screen.h"
 #include "masters/master_screen.h"
 #include "memorials/memorial_screens.h"
+#include "printing/label_settings_screen.h"
 #include "transfer/transfer_screen.h"
 
 using namespace Qt::StringLiterals;
@@ -29,6 +30,8 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"紐墓標"_s, graves::紐墓標},
 
         {u"マスター登"_s, masters::マスター登},
+
+        {u"宛名設定"_s, printing::宛名設定},
 
         {u"檀家登"_s, households::檀家登},
         {u"檀家一覧"_s, households::檀家一覧},

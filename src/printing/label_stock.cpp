@@ -213,6 +213,11 @@ KeptStock keptStock() {
     return kept;
 }
 
+LabelStock stockKept() {
+    const KeptStock kept = keptStock();
+    return stockOf(kept.key, kept.own).value_or(standardStock());
+}
+
 void keepStock(const KeptStock& kept) {
     QSettings settings(u"hoshiren"_s, u"hoshiren"_s);
     settings.setValue(keyOfSheet, kept.key);

@@ -96,6 +96,7 @@ struct KeptStock {
 };
 // What in the settings denotes no sheet counts as the register's own sheet, and stays there as it is.
 KeptStock keptStock();
+LabelStock stockKept(); // the sheet itself
 void keepStock(const KeptStock& kept);
 
 } // namespace printing

@@ -236,16 +236,16 @@ void writeName(const QString& name, const CardPlaces& places, const LabelFont& f
         cells.push_back({u"様"_s});
     }
     const double room = places.nameBottom - places.nameTop;
-    constexpr double leastOfOneColumn = 11;
+    constexpr double leastOfOneColumn = 11; // points
     if (const double points = Writer::pointsFor(cells, room); points >= leastOfOneColumn) {
         const double size = std::min(places.namePoints, points);
         constexpr double widest = 1.3;
         writer.column(cells, places.name, places.nameTop, size, std::min(widest, points / size));
         return;
     }
-    const double squares = std::max(room / millimetresAPoint / leastOfOneColumn, lengthOf(cells) / 2 + 1);
-    const auto [first, second] = divided(cells, squares);
-    const double points = std::min({leastOfOneColumn, Writer::pointsFor(first, room), Writer::pointsFor(second, room)});
+    const auto [first, second] = divided(cells, lengthOf(cells) / 2 + 1);
+    const double points =
+        std::min({places.namePoints / 2, Writer::pointsFor(first, room), Writer::pointsFor(second, room)});
     const double aside = points * millimetresAPoint * 0.7;
     writer.column(first, places.name + aside, places.nameTop, points);
     writer.column(second, places.name - aside, places.nameTop, points);

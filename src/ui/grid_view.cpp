@@ -3,6 +3,7 @@
 #include "ui/plain_text.h"
 
 #include <QAbstractTableModel>
+#include <QKeyEvent>
 
 namespace ui {
 
@@ -36,6 +37,23 @@ class GridView::Model : public QAbstractTableModel {
         beginResetModel();
         grid_ = grid;
         endResetModel();
+    }
+    // Whether a grid differs from the one shown in ticks only, the highlight apart.
+    bool differsInTicksOnly(const desk::Grid& grid) const {
+        if (grid.tickColumn < 0 || grid.rows.size() != grid_.rows.size())
+            return false;
+        return std::equal(grid.rows.begin(), grid.rows.end(), grid_.rows.begin(),
+                          [&](QStringList one, QStringList other) {
+                              one.removeAt(grid.tickColumn);
+                              other.removeAt(grid.tickColumn);
+                              return one == other;
+                          });
+    }
+    void tick(const desk::Grid& grid) {
+        grid_.rows = grid.rows;
+        if (!grid_.rows.empty())
+            Q_EMIT dataChanged(index(0, grid.tickColumn),
+                               index(static_cast<int>(grid_.rows.size()) - 1, grid.tickColumn));
     }
     void highlight(int row) {
         const int former = std::exchange(grid_.highlighted, row);
@@ -96,10 +114,23 @@ int GridView::pickedRow() const {
     return model_->grid().highlighted;
 }
 
+void GridView::keyPressEvent(QKeyEvent* event) {
+    const desk::Grid& grid = model_->grid();
+    if (event->key() == Qt::Key_Space && grid.tickColumn >= 0 && grid.highlighted > 0)
+        clickRow(grid.highlighted, grid.tickColumn);
+    else
+        RowTable::keyPressEvent(event);
+}
+
 void GridView::show(const desk::Grid& grid) {
     const desk::Grid& shown = model_->grid();
     const bool freshColumns = !sameColumns(shown.columns, grid.columns);
     const bool freshRows = freshColumns || shown.rows != grid.rows || shown.blankRows != grid.blankRows;
+    if (!freshColumns && freshRows && shown.blankRows == grid.blankRows && model_->differsInTicksOnly(grid)) {
+        model_->tick(grid);
+        model_->highlight(grid.highlighted);
+        return;
+    }
     if (!freshRows) {
         model_->highlight(grid.highlighted);
         if (grid.highlighted > 0)

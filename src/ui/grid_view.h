@@ -15,6 +15,9 @@ class GridView : public RowTable {
     int filledRows() const override;
     int pickedRow() const override;
 
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
     class Model;
 
