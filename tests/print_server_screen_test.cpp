@@ -18,7 +18,6 @@ namespace {
 
 class PrintServer : public RegisterFixture {
   protected:
-    PrintServer() { QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory.path()); }
     ~PrintServer() override { qunsetenv("LPDEST"); }
 
     // Prints sixty labels. What goes wrong is told in `failure`.
