@@ -26,10 +26,15 @@ struct LabelChoice {
     std::optional<QStringList> anniversaries; // of memorials; absent: all
     std::set<QString> unticked;               // rows left out, by their keys; all others are ticked
 
-    bool takes(const store::tbl_hohyo& row) const { return takesAnniversary(row) && !unticked.contains(rowKey(row)); }
-    bool takes(const store::tbl_ohaka& row) const { return !unticked.contains(rowKey(row)); }
+    bool takes(const store::tbl_hohyo& row) const { return takesAnniversary(row) && isTicked(row); }
+    bool takes(const store::tbl_ohaka& row) const { return isTicked(row); }
     bool takesAnniversary(const store::tbl_hohyo& row) const {
         return !anniversaries || anniversaries->contains(row.tblhoy_kaiki_mei);
+    }
+
+  private:
+    template <class Row> bool isTicked(const Row& row) const {
+        return unticked.empty() || !unticked.contains(rowKey(row));
     }
 };
 

@@ -65,6 +65,9 @@ void openSettings(宛名設定Form& form, desk::ScreenContext& context, desk::De
 
 void chooseSheet(宛名設定Form& form, desk::ScreenContext&, desk::Desk&) {
     form.sheet = stockOf(keyOf(form), measuresOf(form));
+    // A card has no other place.
+    if (form.sheet && form.sheet->labels() == 1)
+        form.開始番号.text = u"1"_s;
 }
 
 void tickAll(宛名設定Form& form, desk::ScreenContext&, desk::Desk&) {
