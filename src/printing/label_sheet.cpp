@@ -133,18 +133,25 @@ LabelResult LabelRun::printLabel(const LabelAddress& address) {
 void LabelRun::putFitted(double x, double top, const QString& text) {
     if (text.isEmpty())
         return;
-    const double width = font_.width(withoutTrailingBlanks(text));
     const double room = stock_.textRoom;
+    if (font_.surelyFits(text, room)) {
+        sheets_.back().push_back({x, top, fullPoints, 1.0, text});
+        return;
+    }
+    const double width = font_.width(withoutTrailingBlanks(text));
     put(x, top, width > room ? std::max(leastPoints, fullPoints * room / width) : fullPoints, text, width);
 }
 
 void LabelRun::putBroken(double x, double top, const QString& text) {
     const double room = stock_.textRoom;
+    if (text.isEmpty() || font_.surelyFits(text, room)) {
+        putFitted(x, top, text);
+        return;
+    }
     double points = fullPoints;
     std::vector<QString> lines;
     if (font_.width(withoutTrailingBlanks(text)) <= room) {
-        if (!text.isEmpty())
-            lines.push_back(text);
+        lines.push_back(text);
     } else {
         LineBreaker breaker(text, font_, linesOfAddress2_);
         const auto fitsAt = [&](double size) { return breaker.lay(room * fullPoints / size, lines); };

@@ -36,6 +36,8 @@ class LabelFont {
     virtual ~LabelFont() = default;
     // The width of a text in millimetres at 10 points; at other sizes it grows in proportion.
     virtual double width(const QString& text) const = 0;
+    // A quick look: true only when the text is not wider than this room, in millimetres at 10 points.
+    virtual bool surelyFits(const QString&, double /*room*/) const { return false; }
     virtual bool canPrint(char32_t character) const = 0;
     // From the top of a line to the square that a full-width character fills, as a share of that square.
     virtual double squareTop() const { return 0; }
