@@ -93,7 +93,8 @@ TEST_F(DocumentPainter, ShowsItsOwnWords) {
     printing::showPreview(std::make_shared<TwoPages>(printing::Paper{.landscape = true}), &opener);
     auto* window = opener.findChild<QDialog*>(u"年回表プレビュー"_s);
     ASSERT_NE(window, nullptr);
-    EXPECT_EQ(window->findChild<QLabel*>(u"枚目"_s)->text(), u"1 / 2 枚目　二頁"_s);
+    EXPECT_EQ(window->findChild<QLabel*>(u"枚目"_s)->text(), u"1 / 2 枚目"_s);
+    EXPECT_EQ(window->findChild<QLabel*>(u"件数"_s)->text(), u"二頁"_s);
 }
 
 #ifdef HOSHIREN_PRINT_SERVER

@@ -45,7 +45,7 @@ TEST_F(FeeNotices, ListTheRangeInBillingOrder) {
     EXPECT_EQ(form.frm21_tbl.columns[0].header + form.frm21_tbl.columns[3].header, u"管理番号檀家番号"_s);
     showFees(form, context, desk);
     EXPECT_EQ(numbers(), u"3 1"_s);
-    EXPECT_EQ(form.frm21_tbl.rows[0].join(u'|'), u"3|東||1|||家|||平成20年2月12日|12,000||"_s);
+    EXPECT_EQ(form.frm21_tbl.rows[0].join(u'|'), u"3|東||1|||家|||平成20年2月12日|12,000|||☑"_s);
 
     desk.expect(u"有功範囲外を指定しています。選択し直して下さい"_s, title);
     click(3);

@@ -20,7 +20,7 @@ class LabelPainter : public ::testing::Test {
         printing::LabelRun run(printer->font());
         for (const LabelAddress& address : addresses)
             run.printLabel(address);
-        file = printer->print(run.sheets()).file;
+        file = printer->print(run).file;
         return wordsOf(file);
     }
 
@@ -47,6 +47,94 @@ TEST_F(LabelPainter, PutsThirteenLabelsToATenthOfAMillimetre) {
             EXPECT_EQ(found->page, label < 12 ? 1 : 2) << text.toStdString();
             EXPECT_NEAR(found->left, label % 2 == 0 ? 25.0 : 108.8, 0.1) << text.toStdString();
             EXPECT_NEAR(found->top, line, 0.1) << text.toStdString();
+        }
+    }
+}
+
+// A full sheet from its second label on, and one label of the next: every one at its place.
+TEST_F(LabelPainter, PutsTheLabelsOfEverySheetToATenthOfAMillimetre) {
+    const struct {
+        QString key;
+        double left, top, across, down; // of the first text and from label to label, millimetres
+    } cases[] = {
+        {u"2x6"_s, 25.0, 26.6, 83.8, 43.2},  {u"2x5"_s, 22.6, 25.5, 86.4, 50.8}, {u"3x6"_s, 11.2, 12.7, 66.0, 46.6},
+        {u"3x7"_s, 11.2, 19.15, 66.0, 38.1}, {u"3x8"_s, 10.0, 16.9, 66.0, 33.9}, {u"own"_s, 14.0, 16.0, 72.0, 41.0},
+    };
+    const printing::OwnMeasures own{u"２"_s, u"5"_s, u"70"_s, u"40"_s, u"10"_s, u"12"_s, u"2"_s, u"1"_s};
+    for (const auto& each : cases) {
+        const auto stock = printing::stockOf(each.key, own);
+        ASSERT_TRUE(stock) << each.key.toStdString();
+        const auto printer = printing::pdfFile(directory.path(), u"宛名"_s);
+        printing::LabelRun run(printer->font(), *stock, 1);
+        for (int label = 1; label <= stock->labels(); ++label)
+            run.printLabel({u"〒%1"_s.arg(100 + label), {}, {}, u"号室%1"_s.arg(100 + label)});
+        const std::vector<Word> words = wordsOf(printer->print(run).file);
+        ASSERT_EQ(words.size(), static_cast<std::size_t>(stock->labels()) * 2);
+        for (int label = 1; label <= stock->labels(); ++label) {
+            const auto found = std::ranges::find(words, u"〒%1"_s.arg(100 + label), &Word::text);
+            ASSERT_NE(found, words.end());
+            const int place = label % stock->labels();
+            EXPECT_EQ(found->page, label < stock->labels() ? 1 : 2);
+            EXPECT_NEAR(found->left, each.left + place % stock->columns * each.across, 0.1) << each.key.toStdString();
+            EXPECT_NEAR(found->top, each.top + place / stock->columns * each.down, 0.1) << each.key.toStdString();
+            const auto fourth = std::ranges::find(words, u"号室%1"_s.arg(100 + label), &Word::text);
+            ASSERT_NE(fourth, words.end());
+            EXPECT_NEAR(fourth->top, found->top + 15, 0.1);
+        }
+    }
+}
+
+TEST_F(LabelPainter, WritesCardsVertically) {
+    const struct {
+        QString key;
+        double wider; // than a postcard: its boxes stand so much further to the right
+        double address1, address2, name;
+    } cases[] = {{u"hagaki"_s, 0, 87, 78, 50}, {u"chou3"_s, 20, 104, 93, 60}};
+    for (const auto& each : cases) {
+        const auto printer = printing::pdfFile(directory.path(), u"宛名"_s);
+        printing::LabelRun run(printer->font(), *printing::stockOf(each.key, {}));
+        const auto result = run.printLabel({u"６０４-8005"_s, u"山田　太郎"_s, u"寺前12-３"_s, u"コーポ105"_s});
+        EXPECT_FALSE(result.tight);
+        std::vector<Word> words = wordsOf(printer->print(run).file);
+        std::ranges::sort(words, {}, &Word::top);
+        const auto expectColumn = [&](double line, const QString& text) {
+            QString found;
+            for (const Word& word : words) {
+                if (std::abs((word.left + word.right) / 2 - line) < 0.1 && word.top > 20)
+                    found += word.text;
+            }
+            EXPECT_EQ(found, text) << each.key.toStdString();
+        };
+        expectColumn(each.name, u"山田太郎様"_s);
+        expectColumn(each.address1, u"寺前一二三"_s); // the dash lies on its side, which is another box
+        expectColumn(each.address2, u"コポ一〇五"_s);
+        const double boxes[] = {47.15, 54.15, 61.15, 68.75, 75.55, 82.35, 89.15};
+        QString digits;
+        std::ranges::sort(words, {}, &Word::left);
+        for (const Word& word : words) {
+            if (word.top > 20)
+                continue;
+            EXPECT_NEAR((word.left + word.right) / 2, boxes[digits.size()] + each.wider, 0.1);
+            digits += word.text;
+        }
+        EXPECT_EQ(digits, u"6048005"_s);
+    }
+}
+
+TEST_F(LabelPainter, KeepsALongNameOnItsCard) {
+    for (const QString& key : {u"hagaki"_s, u"chou3"_s}) {
+        const auto stock = printing::stockOf(key, {});
+        for (const auto& [letters, tight] : {std::pair{60, false}, {200, true}}) {
+            const auto printer = printing::pdfFile(directory.path(), u"宛名"_s);
+            printing::LabelRun run(printer->font(), *stock);
+            const QString text = u"山"_s.repeated(letters);
+            EXPECT_EQ(run.printLabel({u"1-2"_s, text, text, {}}).tight, tight);
+            int seen = 0;
+            for (const Word& word : wordsOf(printer->print(run).file)) {
+                EXPECT_LT(word.top, stock->paper.height - 8);
+                seen += static_cast<int>(word.text.count(u'山'));
+            }
+            EXPECT_EQ(seen, 2 * letters); // nothing is cut off
         }
     }
 }
@@ -78,7 +166,7 @@ TEST_F(LabelPainter, ShowsASheetAtATime) {
     printing::LabelRun run(printer->font());
     for (int i = 0; i < 25; ++i)
         run.printLabel({u"100-0001"_s, u"山田　太郎"_s, u"寺前1丁目2-3"_s, {}});
-    printer->print(run.sheets());
+    printer->print(run);
     auto* window = opener.findChild<QDialog*>(u"宛名プレビュー"_s);
     ASSERT_NE(window, nullptr);
     auto* count = window->findChild<QLabel*>(u"枚目"_s);
@@ -96,7 +184,9 @@ TEST_F(LabelPainter, ShowsASheetAtATime) {
 
 TEST_F(LabelPainter, SaysWhenTheFileCannotBeWritten) {
     const auto printer = printing::pdfFile(directory.filePath(u"無い"_s), u"宛名"_s);
-    EXPECT_THROW(printer->print({{{25, 26.6, 10, 1, u"一"_s}}}), printing::PrintFailure);
+    printing::LabelRun run(printer->font());
+    run.printLabel({u"一"_s, {}, {}, {}});
+    EXPECT_THROW(printer->print(run), printing::PrintFailure);
 }
 
 } // namespace

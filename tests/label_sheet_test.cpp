@@ -12,7 +12,7 @@ class LabelSheet : public ::testing::Test {
     // The lines of one label with these texts, on a fresh sheet.
     std::vector<printing::LabelLine> linesOf(const printing::LabelAddress& address) {
         printing::LabelRun run(font);
-        missing = run.printLabel(address);
+        missing = run.printLabel(address).missing;
         return run.sheets().front();
     }
 

@@ -313,8 +313,8 @@ TEST_F(Notices, ListPrintAndMarkTheSameMemorialsOnce) {
     showNotices(form, context, desk);
     EXPECT_EQ(deceased(), u"初日|家無|末日"_s);
     EXPECT_EQ(cells(form.frm21_tbl, 1),
-              u"7|山田|初日|3回忌|令和8年11月22日|山田　太郎|寺前1丁目2-3|03-1234-5678|檀家備考"_s);
-    EXPECT_EQ(cells(form.frm21_tbl, 2), u"8|山田|家無|3回忌|令和8年12月4日||||"_s);
+              u"7|山田|初日|3回忌|令和8年11月22日|山田　太郎|寺前1丁目2-3|03-1234-5678|檀家備考|☑"_s);
+    EXPECT_EQ(cells(form.frm21_tbl, 2), u"8|山田|家無|3回忌|令和8年12月4日|||||☑"_s);
 
     // A preview or a printer that fails marks nothing.
     desk.expect(noHousehold, printing);
@@ -347,6 +347,115 @@ TEST_F(Notices, SayTwiceThatNothingLiesAhead) {
     desk.expect(nothing, printing);
     desk.expect(nothing, title);
     notifyRange(form, printer, desk);
+}
+
+TEST_F(Notices, LeaveOutWhatIsNotTicked) {
+    addDaily(40, u"2026-12-01"_s, false);
+    show(u"2026/12/01"_s, u"2027/12/01"_s);
+    const auto turn = [&](int row) {
+        form.frm21_tbl.clickedRow = row;
+        form.frm21_tbl.clickedColumn = form.frm21_tbl.tickColumn;
+        form.click(context, desk);
+    };
+    turn(1);
+    turn(2);
+    turn(2);
+    turn(30); // the first row of the next page
+    form.nextPage(desk);
+    EXPECT_EQ(form.frm21_tbl.cell(1, 9) + form.frm21_tbl.cell(2, 9), u"☐☑"_s);
+    form.previousPage(desk);
+    EXPECT_EQ(form.frm21_tbl.cell(1, 9) + form.frm21_tbl.cell(2, 9) + form.frm21_tbl.cell(30, 9), u"☐☑☐"_s);
+    previewNotices(form, printer, desk);
+    notifyRange(form, printer, desk);
+    for (const std::size_t job : {0, 1})
+        EXPECT_EQ(printer.lines(job, 5).size(), 38);
+    EXPECT_EQ(query(u"SELECT tblhoy_zokunameg FROM tbl_hohyo WHERE tblhoy_tsuchi_s = 0 ORDER BY 1"_s), u"001|030"_s);
+    // What is left is not chosen.
+    desk.expect(u"印刷する宛名が一つも選ばれていません。通知選択と宛名設定を確認して下さい。"_s, printing);
+    notifyRange(form, printer, desk);
+    EXPECT_EQ(printer.jobs.size(), 2U);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo WHERE tblhoy_tsuchi_s = 0"_s), u"2"_s);
+}
+
+TEST_F(Notices, TakeTheAnniversariesAndTheStartThatWereSet) {
+    addDaily(3, u"2026-12-01"_s, false);
+    execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_mei = iif(tblhoy_zokunameg = '002', '13回忌', '3回忌')"_s);
+    show(u"2026/12/01"_s, u"2027/12/01"_s);
+    setUpNotices(form, context, desk);
+    ASSERT_EQ(context.lbl_offered.size(), 2U);
+    EXPECT_EQ(context.lbl_offered[1].anniversary, u"13回忌"_s); // in the order of the years
+    EXPECT_EQ(context.lbl_offered[0].memorials, 2);
+    ASSERT_EQ(desk.opened.back().screen, u"宛名設定"_s);
+    context.lbl_anniversaries = QStringList{u"13回忌"_s};
+    context.lbl_start = 4;
+    context.lbl_taken = true;
+    desk.opened.back().closed();
+    EXPECT_EQ(form.frm21_tbl.cell(1, 9) + form.frm21_tbl.cell(2, 9), u"－☑"_s);
+    notifyRange(form, printer, desk);
+    EXPECT_EQ(marked(), u"0022026-11-22"_s);
+    EXPECT_NEAR(printer.jobs[0][0][0].top, 21.6 + 2 * 43.2 + 5, 1e-9);
+    EXPECT_EQ(form.choice->start, 0); // the next sheet is a whole one
+}
+
+TEST_F(Notices, AreTakenBackAsTheLastRunLeftThem) {
+    const QString none = u"取り消せる通知処理はありません。"_s;
+    desk.expect(none, title);
+    takeBackNotices(form, context, desk);
+    addDaily(5, u"2026-12-01"_s, false);
+    execute(u"UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 1, tblhoy_tsuchi_ymd = '2026-11-22' "
+            "WHERE tblhoy_zokunameg = '005'"_s); // by hand, on the same day
+    form.choice->unticked = {u"7\t2026-12-01\t001"_s};
+    notifyRange(form, printer, desk);
+    EXPECT_EQ(QFile::permissions(path(u"Hoshiren.mdb.notices"_s)) & (QFile::ReadGroup | QFile::ReadOther),
+              QFile::Permissions());
+    execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_rs = 1 WHERE tblhoy_zokunameg = '003'"_s);
+    // Another start of the program.
+    法要通Form later;
+    const QString question = u"2026/11/22の通知処理を取り消します。\n2件の法要を通知前に戻します。よろしいですか？\n"
+                             "（ほかの1件は、予約や実施などでその後に変わったため、そのままです。）"_s;
+    desk.answer(question, title, false);
+    takeBackNotices(later, context, desk);
+    EXPECT_EQ(desk.lastPreset, desk::Preset::no);
+    EXPECT_EQ(marked(), u"0022026-11-22|0032026-11-22|0042026-11-22|0052026-11-22"_s);
+    desk.answer(question, title, true);
+    takeBackNotices(later, context, desk);
+    EXPECT_EQ(marked(), u"0032026-11-22|0052026-11-22"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo WHERE tblhoy_tsuchi_s = 0 AND tblhoy_tsuchi_ymd IS NULL"_s),
+              u"3"_s);
+    desk.expect(none, title);
+    takeBackNotices(later, context, desk);
+}
+
+// A run that stopped between its marks and its record, or before its marks.
+TEST_F(Notices, OfARunThatStoppedAreNeverTakenBack) {
+    addDaily(2, u"2026-12-01"_s, false);
+    const QString none = u"取り消せる通知処理はありません。"_s;
+    printer.refusal = u"紙詰まり"_s;
+    desk.expect(u"紙詰まり"_s, printing);
+    notifyRange(form, printer, desk);
+    desk.expect(none, title);
+    takeBackNotices(form, context, desk);
+    printer.refusal.clear();
+    QFile record(path(u"Hoshiren.mdb.notices"_s));
+    const auto write = [&](const QByteArray& text) {
+        ASSERT_TRUE(record.open(QIODevice::WriteOnly));
+        record.write(text);
+        record.close();
+    };
+    const QByteArray run = R"([{"day":"2026-11-22","open":true,"rows":[[7,"001","2026-12-01"]]}])";
+    write(run);
+    desk.expect(none, title); // it never marked anything
+    takeBackNotices(form, context, desk);
+    execute(u"UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 1, tblhoy_tsuchi_ymd = '2026-11-22'"_s);
+    desk.expectBeginning(u"最後の通知処理（2026/11/22）は途中で止まったため"_s, title);
+    takeBackNotices(form, context, desk);
+    EXPECT_EQ(marked(), u"0012026-11-22|0022026-11-22"_s);
+    // A record that cannot be read stops a run before it prints.
+    execute(u"UPDATE tbl_hohyo SET tblhoy_tsuchi_s = 0"_s);
+    write("[{");
+    EXPECT_THROW(notifyRange(form, printer, desk), store::Error);
+    EXPECT_TRUE(printer.jobs.empty());
+    EXPECT_EQ(marked(), QString());
 }
 
 TEST_F(Notices, MarkAllOrNone) {

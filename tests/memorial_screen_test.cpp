@@ -76,6 +76,48 @@ TEST_F(MemorialScreens, ARangeIsCheckedWhenItsBoxIsLeft) {
     EXPECT_EQ(cell(u"法要通"_s, u"frm21_tbl"_s, 1, 4), u"令和8年12月1日"_s);
 }
 
+TEST_F(MemorialScreens, TheThirteenthAnniversariesTakeFewPresses) {
+    execute(u"INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_zokunameg, tblhoy_kaiki_yymd, tblhoy_kaiki_mei) VALUES "
+            "(7, '甲', '2026-12-05', '13回忌'), (7, '乙', '2027-02-05', '7回忌'), (7, '丙', '2027-03-05', '13回忌')"_s);
+    const QString list = u"法要通"_s;
+    const QString settings = u"宛名設定"_s;
+    open(u"メニュー"_s);
+    int presses = 0;
+    const auto pressed = [&](const QString& name, const QString& button) {
+        press(name, button);
+        ++presses;
+    };
+    pressed(u"メニュー"_s, u"法要通知"_s);
+    pressed(list, u"表示"_s);
+    EXPECT_EQ(cell(list, u"frm21_tbl"_s, 1, 9), u"☑"_s);
+    pressed(list, u"宛名設定"_s);
+    pressed(settings, u"回忌全解除"_s);
+    auto& anniversaries = control<QListWidget>(settings, u"回忌選択"_s);
+    const auto found = anniversaries.findItems(u"13回忌（2件）"_s, Qt::MatchExactly);
+    ASSERT_EQ(found.size(), 1);
+    found.front()->setCheckState(Qt::Checked);
+    ++presses;
+    // The upper half of the sheet is used up: a click on the seventh label.
+    auto& sheet = control(settings, u"開始位置"_s);
+    QTest::mouseClick(&sheet, Qt::LeftButton, {}, {sheet.width() / 2 - 20, sheet.height() / 2 + 10});
+    ++presses;
+    EXPECT_EQ(text(settings, u"開始番号"_s), u"7"_s);
+    pressed(settings, u"設定"_s);
+    EXPECT_EQ(workplace->find(settings), nullptr);
+    expectBeginning(u"プリンターがないため、宛名をPDFファイルに書き出しました。\n"_s, u"宛名印刷"_s);
+    pressed(list, u"通知"_s);
+    EXPECT_LE(presses, 8);
+    EXPECT_EQ(query(u"SELECT tblhoy_zokunameg FROM tbl_hohyo WHERE tblhoy_tsuchi_s = 1"_s), u"甲|丙"_s);
+    answer(u"2026/11/22の通知処理を取り消します。\n2件の法要を通知前に戻します。よろしいですか？"_s, u"法要通知"_s,
+           true);
+    press(list, u"通知取消"_s);
+    EXPECT_EQ(query(u"SELECT count(*) FROM tbl_hohyo WHERE tblhoy_tsuchi_s = 1"_s), u"0"_s);
+    // Space turns the tick of the row picked; the list stays where it is.
+    clickCell(list, u"frm21_tbl"_s, 2);
+    QTest::keyClick(&control(list, u"frm21_tbl"_s), Qt::Key_Space);
+    EXPECT_EQ(cell(list, u"frm21_tbl"_s, 2, 9) + cell(list, u"frm21_tbl"_s, 3, 9), u"☐－"_s);
+}
+
 TEST_F(MemorialScreens, AScreenLeftOpenKeepsItsDeceased) {
     const QString extra = u"法要外"_s;
     workplace->context.publishHousehold(7);

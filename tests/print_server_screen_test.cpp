@@ -18,7 +18,6 @@ namespace {
 
 class PrintServer : public RegisterFixture {
   protected:
-    PrintServer() { QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory.path()); }
     ~PrintServer() override { qunsetenv("LPDEST"); }
 
     // Prints sixty labels. What goes wrong is told in `failure`.
@@ -29,7 +28,7 @@ class PrintServer : public RegisterFixture {
         for (int i = 0; i < 60; ++i)
             run.printLabel({u"100-00%1"_s.arg(i), u"山田　太郎"_s, u"寺前1丁目2-3"_s, u"川端荘%1号"_s.arg(i)});
         try {
-            return printer->print(run.sheets());
+            return printer->print(run);
         } catch (const printing::PrintFailure& told) {
             failure = told.message;
         }

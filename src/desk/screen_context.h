@@ -2,8 +2,10 @@
 
 #include <QDate>
 #include <QString>
+#include <QStringList>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace store {
@@ -75,6 +77,19 @@ struct GraveBlock {
     std::int16_t hak_no = 0;
 };
 
+// What a list of notices asks of 宛名設定, and what it is given back. The sheet is in the user's settings.
+struct LabelBlock {
+    struct Offered {
+        QString anniversary;
+        int memorials = 0; // due
+    };
+    bool lbl_memorials = false;                   // for memorials; else for management fees
+    std::vector<Offered> lbl_offered;             // anniversaries to choose from
+    std::optional<QStringList> lbl_anniversaries; // those chosen; none: all of them
+    int lbl_start = 0;                            // the first free label of the first sheet, from 0
+    bool lbl_taken = false;                       // 宛名設定 was left with 設定
+};
+
 // State of one save attempt.
 struct CheckState {
     QString chk_msgflg = QStringLiteral("0"); // "1" once a message has been chosen
@@ -86,7 +101,7 @@ struct CheckState {
 };
 
 // The hand-off record between screens: one for the whole run.
-struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock, GraveBlock, CheckState {
+struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock, GraveBlock, LabelBlock, CheckState {
     std::int16_t hak_himo_no = 0; // grave chosen in a picker, 0 none
 
     // The screen that opens shows the branch of dnk_no2; 檀家登 starts from the household that is no branch otherwise.

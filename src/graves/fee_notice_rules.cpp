@@ -17,20 +17,21 @@ using printing::LabelMode;
 const QString title = u"お墓管理費通知"_s;
 
 // The columns of the list of graves under this screen's headers.
-std::vector<desk::ListColumn<ListedGrave>> columns() {
+std::vector<desk::ListColumn<ListedGrave>> columns(std::shared_ptr<const printing::LabelChoice> choice) {
     auto columns = graveColumns();
     columns[0].header = u"管理番号"_s;
     columns[3].header = u"檀家番号"_s;
     columns[4].twips = 500;
+    columns.push_back(printing::tickColumn<ListedGrave>(std::move(choice)));
     return columns;
 }
 
 } // namespace
 
-お墓通Form::お墓通Form()
+お墓通Form::お墓通Form(std::shared_ptr<printing::LabelChoice> shared)
     : ListForm({.title = title,
                 .nothing = u"管理費通知予定はありません。"_s,
-                .columns = columns(),
+                .columns = columns(shared),
                 .key =
                     [](const ListedGrave& grave) {
                         return BillingKey{grave.tblhak_kanri_nxymd, grave.tblhak_no};
@@ -38,7 +39,15 @@ std::vector<desk::ListColumn<ListedGrave>> columns() {
                 .complete = fillEraTexts,
                 .exists = graveExists,
                 .outOfRange = u"有功範囲外を指定しています。選択し直して下さい"_s},
-               {}) {}
+               {}),
+      choice(std::move(shared)) {
+    frm21_tbl.tickColumn = static_cast<int>(frm21_tbl.columns.size()) - 1;
+}
+
+void お墓通Form::click(desk::ScreenContext& context, desk::Desk& desk) {
+    ListForm::click(context, desk);
+    printing::clickTick(*choice, list.rows(), frm21_tbl);
+}
 
 bool お墓通Form::read(const BillingKey& key, const Take& take) const {
     store::Database database;
@@ -117,12 +126,18 @@ void openFeeHousehold(お墓通Form& form, desk::ScreenContext& context, desk::D
     form.open(u"檀家登"_s, desk);
 }
 
-void printFeeLabels(const お墓通Form& form, printing::LabelPrinter& printer, desk::Desk& desk) {
-    printing::宛名出力(form.from, form.to, LabelMode::fees, printer, desk);
+void setUpFeeLabels(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    printing::openLabelSettings(*form.choice, {}, context, desk, [] {});
+}
+
+void printFeeLabels(お墓通Form& form, printing::LabelPrinter& printer, desk::Desk& desk) {
+    if (printing::宛名出力(form.from, form.to, LabelMode::fees, printer, desk, *form.choice) ==
+        printing::LabelOutcome::handedOver)
+        printing::startAnew(*form.choice, desk);
 }
 
 void previewFeeLabels(const お墓通Form& form, printing::LabelPrinter& preview, desk::Desk& desk) {
-    printing::previewLabels(form.from, form.to, LabelMode::fees, preview, desk);
+    printing::previewLabels(form.from, form.to, LabelMode::fees, preview, desk, *form.choice);
 }
 
 } // namespace graves

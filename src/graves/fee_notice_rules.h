@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graves/grave_list_rules.h"
+#include "printing/label_choice.h"
 #include "printing/label_printer.h"
 #include "values/dates.h"
 
@@ -20,10 +21,15 @@ struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
     desk::Text frm21_to;
     QDate from; // of the opening or of the last 表示 that passed its checks
     QDate to;
+    std::shared_ptr<printing::LabelChoice> choice;
 
-    お墓通Form();
+    お墓通Form() : お墓通Form(std::make_shared<printing::LabelChoice>()) {}
     QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
+    void click(desk::ScreenContext& context, desk::Desk& desk) override;
     void goOn(desk::Desk& desk) override;
+
+  private:
+    explicit お墓通Form(std::shared_ptr<printing::LabelChoice> shared);
 
   protected:
     bool read(const BillingKey& key, const Take& take) const override;
@@ -39,8 +45,10 @@ void showFees(お墓通Form& form, desk::ScreenContext& context, desk::Desk& des
 void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 檀家照会: opens 檀家登 modal; afterwards the list goes on from its current billing date.
 void openFeeHousehold(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
-// 通知処理: prints a label for every grave of the range. Marks nothing.
-void printFeeLabels(const お墓通Form& form, printing::LabelPrinter& printer, desk::Desk& desk);
+// 宛名設定: opens it; its sheet and start hold until the screen closes.
+void setUpFeeLabels(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 通知処理: prints a label for every grave chosen in the range. Marks nothing.
+void printFeeLabels(お墓通Form& form, printing::LabelPrinter& printer, desk::Desk& desk);
 void previewFeeLabels(const お墓通Form& form, printing::LabelPrinter& preview, desk::Desk& desk); // 印刷プレビュー
 
 } // namespace graves

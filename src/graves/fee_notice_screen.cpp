@@ -24,6 +24,7 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showFees));
     ui::addListButtons(layout, *screen, form);
     layout.gap()
+        .action(u"宛名設定"_s, u"宛名設定"_s, screen->run(setUpFeeLabels))
         .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
                 [raw] { previewFeeLabels(raw->form(), *printing::preview(raw), raw->desk()); })
         .action(
@@ -34,7 +35,10 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         .action(u"檀家照会"_s, u"檀家情報"_s, screen->run(openFeeHousehold))
         .closing()
         .finish();
-    screen->onOpen(screen->run(beginFeeNotices));
+    screen->onOpen([raw, open = screen->run(beginFeeNotices)] {
+        raw->form().choice->stock = printing::stockKept();
+        open();
+    });
     return screen;
 }
 

@@ -16,60 +16,71 @@ namespace {
 
 const QString title = u"宛名印刷"_s;
 constexpr int householdsNamed = 10;
+constexpr int lettersNamed = 20;
 
 // The households that get a label in a range, a number a record.
 struct Due {
     bool anyAtOrAfter = false;
+    bool anyLeftOut = false; // by choice
     std::vector<std::int16_t> households;
 };
 
 template <class Index, class Date, class Household>
-Due due(store::Database& database, const Index& index, QDate from, QDate to, Date date, Household household) {
+Due due(store::Database& database, const Index& index, QDate from, QDate to, const LabelChoice& choice, Date date,
+        Household household) {
     Due found;
     store::Table records(database, index);
     found.anyAtOrAfter = records.seek(store::Seek::atOrAfter, from);
     for (; !records.eof() && records.row().*date <= to; records.moveNext()) {
-        if (const auto number = household(records.row()))
+        const auto number = household(records.row());
+        if (!number)
+            continue;
+        if (choice.takes(records.row()))
             found.households.push_back(*number);
+        else
+            found.anyLeftOut = true;
     }
     return found;
 }
 
-Due memorialsDue(store::Database& database, QDate from, QDate to) {
+Due memorialsDue(store::Database& database, QDate from, QDate to, const LabelChoice& choice) {
     using store::tbl_hohyo;
-    return due(database, store::idxhoy_yymd, from, to, &tbl_hohyo::tblhoy_kaiki_yymd, [](const tbl_hohyo& row) {
+    return due(database, store::idxhoy_yymd, from, to, choice, &tbl_hohyo::tblhoy_kaiki_yymd, [](const tbl_hohyo& row) {
         return store::isOpenForNotice(row) ? std::optional(row.tblhoy_no) : std::nullopt;
     });
 }
 
-Due feesDue(store::Database& database, QDate from, QDate to) {
+Due feesDue(store::Database& database, QDate from, QDate to, const LabelChoice& choice) {
     using store::tbl_ohaka;
-    return due(database, store::idxhak_kanrinext, from, to, &tbl_ohaka::tblhak_kanri_nxymd,
+    return due(database, store::idxhak_kanrinext, from, to, choice, &tbl_ohaka::tblhak_kanri_nxymd,
                [](const tbl_ohaka& row) { return std::optional(row.tblhak_dnk_no); });
 }
 
-QString namesOf(const std::map<std::int16_t, QString>& missing) {
+QString namesOf(const std::map<std::int16_t, QString>& households) {
     QStringList lines;
-    for (const auto& [household, characters] : missing) {
+    for (const auto& [household, remark] : households) {
         if (lines.size() == householdsNamed) {
-            lines << u"ほか %1 件"_s.arg(static_cast<int>(missing.size()) - householdsNamed);
+            lines << u"ほか %1 件"_s.arg(static_cast<int>(households.size()) - householdsNamed);
             break;
         }
-        lines << u"檀家番号 %1：%2"_s.arg(household).arg(characters);
+        lines << u"檀家番号 %1：%2"_s.arg(household).arg(remark);
     }
     return lines.join(u'\n');
 }
 
 } // namespace
 
-LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk) {
-    LabelRun run(printer.font());
+LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk,
+                      const LabelChoice& choice) {
+    LabelRun run(printer.font(), choice.stock, choice.start);
     Due records;
     std::size_t notFound = 0;
     std::map<std::int16_t, QString> missing;
+    std::map<std::int16_t, QString> tight;
     {
         store::Database database;
-        records = mode == LabelMode::memorials ? memorialsDue(database, from, to) : feesDue(database, from, to);
+        records = mode == LabelMode::memorials ? memorialsDue(database, from, to, choice)
+                                               : feesDue(database, from, to, choice);
         store::Table households(database, store::idxdnk_no);
         for (const std::int16_t lbl_dnk_no : records.households) {
             if (!store::seekHousehold(households, lbl_dnk_no)) {
@@ -77,10 +88,12 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
                 continue;
             }
             const store::tbl_danka& household = households.row();
-            const QString lacking = run.printLabel(
+            const LabelResult label = run.printLabel(
                 {household.tbldnk_yubin, household.tbldnk_toshug, household.tbldnk_jyusho1, household.tbldnk_jyusho2});
-            if (!lacking.isEmpty())
-                missing[lbl_dnk_no] = lacking;
+            if (!label.missing.isEmpty())
+                missing[lbl_dnk_no] = label.missing;
+            if (label.tight)
+                tight[lbl_dnk_no] = household.tbldnk_toshug.left(lettersNamed);
         }
     }
     if (!records.anyAtOrAfter) {
@@ -89,11 +102,15 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
     }
     for (std::size_t i = 0; i < notFound; ++i)
         desk.notify(u"檀家情報を取得出来ません。DBの整合性を確認して下さい"_s, title);
+    if (records.households.empty() && records.anyLeftOut) {
+        desk.notify(u"印刷する宛名が一つも選ばれていません。通知選択と宛名設定を確認して下さい。"_s, title);
+        return LabelOutcome::noneChosen;
+    }
     if (run.isEmpty())
         return LabelOutcome::noLabel;
     PrintedJob job;
     try {
-        job = printer.print(run.sheets());
+        job = printer.print(run);
     } catch (const PrintFailure& failure) {
         desk.notify(failure.message, title);
         return LabelOutcome::failed;
@@ -106,11 +123,15 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
         desk.notify(job.waiting, title);
     if (!missing.empty())
         desk.notify(u"印刷できない文字を〓にした宛名があります。\n"_s + namesOf(missing), title);
+    // The register's own sheet sets them as it always did.
+    if (!tight.empty() && choice.stock != standardStock())
+        desk.notify(u"長いため、読みにくいほど小さくなった宛名があります。\n"_s + namesOf(tight), title);
     return LabelOutcome::handedOver;
 }
 
-void previewLabels(QDate from, QDate to, LabelMode mode, LabelPrinter& preview, desk::Desk& desk) {
-    if (宛名出力(from, to, mode, preview, desk) == LabelOutcome::noLabel)
+void previewLabels(QDate from, QDate to, LabelMode mode, LabelPrinter& preview, desk::Desk& desk,
+                   const LabelChoice& choice) {
+    if (宛名出力(from, to, mode, preview, desk, choice) == LabelOutcome::noLabel)
         desk.notify(u"印刷する宛名はありません。"_s, title);
 }
 

@@ -112,16 +112,13 @@ PrintedJob writePdfBesideRegister(const PrintedDocument& document, QDate today) 
                     document.facts().noun + today.toString(u"_yyyyMMdd"_s));
 }
 
-// One page at a time, as wide as the room. Without the toolkit's own preview, which asks the print server for its
-// printers before it shows anything.
+// One page at a time, whole or as wide as the room. Without the toolkit's own preview, which asks the print server for
+// its printers before it shows anything.
 class PageView : public QWidget {
   public:
     explicit PageView(std::shared_ptr<const PrintedDocument> document)
         : document_(std::move(document)), paper_(document_->facts().paper) {
-        QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-        policy.setHeightForWidth(true);
-        setSizePolicy(policy);
-        setMinimumWidth(400);
+        setEnlarged(false);
     }
 
     int page() const { return page_; }
@@ -130,7 +127,16 @@ class PageView : public QWidget {
         update();
     }
 
-    bool hasHeightForWidth() const override { return true; }
+    void setEnlarged(bool enlarged) {
+        enlarged_ = enlarged;
+        QSizePolicy policy(QSizePolicy::Expanding, enlarged ? QSizePolicy::Preferred : QSizePolicy::Expanding);
+        policy.setHeightForWidth(enlarged);
+        setSizePolicy(policy);
+        setMinimumWidth(enlarged ? 400 : 200);
+        update();
+    }
+
+    bool hasHeightForWidth() const override { return enlarged_; }
     int heightForWidth(int width) const override {
         return 2 * edge + static_cast<int>((width - 2 * edge) * paper_.pageHeight() / paper_.pageWidth());
     }
@@ -139,22 +145,25 @@ class PageView : public QWidget {
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        const int wide = width() - 2 * edge;
-        painter.fillRect(edge, edge, wide, heightForWidth(width()) - 2 * edge, Qt::white);
-        painter.translate(edge, edge);
-        const double dotsAnInch = wide / paper_.pageWidth() * millimetresAnInch;
+        // In dots a millimetre.
+        const double wide = (width() - 2 * edge) / paper_.pageWidth();
+        const double scale = enlarged_ ? wide : std::min(wide, (height() - 2 * edge) / paper_.pageHeight());
+        const QSizeF page(paper_.pageWidth() * scale, paper_.pageHeight() * scale);
+        painter.translate((width() - page.width()) / 2, edge);
+        painter.fillRect(QRectF(QPointF(), page), Qt::white);
         painter.save();
-        document_->paintGuides(painter, page_, dotsAnInch);
+        document_->paintGuides(painter, page_, scale * millimetresAnInch);
         painter.restore();
-        document_->paint(painter, page_, dotsAnInch);
+        document_->paint(painter, page_, scale * millimetresAnInch);
     }
 
   private:
-    static constexpr int edge = 32; // of the desk that the page lies on, pixels
+    static constexpr int edge = 16; // of the desk that the page lies on, pixels
 
     const std::shared_ptr<const PrintedDocument> document_;
     const Paper paper_;
     int page_ = 0;
+    bool enlarged_ = false;
 };
 
 #ifdef HOSHIREN_PRINT_SERVER
@@ -283,14 +292,15 @@ void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opene
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->setObjectName(document->facts().noun + u"プレビュー"_s);
     window->setWindowTitle(u"印刷プレビュー"_s);
-    const QString remark = document->remark();
+    auto* remark = new QLabel(document->remark());
+    remark->setObjectName(u"件数"_s);
+    remark->setTextFormat(Qt::PlainText);
     auto* view = new PageView(std::move(document));
     auto* room = new QScrollArea;
     room->setWidget(view);
     room->setWidgetResizable(true);
     view->setBackgroundRole(QPalette::Mid);
     view->setAutoFillBackground(true);
-    room->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     auto* count = new QLabel;
     count->setObjectName(u"枚目"_s);
     const auto button = [window](const QString& name) {
@@ -302,22 +312,30 @@ void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opene
     };
     QPushButton* previous = button(u"前ページ"_s);
     QPushButton* next = button(u"後ページ"_s);
+    QPushButton* enlarge = button(u"拡大"_s);
+    enlarge->setCheckable(true);
     QPushButton* close = button(u"終了"_s);
-    const auto showPage = [view, room, count, previous, next, pages, remark](int page) {
+    const auto showPage = [view, room, count, previous, next, pages](int page) {
         view->show(page);
         room->verticalScrollBar()->setValue(0);
-        count->setText(u"%1 / %2 枚目"_s.arg(page + 1).arg(pages) + (remark.isEmpty() ? remark : u'　' + remark));
+        count->setText(u"%1 / %2 枚目"_s.arg(page + 1).arg(pages));
         previous->setEnabled(page > 0);
         next->setEnabled(page + 1 < pages);
     };
     QObject::connect(previous, &QPushButton::clicked, window, [view, showPage] { showPage(view->page() - 1); });
     QObject::connect(next, &QPushButton::clicked, window, [view, showPage] { showPage(view->page() + 1); });
+    QObject::connect(enlarge, &QPushButton::toggled, window, [view, room](bool enlarged) {
+        room->setVerticalScrollBarPolicy(enlarged ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+        view->setEnlarged(enlarged);
+    });
     QObject::connect(close, &QPushButton::clicked, window, &QDialog::close);
 
     auto* whole = new QVBoxLayout(window);
+    remark->setVisible(!remark->text().isEmpty());
+    whole->addWidget(remark);
     whole->addWidget(room, 1);
     auto* buttons = new QHBoxLayout;
-    for (QWidget* widget : {static_cast<QWidget*>(previous), static_cast<QWidget*>(next), static_cast<QWidget*>(count)})
+    for (QWidget* widget : std::initializer_list<QWidget*>{previous, next, enlarge, count})
         buttons->addWidget(widget);
     buttons->addStretch(1);
     for (PreviewButton& each : offered) {
@@ -352,13 +370,27 @@ void PrintedFont::use(QPainter& painter) const {
 
 void PrintedFont::draw(QPainter& painter, double dotsAnInch, const QString& text, double x, double top, double points,
                        double widthShare) const {
-    const QTransform corner = painter.transform();
     const double dots = dotsAnInch / millimetresAnInch;
+    drawAt(painter, dotsAnInch, text, points, widthShare, QTransform::fromTranslate(x * dots, top * dots));
+}
+
+void PrintedFont::drawTurned(QPainter& painter, double dotsAnInch, const QString& text, double x, double top,
+                             double points) const {
+    const double dots = dotsAnInch / millimetresAnInch;
+    drawAt(painter, dotsAnInch, text, points, 1, QTransform(0, 1, -1, 0, x * dots, top * dots));
+}
+
+double PrintedFont::ascent() const {
+    return metrics_.ascent() / measuredPixels;
+}
+
+void PrintedFont::drawAt(QPainter& painter, double dotsAnInch, const QString& text, double points, double widthShare,
+                         const QTransform& place) const {
+    const QTransform corner = painter.transform();
     // From the top of the line to its baseline, where a text is drawn.
     const double size = points / pointsAnInch * dotsAnInch;
     const double scale = size / measuredPixels;
-    const double ascent = metrics_.ascent() / measuredPixels;
-    painter.setTransform(QTransform(scale * widthShare, 0, 0, scale, x * dots, top * dots + ascent * size) * corner);
+    painter.setTransform(QTransform(scale * widthShare, 0, 0, scale, 0, ascent() * size) * place * corner);
     painter.drawText(QPointF(0, 0), text);
     painter.setTransform(corner);
 }

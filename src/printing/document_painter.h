@@ -12,6 +12,7 @@
 #include <memory>
 #include <vector>
 
+class QTransform;
 class QWidget;
 
 // The three ways out of a document: a printer, a PDF file, a window.
@@ -57,8 +58,16 @@ class PrintedFont {
     // natural width.
     void draw(QPainter& painter, double dotsAnInch, const QString& text, double x, double top, double points,
               double widthShare = 1) const;
+    // The same, read with the right edge of the page above: it begins at `top` and runs down, its upper edge at x.
+    void drawTurned(QPainter& painter, double dotsAnInch, const QString& text, double x, double top,
+                    double points) const;
+    // From the top of a line to its baseline, as a share of the text's size.
+    double ascent() const;
 
   private:
+    void drawAt(QPainter& painter, double dotsAnInch, const QString& text, double points, double widthShare,
+                const QTransform& place) const;
+
     QFont font_;
     QFontMetricsF metrics_;
     mutable QHash<char32_t, bool> known_;

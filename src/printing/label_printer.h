@@ -11,7 +11,7 @@ class LabelPrinter {
     virtual ~LabelPrinter() = default;
     virtual const LabelFont& font() const = 0;
     // Hands all sheets over as one job. Throws PrintFailure when nothing, or not everything, was handed over.
-    virtual PrintedJob print(const std::vector<LabelSheet>& sheets) = 0;
+    virtual PrintedJob print(const LabelRun& run) = 0;
 };
 
 } // namespace printing

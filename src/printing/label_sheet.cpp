@@ -1,20 +1,17 @@
 #include "printing/label_sheet.h"
 
+#include "printing/vertical_address.h"
+
 #include <QList>
 #include <QTextBoundaryFinder>
 
 #include <algorithm>
+#include <cmath>
 
 namespace printing {
 namespace {
 
-constexpr int labelsPerSheet = 12;
-constexpr double leftEdge = 25.0;
-constexpr double columnPitch = 83.8;
-constexpr double rowPitch = 43.2;
 constexpr double linePitch = 5.0;
-// Address line 2 and the three lines under it that still lie on the label.
-constexpr std::size_t linesOfAddress2 = 4;
 
 // The text as it can be set: control characters (a line break, a tab) as blanks, what the font lacks as 〓 and, each
 // once, in `missing`. Joiners and variation selectors have no glyph of their own and stay.
@@ -48,8 +45,8 @@ QString withoutTrailingBlanks(QStringView text) {
 // at a break hang over the edge. No more of the text is measured than what the lines hold, however long it is.
 class LineBreaker {
   public:
-    LineBreaker(const QString& text, const LabelFont& font)
-        : text_(text), font_(font), breaks_(QTextBoundaryFinder::Line, text) {
+    LineBreaker(const QString& text, const LabelFont& font, std::size_t most)
+        : text_(text), font_(font), most_(most), breaks_(QTextBoundaryFinder::Line, text) {
         QTextBoundaryFinder letters(QTextBoundaryFinder::Grapheme, text);
         while (letters.toNextBoundary() > 0)
             ends_.push_back(letters.position());
@@ -60,7 +57,7 @@ class LineBreaker {
     bool lay(double room, std::vector<QString>& lines) {
         lines.clear();
         qsizetype start = 0;
-        while (start < text_.size() && lines.size() < linesOfAddress2) {
+        while (start < text_.size() && lines.size() < most_) {
             const qsizetype end = endOfLine(start, room);
             lines.push_back(text_.sliced(start, end - start));
             start = end;
@@ -96,48 +93,68 @@ class LineBreaker {
 
     const QString& text_;
     const LabelFont& font_;
+    const std::size_t most_; // lines
     QTextBoundaryFinder breaks_;
     std::vector<qsizetype> ends_; // of the letters
 };
 
 } // namespace
 
-QString LabelRun::printLabel(const LabelAddress& address) {
-    ++lbl_cnt;
-    if (lbl_cnt > labelsPerSheet)
-        lbl_cnt = 1;
-    if (lbl_cnt == 1)
-        sheets_.emplace_back();
-    lbl_col = lbl_col == 1 ? 0 : 1;
+LabelRun::LabelRun(const LabelFont& font, LabelStock stock, int start)
+    : font_(font), stock_(std::move(stock)), start_(start),
+      linesOfAddress2_(static_cast<std::size_t>(
+          std::max(1.0, std::floor((stock_.height - stock_.textTop - 3 * linePitch) / linePitch)))) {}
 
-    const double x = lbl_col * columnPitch + leftEdge;
-    const double top = (lbl_col == 0 ? lbl_cnt : lbl_cnt - 1) / 2.0 * rowPitch;
-    QString missing;
-    putFitted(x, top + linePitch, settable(address.lbl_yubin, font_, missing));
-    putFitted(x, top + 2 * linePitch, settable(address.lbl_toshug, font_, missing));
-    putFitted(x, top + 3 * linePitch, settable(address.lbl_jyusho1, font_, missing));
-    putBroken(x, top + 4 * linePitch, settable(address.lbl_jyusho2, font_, missing));
-    return missing;
+LabelResult LabelRun::printLabel(const LabelAddress& address) {
+    const int place = (start_ + labels_) % stock_.labels();
+    if (place == 0 || labels_ == 0)
+        sheets_.emplace_back();
+    ++labels_;
+    tight_ = false;
+
+    LabelResult result;
+    const auto set = [&](const QString& text) { return settable(text, font_, result.missing); };
+    const LabelAddress settableAddress{set(address.lbl_yubin), set(address.lbl_toshug), set(address.lbl_jyusho1),
+                                       set(address.lbl_jyusho2)};
+    if (stock_.card) {
+        result.tight = writeVertically(settableAddress, *stock_.card, font_, sheets_.back());
+        return result;
+    }
+    const double x = stock_.labelLeft(place) + stock_.textLeft;
+    const double top = stock_.labelTop(place) + stock_.textTop;
+    putFitted(x, top, settableAddress.lbl_yubin);
+    putFitted(x, top + linePitch, settableAddress.lbl_toshug);
+    putFitted(x, top + 2 * linePitch, settableAddress.lbl_jyusho1);
+    putBroken(x, top + 3 * linePitch, settableAddress.lbl_jyusho2);
+    result.tight = tight_;
+    return result;
 }
 
 void LabelRun::putFitted(double x, double top, const QString& text) {
     if (text.isEmpty())
         return;
+    const double room = stock_.textRoom;
+    if (font_.surelyFits(text, room)) {
+        sheets_.back().push_back({x, top, fullPoints, 1.0, text});
+        return;
+    }
     const double width = font_.width(withoutTrailingBlanks(text));
-    const double points = width > textRoom ? std::max(leastPoints, fullPoints * textRoom / width) : fullPoints;
-    const double setWidth = width * points / fullPoints;
-    sheets_.back().push_back({x, top, points, setWidth > textRoom ? textRoom / setWidth : 1.0, text});
+    put(x, top, width > room ? std::max(leastPoints, fullPoints * room / width) : fullPoints, text, width);
 }
 
 void LabelRun::putBroken(double x, double top, const QString& text) {
+    const double room = stock_.textRoom;
+    if (text.isEmpty() || font_.surelyFits(text, room)) {
+        putFitted(x, top, text);
+        return;
+    }
     double points = fullPoints;
     std::vector<QString> lines;
-    if (font_.width(withoutTrailingBlanks(text)) <= textRoom) {
-        if (!text.isEmpty())
-            lines.push_back(text);
+    if (font_.width(withoutTrailingBlanks(text)) <= room) {
+        lines.push_back(text);
     } else {
-        LineBreaker breaker(text, font_);
-        const auto fitsAt = [&](double size) { return breaker.lay(textRoom * fullPoints / size, lines); };
+        LineBreaker breaker(text, font_, linesOfAddress2_);
+        const auto fitsAt = [&](double size) { return breaker.lay(room * fullPoints / size, lines); };
         if (!fitsAt(fullPoints)) {
             constexpr double step = 0.5;
             // What does not fit at the least size fits at none between.
@@ -147,10 +164,16 @@ void LabelRun::putBroken(double x, double top, const QString& text) {
         }
     }
     for (const QString& line : lines) {
-        const double setWidth = font_.width(withoutTrailingBlanks(line)) * points / fullPoints;
-        sheets_.back().push_back({x, top, points, setWidth > textRoom ? textRoom / setWidth : 1.0, line});
+        put(x, top, points, line, font_.width(withoutTrailingBlanks(line)));
         top += linePitch;
     }
+}
+
+void LabelRun::put(double x, double top, double points, const QString& text, double fullWidth) {
+    const double width = fullWidth * points / fullPoints;
+    const double room = stock_.textRoom;
+    tight_ = tight_ || width > room;
+    sheets_.back().push_back({x, top, points, width > room ? room / width : 1.0, text});
 }
 
 } // namespace printing

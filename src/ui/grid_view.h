@@ -17,6 +17,9 @@ class GridView : public RowTable {
     int shownRows() const override { return std::max(grid_.blankRows, filledRows()); }
     QString cell(int row, int column) const override { return grid_.cell(row, column); }
 
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
     desk::Grid grid_;
 };

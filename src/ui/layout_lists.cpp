@@ -140,8 +140,9 @@ Layout& Layout::grid(const QString& name, desk::Grid& value, const GridEvents& e
                 screen->operate(run);
         };
     };
-    view->clickedAt = [screen, &value, run = events.clicked](int row, int) {
+    view->clickedAt = [screen, &value, run = events.clicked](int row, int column) {
         screen->operate([&] {
+            value.clickedColumn = column;
             value.clickedRow = std::min(row, static_cast<int>(value.rows.size()) + 1);
             run();
         });

@@ -26,10 +26,10 @@ class TestFont : public printing::LabelFont {
 class TestPrinter : public printing::LabelPrinter {
   public:
     const printing::LabelFont& font() const override { return font_; }
-    printing::PrintedJob print(const std::vector<printing::LabelSheet>& sheets) override {
+    printing::PrintedJob print(const printing::LabelRun& run) override {
         if (!refusal.isEmpty())
             throw printing::PrintFailure(refusal);
-        jobs.push_back(sheets);
+        jobs.push_back(run.sheets());
         return {file, waiting};
     }
     // The texts of a job's lines at this place below the tops of their labels, in millimetres.

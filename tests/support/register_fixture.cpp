@@ -2,9 +2,13 @@
 
 #include "store/database.h"
 
+#include <QSettings>
+
 using namespace Qt::StringLiterals;
 
 RegisterFixture::RegisterFixture() {
+    // What a test's user chooses is not what the machine's user chose.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory.path());
     store::Database::setRegisterPath(path(u"Hoshiren.mdb"_s));
     store::createRegister(store::Database::registerPath());
 }

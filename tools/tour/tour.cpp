@@ -9,10 +9,13 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
 #include <QPixmap>
 #include <QPrinterInfo>
 #include <QScopeGuard>
+#include <QSettings>
 #include <QTabWidget>
+#include <QTest>
 #include <QTextStream>
 #include <QtTest>
 
@@ -35,6 +38,8 @@ class Tour : public drive::ScreenDriver {
         : ScreenDriver([this](const QString& failure) { failures_ += failure; }), folder_(folder) {
         workplace->today = [] { return today; };
         workplace->finder = std::make_unique<search::RegisterFinder>([this] { return workplace->operating(); });
+        // What is chosen here is not what its user chose.
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.filePath(u"settings"_s));
         require(QPrinterInfo::defaultPrinter().isNull(), u"there is a printer, and the label would be printed on it"_s);
     }
 
@@ -228,6 +233,18 @@ void Tour::notice() {
     require(cell(name, u"frm21_tbl"_s, 1, 3) == u"100ｹ日"_s && cell(name, u"frm21_tbl"_s, 2, 3) == u"1周忌"_s,
             u"the list of notices is wrong"_s);
     picture(name);
+    // Four labels of the sheet are used up.
+    press(name, u"宛名設定"_s);
+    QTest::keyClick(&control(u"宛名設定"_s, u"開始位置"_s), Qt::Key_Down);
+    QTest::keyClick(&control(u"宛名設定"_s, u"開始位置"_s), Qt::Key_Down);
+    require(text(u"宛名設定"_s, u"開始番号"_s) == u"5"_s, u"the fifth label is not the first free one"_s);
+    save(screen(u"宛名設定"_s), u"宛名設定"_s);
+    press(u"宛名設定"_s, u"設定"_s);
+    press(name, u"印刷プレビュー"_s);
+    auto* sheet = screen(name).findChild<QDialog*>(u"宛名プレビュー"_s);
+    require(sheet && sheet->findChild<QLabel*>(u"件数"_s)->text().endsWith(u"5番目のラベルから"_s),
+            u"the preview does not begin with the fifth label"_s);
+    sheet->close();
     expectBeginning(u"プリンターがないため、宛名をPDFファイルに書き出しました。\n"_s, u"宛名印刷"_s);
     press(name, u"通知"_s);
     const QStringList labels = folder_.entryList({u"*.pdf"_s});
