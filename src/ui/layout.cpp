@@ -160,6 +160,12 @@ Layout& Layout::named(const QString& name) {
     return *this;
 }
 
+Layout& Layout::widget(QWidget* widget) {
+    place(widget);
+    label(widget);
+    return *this;
+}
+
 Layout& Layout::fill(QWidget* widget) {
     widget->setAccessibleName(screen_.windowTitle());
     bands_->addWidget(widget, 1);

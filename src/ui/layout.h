@@ -121,7 +121,9 @@ class Layout {
                   const RangeEvents& events);
     Layout& grid(const QString& name, desk::Grid& value, const GridEvents& events, int visibleRows = 17);
     Layout& button(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
-    // Any other widget as a band of its own that takes the room of the window; the caller binds it.
+    // Any other widget as an item of the row, or as a band of its own that takes the room of the window; the caller
+    // binds it.
+    Layout& widget(QWidget* widget);
     Layout& fill(QWidget* widget);
 
     // The row of buttons at the bottom. The main action wears the accent; where there is one that updates, that one
