@@ -91,6 +91,8 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
     column->addWidget(place);
     ui::Layout layout(*screen);
     layout.fill(whole);
+    // The keyboard starts where the rows are chosen; F3 leads to the search.
+    tabs->setFocus();
     for (KanaGrid* grid : grids) {
         raw->addToTabOrder(grid);
         raw->bind({grid, nullptr, {}, [grid] { grid->show(); }});
