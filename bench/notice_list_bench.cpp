@@ -74,7 +74,7 @@ int main(int argc, char** argv) {
         bench::SilentDesk desk;
         desk::ScreenContext context;
         memorials::法要通Form form;
-        memorials::openNotices(form, context, desk);
+        memorials::beginNotices(form, context, desk);
         const std::string from = form.from.toString(Qt::ISODate).toStdString();
         const std::string to = form.to.toString(Qt::ISODate).toStdString();
         const auto show = [&] {

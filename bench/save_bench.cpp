@@ -85,7 +85,7 @@ int main(int argc, char** argv) {
         desk::ScreenContext context;
         context.publishHousehold(household);
         households::檀家登Form form;
-        households::openHousehold(form, context, desk);
+        households::beginHousehold(form, context, desk);
         const store::tbl_danka row = [] {
             store::Database database;
             return store::find(database, store::idxdnk_no, household, 0).value();
@@ -101,7 +101,7 @@ int main(int argc, char** argv) {
             [&] { households::LoadHousehold(form, context, desk); });
 
         family::過去登Form death;
-        family::openDeathRegister(death, context, desk);
+        family::beginDeathRegister(death, context, desk);
         death.frm11_kazoku.current = 0;
         const QString name = death.frm11_kazoku.currentText();
         family::takeMember(death, context, desk);

@@ -1,7 +1,5 @@
 #include "support/screen_fixture.h"
 
-#include "app/screens.h"
-
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -66,28 +64,7 @@ TEST_F(Program, AModalScreenBlocksItsOpenerAndReportsItsEnd) {
 // What every screen owes: a tab order that starts and ends where it should, and a form that survives being shown and
 // read.
 TEST_F(Program, EveryScreenKeepsThePromisesOfTheKit) {
-    {
-        store::Database database;
-        store::Table(database, store::idxdnk_no).insert(sampleHousehold(1));
-    }
-    // What the lists open on.
-    execute(uR"(
-        INSERT INTO tbl_ohaka (tblhak_no, tblhak_bohyo_mei) VALUES (1, '山田家');
-        INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_dnknameg, tblkzk_nameg, tblkzk_sei_ymd) VALUES
-          (1, '山田', '山田　二', '1990-01-01');
-        INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_ymd) VALUES
-          (1, '山田', '山田　一', '2026-01-01');
-        INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_yymd) VALUES
-          (1, '山田', '山田　一', '2027-01-01'))"_s);
-    const auto makers = app::screens();
-    for (const QString& name : makers.keys()) {
-        SCOPED_TRACE(name.toStdString());
-        workplace->context.publishHousehold(1);
-        workplace->context.nameDeceased(u"山田"_s, u"山田　一"_s);
-        workplace->context.hoy_kaiki_yymd = QDate(2027, 1, 1);
-        ui::Screen& shown = open(name);
-        EXPECT_EQ(shown.objectName(), name);
-
+    openEvery([&](ui::Screen& shown) {
         const auto& order = shown.tabOrder();
         ASSERT_FALSE(order.empty());
         EXPECT_EQ(order.back()->objectName(), u"終了"_s);
@@ -118,8 +95,7 @@ TEST_F(Program, EveryScreenKeepsThePromisesOfTheKit) {
         shown.readForm();
         shown.showForm();
         EXPECT_EQ(texts(), before);
-        close(name);
-    }
+    });
 }
 
 TEST_F(Program, EnterGoesOnAsTabDoesAndPressesButtons) {

@@ -26,7 +26,7 @@ class DeathRegister : public RegisterFixture {
                 "INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1, tblhak_banchi2, tblhak_dnk_no, tblhak_bohyo_mei, "
                 "tblhak_haiki_kbn) VALUES (7, 'A', '1', 3, '先祖代々', 0), (8, 'B', '2', 3, '先祖代々', 0), "
                 "(9, 'C', '3', 3, '廃', 1), (10, 'D', '4', 4, '他家', 0)"_s);
-        family::openDeathRegister(form, context, desk);
+        family::beginDeathRegister(form, context, desk);
     }
     // 山田 花 taken from the family, everything filled in.
     void prepare() {
@@ -56,12 +56,12 @@ class DeathRegister : public RegisterFixture {
         form.frm11_kakocho.items = QStringList{u"山田 花"_s};
         form.entryHouseholds = QStringList{u"山田"_s};
         form.frm11_kakocho.current = 0;
-        family::showEntry(form, context, desk);
+        family::loadEntry(form, context, desk);
     }
     void change() {
         desk.answer(askChange, title, true);
         desk.expect(u"入力された内容で家族は更新されました。"_s, title);
-        family::changeDeath(form, context, desk);
+        family::updateDeath(form, context, desk);
     }
     QString flag() { return query(u"SELECT tblkzk_seishikbn FROM tbl_kazoku WHERE tblkzk_nameg = '山田 花'"_s); }
     QString entries() { return query(u"SELECT tblkak_zokunameg, tblkak_mei_ymd FROM tbl_kakocho"_s); }
@@ -122,7 +122,7 @@ TEST_F(DeathRegister, ChecksInScreenOrder) {
     // Spoiled one after the other from the last field up: each attempt tells of the first.
     for (auto it = std::rbegin(cases); it != std::rend(cases); ++it) {
         it->first(form);
-        for (auto* operation : {family::registerDeath, family::changeDeath}) {
+        for (auto* operation : {family::registerDeath, family::updateDeath}) {
             desk.expect(it->second, title);
             operation(form, context, desk);
         }
@@ -161,7 +161,7 @@ TEST_F(DeathRegister, StoresTheEntryMarksTheMemberAndPublishes) {
     EXPECT_EQ(query(known), u"1"_s);
 
     Form handed;
-    family::openDeathRegister(handed, context, desk);
+    family::beginDeathRegister(handed, context, desk);
     EXPECT_EQ(handed.frm11_kakocho.items + handed.frm11_kazoku.items, QStringList({u"山田 花"_s, u"山田 一"_s}));
     EXPECT_EQ(handed.frm11_kakocho.current, 0);
     EXPECT_EQ(deathBoxes(handed), u"平成122000/03/0180釈尼花シャクニハナ備7A1"_s);
@@ -188,7 +188,7 @@ TEST_F(DeathRegister, GraveKindsAndPlacesComeBackAsTheyWereChosen) {
         shown.frm11_kakocho.items = QStringList{u"山田 花"_s};
         shown.entryHouseholds = QStringList{u"山田"_s};
         shown.frm11_kakocho.current = 0;
-        family::showEntry(shown, context, desk);
+        family::loadEntry(shown, context, desk);
         for (auto kind : kinds)
             EXPECT_EQ((shown.*kind).chosen, kind == chosen);
         EXPECT_TRUE(shown.frm11_haka_nai.chosen == inside && shown.frm11_haka_soto.chosen != inside);
@@ -220,7 +220,7 @@ TEST_F(DeathRegister, AStrangerIsStoredButNotMarked) {
 TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
     registerHana();
     form.frm11_zoknameg.text = u"山田 一"_s;
-    for (auto* operation : {family::changeDeath, family::deleteDeath}) {
+    for (auto* operation : {family::updateDeath, family::removeDeath}) {
         desk.expect(u"俗名が変更されています。一覧から選び直して下さい"_s, title);
         operation(form, context, desk);
     }
@@ -228,12 +228,12 @@ TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
     form.命日.day.text = u"2"_s;
     form.frm11_kankeisha.text = u"山田 一"_s;
     desk.answer(askChange, title, false);
-    family::changeDeath(form, context, desk);
+    family::updateDeath(form, context, desk);
     EXPECT_EQ(entries(), u"山田 花,2000-03-01"_s);
     execute(u"UPDATE tbl_kakocho SET tblkak_add_ymd = '2001-01-01'"_s);
     desk.answer(askChange, title, true);
     desk.expect(u"この記録はほかの画面で変更されています。照会し直して下さい"_s, title);
-    family::changeDeath(form, context, desk);
+    family::updateDeath(form, context, desk);
     show();
     form.命日.day.text = u"2"_s;
     form.frm11_kankeisha.text = u"山田 一"_s;
@@ -247,7 +247,7 @@ TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
     form.frm11_zoknameg.text = u"山田 一"_s;
     family::openMemorials(form, context, desk);
     EXPECT_EQ(context.kak_zokunameg, u"山田 一"_s);
-    for (auto* operation : {family::changeDeath, family::deleteDeath}) {
+    for (auto* operation : {family::updateDeath, family::removeDeath}) {
         desk.expect(u"俗名が変更されています。一覧から選び直して下さい"_s, title);
         operation(form, context, desk);
     }
@@ -260,7 +260,7 @@ TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
     // A mistyped year that is put right again leaves it, too.
     form.命日.year.text = u"15"_s;
     desk.answer(askChange, title, false);
-    family::changeDeath(form, context, desk);
+    family::updateDeath(form, context, desk);
     form.命日.year.text = u"12"_s;
     change();
     EXPECT_EQ(query(u"SELECT tblkak_kyounen FROM tbl_kakocho"_s), u"81"_s);
@@ -270,7 +270,7 @@ TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
 
     execute(u"DELETE FROM tbl_kakocho"_s);
     for (const auto& [operation, question] :
-         {std::pair{&family::changeDeath, askChange}, {&family::deleteDeath, askDelete}}) {
+         {std::pair{&family::updateDeath, askChange}, {&family::removeDeath, askDelete}}) {
         desk.answer(question, title, true);
         desk.expect(u"指定された過去帳を読めませんません。DBの整合性を確認して下さい"_s, title);
         operation(form, context, desk);
@@ -281,7 +281,7 @@ TEST_F(DeathRegister, ChangesAndDeletesOnlyTheNameLastShown) {
     // An entry that is gone leaves a form in which the household's next one can be entered.
     Form handed;
     desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);
-    family::openDeathRegister(handed, context, desk);
+    family::beginDeathRegister(handed, context, desk);
     EXPECT_EQ(handed.frm11_no.text + handed.frm11_dankag.text + handed.frm11_dankak.text, u"3山田ヤマダ"_s);
     context.G初期値();
     desk.expect(u"檀家を照会してから登録して下さい"_s, title);
@@ -298,7 +298,7 @@ TEST_F(DeathRegister, DeletionAsksForTheMemorialsAndTheFamilyEach) {
         desk.answer(u"法要等の情報も削除しますか？"_s, title, memorials);
         desk.answer(u"家族登録は元に戻しますか？"_s, title, familyBack);
         desk.expect(u"削除処理を終了しました。"_s, title);
-        family::deleteDeath(form, context, desk);
+        family::removeDeath(form, context, desk);
         // Nobody who is gone is offered to the screens that open next.
         EXPECT_EQ(context.kak_zokunameg, QString());
         EXPECT_EQ(entries() + query(u"SELECT count(*) FROM tbl_hohyo"_s) + u',' + flag(), left);

@@ -47,11 +47,11 @@ TEST_F(EraRegistration, LooksUpByYearAndByName) {
     for (const auto& [typed, expected] : years) {
         if (expected.contains(u'd'))
             desk.expect(u"該当する年号がありません。確認して下さい。"_s, title);
-        EXPECT_EQ(run(calendar::showEraOfYear, u"x|%1|9"_s.arg(typed)), expected);
+        EXPECT_EQ(run(calendar::lookUpEra, u"x|%1|9"_s.arg(typed)), expected);
     }
-    EXPECT_EQ(run(calendar::showYearsOfEra, u"B||x"_s), u"B|1989|2020 kkk"_s);
+    EXPECT_EQ(run(calendar::lookUpYears, u"B||x"_s), u"B|1989|2020 kkk"_s);
     desk.expect(eraMissing, title);
-    EXPECT_EQ(run(calendar::showYearsOfEra, u"b|1|2"_s), u"b|1|2 kkk"_s);
+    EXPECT_EQ(run(calendar::lookUpYears, u"b|1|2"_s), u"b|1|2 kkk"_s);
 }
 
 TEST_F(EraRegistration, ChecksBeforeItRegisters) {
@@ -77,11 +77,11 @@ TEST_F(EraRegistration, ChecksBeforeItRegisters) {
 
 TEST_F(EraRegistration, ChangesAndDeletesTheEraOfTheName) {
     desk.expect(wrongYear, title);
-    EXPECT_EQ(run(calendar::changeEra, u"B|1990|1989"_s), u"B|1990|1989 kkD"_s);
+    EXPECT_EQ(run(calendar::updateEra, u"B|1990|1989"_s), u"B|1990|1989 kkD"_s);
     for (const auto& [operation, question, done, after] :
-         {std::tuple{&calendar::changeEra, askChange, u"指定された年号は更新されました。"_s,
+         {std::tuple{&calendar::updateEra, askChange, u"指定された年号は更新されました。"_s,
                      u"A,1926,1989|B,1990,2030"_s},
-          {&calendar::deleteEra, askDelete, u"指定された年号は削除されました。"_s, u"A,1926,1989"_s}}) {
+          {&calendar::removeEra, askDelete, u"指定された年号は削除されました。"_s, u"A,1926,1989"_s}}) {
         const QString untouched = table();
         desk.expect(eraMissing, title);
         run(operation, u"C|x|x"_s);
@@ -102,8 +102,8 @@ TEST_F(EraRegistration, ChangesAndDeletesAnEraOnlyAsItWasRead) {
     const QString other = u"UPDATE tbl_nengo SET tblnen_enen = 2021 WHERE tblnen_nengo = 'B'"_s;
     const QString nobody = u"DELETE FROM tbl_nengo WHERE tblnen_nengo = 'B'"_s;
     const QString changedB = u"A,1926,1989|B,1989,2021"_s;
-    const auto byName = &calendar::showYearsOfEra;
-    const auto byYear = &calendar::showEraOfYear;
+    const auto byName = &calendar::lookUpYears;
+    const auto byYear = &calendar::lookUpEra;
     const decltype(byName) nothing = nullptr;
     const struct {
         decltype(byName) shown;
@@ -114,29 +114,29 @@ TEST_F(EraRegistration, ChangesAndDeletesAnEraOnlyAsItWasRead) {
         QString meanwhile; // and while the question stands
         QString told, after;
     } cases[] = {
-        {byName, other, u"B"_s, calendar::changeEra, askChange, {}, changed, changedB},
-        {byName, other, u"B"_s, calendar::deleteEra, askDelete, {}, changed, changedB},
-        {byYear, other, u"B"_s, calendar::changeEra, askChange, {}, changed, changedB},
+        {byName, other, u"B"_s, calendar::updateEra, askChange, {}, changed, changedB},
+        {byName, other, u"B"_s, calendar::removeEra, askDelete, {}, changed, changedB},
+        {byYear, other, u"B"_s, calendar::updateEra, askChange, {}, changed, changedB},
         {nothing,
          other,
          u"B"_s,
-         calendar::deleteEra,
+         calendar::removeEra,
          askDelete,
          {},
          u"指定された年号は削除されました。"_s,
          u"A,1926,1989"_s},
-        {nothing, {}, u"B"_s, calendar::changeEra, askChange, other, changed, changedB},
-        {nothing, {}, u"B"_s, calendar::deleteEra, askDelete, other, changed, changedB},
+        {nothing, {}, u"B"_s, calendar::updateEra, askChange, other, changed, changedB},
+        {nothing, {}, u"B"_s, calendar::removeEra, askDelete, other, changed, changedB},
         {byName,
          other,
          u"A"_s,
-         calendar::changeEra,
+         calendar::updateEra,
          askChange,
          {},
          u"指定された年号は更新されました。"_s,
          u"B,1989,2021|A,2000,2001"_s},
-        {byName, nobody, u"B"_s, calendar::deleteEra, {}, {}, eraMissing, u"A,1926,1989"_s},
-        {byName, {}, u"B"_s, calendar::changeEra, askChange, nobody, eraMissing, u"A,1926,1989"_s},
+        {byName, nobody, u"B"_s, calendar::removeEra, {}, {}, eraMissing, u"A,1926,1989"_s},
+        {byName, {}, u"B"_s, calendar::updateEra, askChange, nobody, eraMissing, u"A,1926,1989"_s},
         {nothing,
          {},
          u"C"_s,

@@ -146,7 +146,7 @@ TEST_F(Erasure, HouseholdScreenAsksFirst) {
     households::檀家登Form form;
     const QString screenTitle = u"檀家 登録"_s;
     context.dnk_no1 = 0;
-    households::openHousehold(form, context, desk);
+    households::beginHousehold(form, context, desk);
     desk.expect(u"檀家を照会してから抹消して下さい"_s, screenTitle);
     households::eraseShownHousehold(form, context, desk);
     form.frm01_no.text = u"7"_s;

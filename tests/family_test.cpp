@@ -18,7 +18,7 @@ class Family : public RegisterFixture {
     Family() {
         context.publishHousehold(desk::HouseholdBlock::of(sampleHousehold(3)));
         context.dnk_chiku = u"東"_s;
-        family::openFamily(form, context, desk);
+        family::beginFamily(form, context, desk);
     }
     // name|kana|relationship|era|year|month|day
     void fill(const QString& typed) {
@@ -74,7 +74,7 @@ TEST_F(Family, RefusesWhatIsWrongAndTakesWhatIsOptional) {
         {u"a|カナ|"_s, u"続柄は必須項目です、選択又は入力をして下さい"_s}};
     for (const auto& [typed, message] : refused) {
         fill(typed);
-        for (auto* operation : {family::registerMember, family::changeMember}) {
+        for (auto* operation : {family::registerMember, family::updateMember}) {
             desk.expect(message, title);
             operation(form, context, desk);
         }
@@ -103,7 +103,7 @@ TEST_F(Family, ListsTheLivingByBirthThenNameAndShowsOne) {
             "INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_nameg, tblkzk_seishikbn) VALUES (4, '他家', '0')"_s);
     context.kzk_nameg = u"甲"_s;
     家族登Form shown;
-    family::openFamily(shown, context, desk);
+    family::beginFamily(shown, context, desk);
     EXPECT_EQ(shown.frm12_meibo.items, QStringList({u"丁"_s, u"乙"_s, u"甲"_s}));
     EXPECT_EQ(shown.frm12_meibo.current + shown.frm12_mzkgr.current, 4);
     EXPECT_EQ(shown.frm12_nameg.text + shown.frm12_namek.text + shown.frm12_続柄.text + shown.frm12_bikou.text +
@@ -115,15 +115,15 @@ TEST_F(Family, ListsTheLivingByBirthThenNameAndShowsOne) {
     fill(u"故人|カナ|祖父|大正|1|1|1"_s);
     desk.answer(askChange, title, true);
     desk.expect(u"入力された内容で家族は更新されました。"_s, title);
-    family::changeMember(form, context, desk);
+    family::updateMember(form, context, desk);
     EXPECT_EQ(query(u"SELECT tblkzk_seishikbn, tblkzk_sei_ymd FROM tbl_kazoku WHERE tblkzk_nameg = '故人'"_s),
               u"0,1912-01-01"_s);
     desk.answer(askDelete, title, false);
-    family::deleteMember(form, context, desk);
+    family::removeMember(form, context, desk);
     EXPECT_EQ(form.frm12_meibo.items.join(u"|"_s), u"故人|丁|乙|甲"_s);
     desk.answer(askDelete, title, true);
     desk.expect(u"指定された家族は削除されました。"_s, title);
-    family::deleteMember(form, context, desk);
+    family::removeMember(form, context, desk);
     EXPECT_EQ(form.frm12_meibo.items.join(u"|"_s) + count(), u"丁|乙|甲4"_s);
 }
 
@@ -132,9 +132,9 @@ TEST_F(Family, AHouseholdRenamedOrNotChosenChangesNobody) {
     context.dnk_nameg = u"山本"_s;
     form.frm12_meibo.choose(u"甲"_s);
     desk.expect(u"家族名が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, title);
-    family::showMember(form, context, desk);
+    family::loadMember(form, context, desk);
     for (const auto& [operation, question] :
-         {std::pair{&family::changeMember, askChange}, {&family::deleteMember, askDelete}}) {
+         {std::pair{&family::updateMember, askChange}, {&family::removeMember, askDelete}}) {
         fill(u"甲|カナ|父"_s);
         desk.answer(question, title, true);
         desk.expect(u"指定された家族を読めませんません。DBの整合性を確認して下さい"_s, title);
@@ -142,9 +142,9 @@ TEST_F(Family, AHouseholdRenamedOrNotChosenChangesNobody) {
     }
     context.G初期値();
     form = {};
-    family::openFamily(form, context, desk);
+    family::beginFamily(form, context, desk);
     fill(u"甲|カナ|父"_s);
-    for (auto* operation : {family::registerMember, family::changeMember}) {
+    for (auto* operation : {family::registerMember, family::updateMember}) {
         desk.expect(u"檀家を照会してから登録して下さい"_s, title);
         operation(form, context, desk);
     }

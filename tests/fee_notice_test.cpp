@@ -12,7 +12,7 @@ const QString title = u"お墓管理費通知"_s;
 
 class FeeNotices : public RegisterFixture {
   protected:
-    FeeNotices() { openFeeNotices(form, context, desk); }
+    FeeNotices() { beginFeeNotices(form, context, desk); }
     // Rows "(number, household, next billing)".
     void add(const QString& rows) {
         execute(u"INSERT INTO tbl_ohaka (tblhak_no, tblhak_dnk_no, tblhak_kanri_nxymd, tblhak_banchi1, "

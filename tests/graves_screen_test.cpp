@@ -2,6 +2,8 @@
 
 #include "ui/grid_view.h"
 
+#include <QLabel>
+#include <QScrollBar>
 #include <QtTest>
 
 using namespace Qt::StringLiterals;
@@ -31,6 +33,23 @@ class GraveScreens : public ScreenFixture {
         grid.setFocus();
         QTest::keyClick(&grid, key);
         QCoreApplication::processEvents();
+    }
+    // Turns the wheel down or up, or presses Page Down or Up, until the page is another; how often.
+    int turn(const QString& screenName, bool forward, bool byWheel) {
+        auto& grid = control<ui::GridView>(screenName, u"frm21_tbl"_s);
+        const QString before = first(screenName);
+        int times = 0;
+        while (first(screenName) == before && times++ < 40) {
+            if (!byWheel) {
+                key(screenName, forward ? Qt::Key_PageDown : Qt::Key_PageUp);
+                continue;
+            }
+            QWheelEvent notch(QPointF(50, 50), grid.viewport()->mapToGlobal(QPointF(50, 50)), {},
+                              {0, forward ? -120 : 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(grid.viewport(), &notch);
+            QCoreApplication::processEvents();
+        }
+        return times;
     }
     // Row on the highlight colour in all its width, 0 none.
     int highlighted(const QString& screenName) {
@@ -67,14 +86,33 @@ TEST_F(GraveScreens, ListIsWorkedByMouseAndKeyboardAlike) {
     clickCell(name, u"frm21_tbl"_s, 0, 2);
     EXPECT_EQ(highlighted(name), 30);
 
-    key(name, Qt::Key_PageDown);
-    key(name, Qt::Key_PageDown);
-    EXPECT_EQ(first(name), u"059"_s);
-    EXPECT_EQ(highlighted(name), 0);
-    key(name, Qt::Key_PageUp);
-    EXPECT_EQ(first(name), u"030"_s);
+    key(name, Qt::Key_Up);
+    EXPECT_EQ(grid.currentIndex().row(), 28); // the mark goes with the row chosen
+
+    // A page is read to its end before it is turned, and entered at its end when one reads backwards.
+    screen(name).resize(1300, 500);
+    EXPECT_EQ(grid.horizontalScrollBar()->maximum(), 0);
+    for (const bool byWheel : {false, true}) {
+        SCOPED_TRACE(byWheel);
+        key(name, Qt::Key_Home);
+        EXPECT_GT(turn(name, true, byWheel), 1);
+        EXPECT_EQ(first(name), u"030"_s);
+        EXPECT_EQ(grid.rowsInSight().first, 1);
+        EXPECT_GT(turn(name, true, byWheel), 1);
+        EXPECT_EQ(first(name), u"059"_s);
+        EXPECT_EQ(control<QLabel>(name, u"件数表示"_s).text(), u"59–70／70件"_s);
+        EXPECT_EQ(highlighted(name), 0);
+        EXPECT_EQ(turn(name, false, byWheel), 1);
+        EXPECT_EQ(first(name), u"030"_s);
+        EXPECT_EQ(grid.rowsInSight().second, 30);
+        if (!byWheel)
+            turn(name, false, byWheel);
+    }
     press(name, u"前ページ"_s);
     EXPECT_EQ(first(name), u"001"_s);
+    clickCell(name, u"frm21_tbl"_s, 2, 0);
+    key(name, Qt::Key_PageUp);
+    EXPECT_EQ(highlighted(name), 2);
     allShown();
 
     clickCell(name, u"frm21_tbl"_s, 3, 0);

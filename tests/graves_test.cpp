@@ -68,7 +68,7 @@ TEST_F(GraveList, OffersTheFirstHundredSectionsThatHaveANameInOrder) {
     execute(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 204) INSERT INTO tbl_ohaka "
             "(tblhak_no, tblhak_banchi1) SELECT i, printf('区%03d', (i + 1) / 2) FROM n; "
             "INSERT INTO tbl_ohaka (tblhak_no, tblhak_banchi1) VALUES (500, NULL), (501, ''), (502, 'O''Brien')"_s);
-    graves::openGraveList(form, context, desk);
+    graves::beginGraveList(form, context, desk);
     const QStringList& offered = form.frm21_block.items;
     ASSERT_EQ(offered.size(), 100);
     EXPECT_EQ(offered[0] + offered[1] + offered[99], u"O'Brien区001区099"_s);
@@ -131,15 +131,15 @@ TEST_F(Graves, SectionPickerListsFreeGravesOnly) {
 TEST_F(Graves, MarkerPickerListsEveryNamedGraveInTheOrderOfTheNames) {
     graves::紐墓標Form form;
     desk.expect(u"照会の区画にお墓はありません。登録内容を確認して下さい"_s, u"お墓紐付･墓標"_s);
-    graves::openPicker(form, context, desk);
+    graves::beginPicker(form, context, desk);
     execute(u"INSERT INTO tbl_ohaka (tblhak_no, tblhak_bohyo_mei, tblhak_dnk_no) VALUES (1, 'お', 12), (2, '', 0), "
             "(3, '\"', 0), (4, '!', 0), (5, 'O''Brien', 0), (6, '\"\"', 0), (7, NULL, 0)"_s);
-    graves::openPicker(form, context, desk);
+    graves::beginPicker(form, context, desk);
     EXPECT_EQ(numbers(form), u"6 5 1"_s);
     EXPECT_EQ(form.frm21_tbl.rows[1].join(u'|'), u"5|||0|||O'Brien"_s);
     execute(u"WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 49) INSERT INTO tbl_ohaka "
             "(tblhak_no, tblhak_bohyo_mei) SELECT i, printf('P''%d', i) FROM n"_s);
-    graves::openPicker(form, context, desk);
+    graves::beginPicker(form, context, desk);
     form.nextPage(desk);
     EXPECT_TRUE(numbers(form).startsWith(u"37 38 "_s));
 }
@@ -160,7 +160,7 @@ class Registration : public Graves {
         form = {};
         context.publishHousehold(householdNo);
         context.hak_no = graveNo;
-        graves::openRegistration(form, context, desk);
+        graves::beginRegistration(form, context, desk);
     }
     using Rule = void (*)(graves::お墓登Form&, desk::ScreenContext&, desk::Desk&);
     void update() {
@@ -193,7 +193,7 @@ TEST_F(Registration, ShowsHouseholdAndGrave) {
     context.publishHousehold(99);
     context.dnk_namek = u"カナ"_s;
     context.dnk_handedOver = true; // a household that a screen hands over is not read
-    graves::openRegistration(form, context, desk);
+    graves::beginRegistration(form, context, desk);
     EXPECT_EQ(form.frm13_no.text + form.frm13_dankak.text, u"99カナ"_s);
 }
 
@@ -332,7 +332,7 @@ TEST_F(Registration, WritesWhatTheScreenShows) {
 }
 
 TEST_F(Registration, ActsOnTheGraveInHandOnly) {
-    const Rule update = graves::updateGrave, remove = graves::deleteGrave, dispose = graves::disposeGrave;
+    const Rule update = graves::updateGrave, remove = graves::removeGrave, dispose = graves::disposeGrave;
     const QString before = query(u"SELECT * FROM tbl_ohaka"_s);
     open(7, 1);
     desk.expect(u"登録NOを入力して下さい"_s, title);
@@ -377,7 +377,7 @@ TEST_F(Registration, ActsOnTheGraveInHandOnly) {
 
 class NewGrave : public Graves {
   protected:
-    NewGrave() { graves::openNewGrave(form, context, desk); }
+    NewGrave() { graves::beginNewGrave(form, context, desk); }
     void fill(const QString& section, const QString& lot) {
         form.frm13_banchi1.text = section;
         form.frm13_banchi2.text = lot;
@@ -406,7 +406,7 @@ TEST_F(NewGrave, UsesANumberUpOnlyWhenItRegisters) {
     desk.expect(changed, newTitle); // proposed, but not registered
     press(graves::updateGrave);
     desk.expect(changed, newTitle);
-    press(graves::deleteGrave);
+    press(graves::removeGrave);
     EXPECT_EQ(lastNumber(), u"0"_s);
     registerWith(true);
     EXPECT_EQ(lastNumber(), u"1"_s);
@@ -507,7 +507,7 @@ TEST_F(NewGrave, LooksUpChangesAndDeletes) {
 
     desk.answer(u"お墓を削除します。内容を確認して下さい。"_s, newTitle, true);
     desk.expect(u"指定されたお墓は削除されました。"_s, newTitle);
-    press(graves::deleteGrave);
+    press(graves::removeGrave);
     EXPECT_EQ(stored(1, u"tblhak_no"_s), QString());
     EXPECT_EQ(context.hak_no, 0);
 }

@@ -45,7 +45,7 @@ TEST_F(HouseholdLists, FamilyListShowsEveryMemberWithABirthDateInOrder) {
     addMember(u"イ郎''"_s, u"'1930-12-31'"_s, u"'本人', '0', '0', '寺前1', ''"_s);
     addMember(u"ハナ"_s, u"'1899-01-01'"_s, u"'本人', '1', '1', '寺前1', '故人'"_s);
     addMember(u"無日"_s, u"NULL"_s);
-    family::openFamilyList(living, context, desk);
+    family::beginFamilyList(living, context, desk);
     const QString era = u"昭和5年12月31日"_s;
     EXPECT_EQ(living.frm21_tbl.rows,
               (std::vector<QStringList>{
@@ -60,19 +60,19 @@ TEST_F(HouseholdLists, FamilyListShowsEveryMemberWithABirthDateInOrder) {
     // What a screen hands over, unsaved edits included, is shown as it stands.
     context.dnk_jyusho1 = u"見出しの住所"_s;
     context.dnk_handedOver = true;
-    family::openFamilyList(living, context, desk);
+    family::beginFamilyList(living, context, desk);
     EXPECT_EQ(living.frm12_jyusho1.text, u"見出しの住所"_s);
 }
 
 TEST_F(HouseholdLists, FamilyListOpensTheMemberPickedAndStartsOverAfterwards) {
     for (int i = 0; i < 31; ++i)
         addMember(u"子%1"_s.arg(i, 2, 10, QChar(u'0')), u"'1960-01-01'"_s);
-    family::openFamilyList(living, context, desk);
-    family::showMember(living, context, desk); // nothing picked: nothing happens
+    family::beginFamilyList(living, context, desk);
+    family::openMember(living, context, desk); // nothing picked: nothing happens
     living.nextPage(desk);
     living.frm21_tbl.clickedRow = 2;
     living.click(context, desk);
-    family::showMember(living, context, desk);
+    family::openMember(living, context, desk);
     EXPECT_EQ(context.kzk_nameg, u"子30"_s);
     EXPECT_EQ(living.frm21_tbl.rows.size(), 2U);
     ASSERT_EQ(desk.opened.size(), 1U);
@@ -82,15 +82,15 @@ TEST_F(HouseholdLists, FamilyListOpensTheMemberPickedAndStartsOverAfterwards) {
 
 TEST_F(HouseholdLists, TellWhatIsMissing) {
     desk.expect(u"照会の家族情報は登録されていません"_s, familyTitle);
-    family::openFamilyList(living, context, desk);
+    family::beginFamilyList(living, context, desk);
     context.publishHousehold(8);
     desk.expect(u"指定された檀家を読めません。DBの整合性を確認して下さい"_s, deathTitle);
     desk.expect(u"照会の過去帳は登録されていません"_s, deathTitle);
-    family::openDeathList(dead, context, desk);
+    family::beginDeathList(dead, context, desk);
 
     context = {}; // no household chosen: the screens open empty
-    family::openFamilyList(living, context, desk);
-    family::openDeathList(dead, context, desk);
+    family::beginFamilyList(living, context, desk);
+    family::beginDeathList(dead, context, desk);
 }
 
 TEST_F(HouseholdLists, DeathListShowsTheNextMemorialAheadAndNotHeld) {
@@ -109,7 +109,7 @@ TEST_F(HouseholdLists, DeathListShowsTheNextMemorialAheadAndNotHeld) {
                         name, QString(memorial).replace(u","_s, u"', '"_s)));
     }
     addDeath(u"無日"_s, u"NULL"_s);
-    family::openDeathList(dead, context, desk);
+    family::beginDeathList(dead, context, desk);
     QStringList lines;
     for (const QStringList& row : dead.frm21_tbl.rows)
         lines << row[0] + row[6] + row[7];
@@ -124,6 +124,6 @@ TEST_F(HouseholdLists, DeathListShowsTheNextMemorialAheadAndNotHeld) {
     dead.frm21_tbl.clickedRow = 5;
     dead.click(context, desk);
     EXPECT_EQ(context.kak_zokunameg + context.kak_kaimyoug + context.dnk_nameg, u"旧姓釋浄光山田"_s);
-    family::showMemorialsOfDeceased(dead, context, desk);
+    family::openMemorialsOfDeceased(dead, context, desk);
     EXPECT_EQ(desk.opened.at(0).screen, u"法要個"_s);
 }

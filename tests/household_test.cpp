@@ -34,7 +34,7 @@ class Household : public RegisterFixture {
 
 TEST_F(Household, RefusedRegistrationUsesNoNumberAndTheNextOneSucceeds) {
     execute(u"DELETE FROM tbl_hatsuban"_s);
-    households::openHousehold(form, context, desk);
+    households::beginHousehold(form, context, desk);
     desk.expect(invalid, title);
     households::RegisterHousehold(form, context, desk);
     for (desk::Text* box : {&form.frm01_dankag, &form.frm01_dankak, &form.frm01_yubinno, &form.frm01_jyusho1,

@@ -150,12 +150,12 @@ TEST_F(Totals, AreThoseOfTheRowsListed) {
     section.frm21_block.text = free.frm21_block.text = u"東"_s;
     graves::chooseSection(section, context, desk);
     graves::chooseSection(free, context, desk);
-    graves::openPicker(markers, context, desk);
-    graves::openFeeNotices(fees, context, desk);
+    graves::beginPicker(markers, context, desk);
+    graves::beginFeeNotices(fees, context, desk);
     graves::showFees(fees, context, desk);
-    memorials::openReservations(reservations, context, desk);
+    memorials::beginReservations(reservations, context, desk);
     memorials::showReservations(reservations, context, desk);
-    memorials::openNotices(notices, context, desk);
+    memorials::beginNotices(notices, context, desk);
     memorials::showNotices(notices, context, desk);
     int at = 0;
     for (desk::AnyList* list :

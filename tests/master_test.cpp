@@ -42,7 +42,7 @@ TEST_F(MasterEntries, ANumberThatNamesOneIsWholeAndAtLeastOne) {
     const QString before = table();
     form.登録名称.text = form.登録略称.text = u"夫"_s;
     for (const QString& typed : {u"1.5"_s, u"２．５"_s, u"2.0"_s, u"-5"_s, u"0"_s, u"32768"_s, u""_s}) {
-        for (const auto operation : {&masters::saveEntry, &masters::deleteEntry}) {
+        for (const auto operation : {&masters::saveEntry, &masters::removeEntry}) {
             form.登録NO = {};
             form.登録NO.text = typed;
             desk.expect(u"登録NOに正しく入力してください"_s, title);
@@ -56,7 +56,7 @@ TEST_F(MasterEntries, ANumberThatNamesOneIsWholeAndAtLeastOne) {
 
 TEST_F(MasterEntries, AreWrittenOnlyAsTheyWereRead) {
     const auto save = &masters::saveEntry;
-    const auto remove = &masters::deleteEntry;
+    const auto remove = &masters::removeEntry;
     const QString changed = u"この記録はほかの画面で変更されています。照会し直して下さい"_s;
     const QString gone = u"指定された名称は登録されていません。"_s;
     const QString saved = u"名称は更新(登録)されました。"_s;
@@ -87,7 +87,7 @@ TEST_F(MasterEntries, AreWrittenOnlyAsTheyWereRead) {
     for (const auto& c : cases) {
         execute(u"DELETE FROM マスタ; INSERT INTO マスタ VALUES (1, 2, '妻', '妻'), (1, 3, '父', '父')"_s);
         form = {};
-        run(masters::openMasters);
+        run(masters::beginMasters);
         if (c.shown > 0) {
             form.マスタ一.clickedRow = c.shown;
             run(masters::pickEntry);

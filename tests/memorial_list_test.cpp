@@ -91,7 +91,7 @@ class MemorialLists : public RegisterFixture {
 
 class Reservations : public MemorialLists {
   protected:
-    Reservations() { openReservations(form, context, desk); }
+    Reservations() { beginReservations(form, context, desk); }
     void show(const QString& from, const QString& to) { MemorialLists::show(showReservations, form, from, to); }
     QString deceased() const { return column(form.frm21_tbl, 4); }
 
@@ -193,7 +193,7 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     法要個Form form;
     desk.expect(u"過去帳が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s, u"過去帳登録"_s);
     desk.expect(u"照会者の法要は登録されていません"_s, title);
-    openDeceasedMemorials(form, context, desk);
+    beginDeceasedMemorials(form, context, desk);
 
     execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg, tblkak_mei_gname, tblkak_mei_gyy, "
             "tblkak_mei_gmm, tblkak_mei_gdd, tblkak_kaimyoug) VALUES (7, '山田', '故人', '慶長', 5, 9, 15, '釈')"_s);
@@ -201,7 +201,7 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
         "(7, '故人', '1849-02-01', NULL, '1', 0, 0, '1849-02-02', NULL), "
         "(7, '麗人', '2027-01-11', NULL, '1', 0, 0, NULL, NULL)"_s);
     form = {};
-    openDeceasedMemorials(form, context, desk);
+    beginDeceasedMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_meigymd.text, u"慶長5年9月15日"_s);
     EXPECT_EQ(column(form.frm21_tbl, 2), u"嘉永2年2月2日|"_s);
     EXPECT_EQ(cells(form.frm21_tbl, 2),
@@ -227,12 +227,12 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     execute(u"UPDATE tbl_kakocho SET tblkak_kaimyoug = ''"_s);
     context.kak_kaimyoug = u"前の戒名"_s;
     form = {};
-    openDeceasedMemorials(form, context, desk);
+    beginDeceasedMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_kaimyog.text + context.kak_kaimyoug, QString());
     context.kak_kaimyoug = u"書きかけ"_s;
     context.kak_handedOver = true;
     form = {};
-    openDeceasedMemorials(form, context, desk);
+    beginDeceasedMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_kaimyog.text, u"書きかけ"_s);
     context.endHandOver();
     click(form, 1);
@@ -247,7 +247,7 @@ TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
     法要檀Form unknown;
     desk.expect(noHousehold, title);
     desk.expect(none, title);
-    openHouseholdMemorials(unknown, context, desk);
+    beginHouseholdMemorials(unknown, context, desk);
 
     addDaily(31, u"2027-01-01"_s, true);
     add(u"(7, '古い', '1590-01-01', '1590-01-01', '2', 1, 0, '1590-01-02', NULL), "
@@ -255,7 +255,7 @@ TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
     context.publishHousehold(7);
     context.dnk_namek = u"カナ"_s; // a block filled by halves is no household
     法要檀Form form;
-    openHouseholdMemorials(form, context, desk);
+    beginHouseholdMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_dankag.text + form.frm21_toshug.text + form.frm21_bikou.text, u"山田山田　太郎檀家備考"_s);
     EXPECT_EQ(cells(form.frm21_tbl, 1),
               u"古い|釈|3回忌|天正18年1月1日|済|天正18年1月2日|本堂|施主|||備考|1590/01/01"_s);
@@ -281,7 +281,7 @@ TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
 
 class Notices : public MemorialLists {
   protected:
-    Notices() { openNotices(form, context, desk); }
+    Notices() { beginNotices(form, context, desk); }
     void show(const QString& from, const QString& to) { MemorialLists::show(showNotices, form, from, to); }
     QString deceased() const { return column(form.frm21_tbl, 2); }
     QString marked() {

@@ -53,13 +53,13 @@ class Services : public RegisterFixture {
         context.nameDeceased(u"山田"_s, u"山田　一"_s);
         context.hoy_kaiki_yymd = QDate(2026, 1, 5);
         法要明Form form;
-        openDetail(form, context, desk);
+        beginDetail(form, context, desk);
         return form;
     }
     void save(法要明Form& form) {
         desk.answer(askChange, detailTitle, true);
         desk.expect(u"入力された内容で法要は更新されました。"_s, detailTitle);
-        saveDetail(form, context, desk);
+        updateDetail(form, context, desk);
     }
     QString stored(const QString& fields) {
         return query(u"SELECT %1 FROM tbl_hohyo WHERE tblhoy_kaiki_mei = '3回忌'"_s.arg(fields));
@@ -69,7 +69,7 @@ class Services : public RegisterFixture {
     法要外Form extra(const QString& name = u"特別供養"_s) {
         context.clearDeceased();
         法要外Form form;
-        openExtra(form, context, desk);
+        beginExtra(form, context, desk);
         chooseLine(form, 0);
         form.frm31_hohyo_mei.text = name;
         type(form.予約, u"9/2/14"_s);
@@ -85,7 +85,7 @@ class Services : public RegisterFixture {
     void deleteShown(法要外Form& form, const QString& told = deleted) {
         desk.answer(askDelete, extraTitle, true);
         desk.expect(told, extraTitle);
-        deleteExtra(form, context, desk);
+        removeExtra(form, context, desk);
     }
     QString names() {
         return query(u"SELECT tblhoy_danknameg || tblhoy_kaiki_mei FROM tbl_hohyo ORDER BY tblhoy_kaiki_yymd"_s);
@@ -131,7 +131,7 @@ TEST_F(Services, DetailTellsWhatIsMissing) {
     法要明Form form;
     desk.expect(noEntry, detailTitle);
     desk.expect(u"照会者の法要は登録されていません"_s, detailTitle);
-    openDetail(form, context, desk);
+    beginDetail(form, context, desk);
     bookOnScheduledDay(form, context, desk);
     EXPECT_EQ(form.予約.western.text, QString());
 }
@@ -210,7 +210,7 @@ TEST_F(Services, OnlyTheFirstFailureSpeaksAndAllAreRed) {
             desk.answer(askChange, detailTitle, false);
         else
             desk.expect(each.message, detailTitle);
-        saveDetail(form, context, desk);
+        updateDetail(form, context, desk);
         desk.finish();
         const desk::Control* const controls[] = {&form.予約.year,  &form.実施.year,      &form.開始時,
                                                  &form.開始分,     &form.frm31_法要場所, &form.施主,
@@ -228,20 +228,20 @@ TEST_F(Services, OnlyTheFirstFailureSpeaksAndAllAreRed) {
 TEST_F(Services, DetailDeletesItsMemorialOnce) {
     法要明Form form = detail();
     desk.answer(askDelete, detailTitle, false);
-    deleteDetail(form, context, desk);
+    removeDetail(form, context, desk);
     EXPECT_EQ(stored(u"count(*)"_s), u"1"_s);
     EXPECT_EQ(desk.lastPreset, desk::Preset::no);
     for (const QString& told : {deleted, missing}) {
         desk.answer(askDelete, detailTitle, true);
         desk.expect(told, detailTitle);
-        deleteDetail(form, context, desk);
+        removeDetail(form, context, desk);
         EXPECT_EQ(stored(u"count(*)"_s), u"0"_s);
         EXPECT_EQ(context.hoy_kaiki_yymd, QDate(1899, 12, 30)); // the next screen is not sent to look for it
         EXPECT_EQ(form.frm31_hohyo_mei.text, u"3回忌"_s);
     }
     desk.answer(askChange, detailTitle, true);
     desk.expect(missing, detailTitle);
-    saveDetail(form, context, desk);
+    updateDetail(form, context, desk);
 }
 
 TEST_F(Services, ARowChangedUnderTheScreenIsLeftAlone) {
@@ -264,10 +264,10 @@ TEST_F(Services, ARowChangedUnderTheScreenIsLeftAlone) {
         const QString before = all();
         desk.answer(askChange, detailTitle, true);
         desk.expect(each.told, detailTitle);
-        saveDetail(form, context, desk);
+        updateDetail(form, context, desk);
         desk.answer(askDelete, detailTitle, true);
         desk.expect(each.told, detailTitle);
-        deleteDetail(form, context, desk);
+        removeDetail(form, context, desk);
         deleteShown(shown, each.told);
         EXPECT_EQ(all(), before);
         EXPECT_EQ(form.frm31_法要場所.text, u"新しい所"_s); // what was typed stays
@@ -277,7 +277,7 @@ TEST_F(Services, ARowChangedUnderTheScreenIsLeftAlone) {
 
 TEST_F(Services, ExtraReadsTheDeceasedByTheKeyOfHisLine) {
     法要外Form form;
-    openExtra(form, context, desk);
+    beginExtra(form, context, desk);
     EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s, u"山田　一"_s}));
     EXPECT_EQ(form.施主.items, QStringList({u"ア"_s, u"イ"_s, u"ウ"_s})); // by name
     chooseLine(form, 0);
@@ -304,7 +304,7 @@ TEST_F(Services, ExtraOpenedForADeceasedShowsHimAsTheRegisterHoldsHim) {
     context.nameDeceased(u"旧姓"_s, u"山田　一"_s);
     context.kak_kaimyoug = u"前の戒名"_s;
     法要外Form form;
-    openExtra(form, context, desk);
+    beginExtra(form, context, desk);
     EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s}));
     EXPECT_EQ(form.frm31_zoknameg.currentText() + form.frm31_kaimyoug.text, u"山田　一釈旧"_s);
     // Corrected on the death register meanwhile: the memorial carries what stands there, and the boxes show it.
@@ -323,7 +323,7 @@ TEST_F(Services, ExtraOpenedForADeceasedShowsHimAsTheRegisterHoldsHim) {
     // Nobody under that key: all of the household are offered.
     form = {};
     desk.expect(noEntry, extraTitle);
-    openExtra(form, context, desk);
+    beginExtra(form, context, desk);
     EXPECT_EQ(form.frm31_zoknameg.items, QStringList({u"山田　一"_s}));
     EXPECT_EQ(form.frm31_zoknameg.current, -1);
     EXPECT_EQ(context.kak_zokunameg, QString());
@@ -378,7 +378,7 @@ TEST_F(Services, AMemorialAndItsWordsAreOneWrite) {
     法要明Form shown = detail();
     shown.frm31_法要場所.text = u"新しい所"_s;
     desk.answer(askChange, detailTitle, true);
-    EXPECT_THROW(saveDetail(shown, context, desk), std::exception);
+    EXPECT_THROW(updateDetail(shown, context, desk), std::exception);
     EXPECT_EQ(query(u"SELECT tblhoy_kaiki_mei, tblhoy_kaiki_basho FROM tbl_hohyo"_s), u"3回忌,NULL"_s);
 }
 

@@ -2,7 +2,7 @@
 
 #include "calendar/eras.h"
 #include "store/database.h"
-#include "ui/notice_bar.h"
+#include "ui/layout.h"
 #include "ui/plain_text.h"
 #include "ui/search_box.h"
 #include "values/dates.h"
@@ -14,6 +14,9 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -84,30 +87,130 @@ QFont scaled(const QWidget& widget, double factor) {
     return font;
 }
 
-QPushButton* menuButton(ui::Screen& screen, const QString& name, const QString& caption, ui::Operation operation) {
-    auto* button = new QPushButton(caption);
-    button->setObjectName(name);
-    button->setFont(scaled(screen, 1.15));
-    button->setMinimumSize(210, 48);
-    button->setAutoDefault(false);
-    QObject::connect(button, &QPushButton::clicked, &screen,
-                     [&screen, operation = std::move(operation)] { screen.operate(operation); });
-    screen.addToTabOrder(button);
-    return button;
-}
+// Large where there is room for it.
+class MenuButtonWidget : public QPushButton {
+  public:
+    MenuButtonWidget(const QString& name, const QString& caption, const QFont& font) : QPushButton(caption) {
+        setObjectName(name);
+        setFont(font);
+        setAutoDefault(false);
+        setMinimumHeight(38);
+        setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
+    }
+    QSize sizeHint() const override { return QPushButton::sizeHint().expandedTo({210, 48}); }
+    QSize minimumSizeHint() const override { return QPushButton::sizeHint().expandedTo({150, 38}); }
+};
+
+// The groups of buttons: four across with one button in a line, and where the window does not hold them, two across.
+class Groups : public QWidget {
+  public:
+    explicit Groups(ui::Screen& menu) : grid_(new QGridLayout(this)) {
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        grid_->setContentsMargins(0, 0, 0, 0);
+        grid_->setHorizontalSpacing(12);
+        const QFont buttonFont = scaled(menu, 1.15);
+        for (const MenuFrame& frame : frames()) {
+            auto* box = new QGroupBox(frame.title);
+            box->setObjectName(frame.name);
+            box->setFont(scaled(menu, 1.1));
+            Group group{box, new QGridLayout(box), {}};
+            for (const MenuButton& button : frame.buttons) {
+                auto* widget = new MenuButtonWidget(button.name, button.caption, buttonFont);
+                QObject::connect(widget, &QPushButton::clicked, &menu, [&menu, target = button.screen] {
+                    menu.operate([&menu, target] { menu.desk().open(target); });
+                });
+                menu.addToTabOrder(widget);
+                group.buttons.push_back(widget);
+            }
+            groups_.push_back(std::move(group));
+        }
+        arrange(shapes.front());
+    }
+
+    QSize sizeHint() const override { return sizeOf(shapes.front(), &QWidget::sizeHint); }
+    QSize minimumSizeHint() const override { return sizeOf(shapes.back(), &QWidget::minimumSizeHint); }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QWidget::resizeEvent(event);
+        const auto fits = [this](const Shape& shape) {
+            const QSize least = sizeOf(shape, &QWidget::minimumSizeHint);
+            return least.width() <= width() && least.height() <= height();
+        };
+        const auto* shape = std::ranges::find_if(shapes, fits);
+        arrange(shape == shapes.end() ? shapes.back() : *shape);
+    }
+
+  private:
+    struct Shape {
+        int groups;  // across
+        int buttons; // in a line of a group
+        bool operator==(const Shape&) const = default;
+    };
+    static constexpr std::array<Shape, 3> shapes{{{4, 1}, {2, 1}, {2, 2}}};
+
+    struct Group {
+        QGroupBox* box;
+        QGridLayout* grid;
+        std::vector<QPushButton*> buttons;
+    };
+
+    static int lines(const Group& group, const Shape& shape) {
+        return (static_cast<int>(group.buttons.size()) + shape.buttons - 1) / shape.buttons;
+    }
+
+    QSize sizeOf(const Shape& shape, QSize (QWidget::*of)() const) const {
+        QSize button;
+        for (const Group& group : groups_)
+            for (const QPushButton* one : group.buttons)
+                button = button.expandedTo((one->*of)());
+        const QMargins inside = groups_.front().grid->contentsMargins();
+        const QMargins outside = groups_.front().box->contentsMargins();
+        const int space = groups_.front().grid->verticalSpacing();
+        const int across = shape.buttons * (button.width() + space) - space + inside.left() + inside.right() +
+                           outside.left() + outside.right();
+        int high = -grid_->verticalSpacing();
+        for (std::size_t first = 0; first < groups_.size(); first += static_cast<std::size_t>(shape.groups)) {
+            int most = 0;
+            for (std::size_t at = first; at < std::min(first + static_cast<std::size_t>(shape.groups), groups_.size());
+                 ++at)
+                most = std::max(most, lines(groups_[at], shape));
+            high += most * (button.height() + space) - space + inside.top() + inside.bottom() + outside.top() +
+                    outside.bottom() + grid_->verticalSpacing();
+        }
+        return {shape.groups * (across + grid_->horizontalSpacing()) - grid_->horizontalSpacing(), high};
+    }
+
+    void arrange(const Shape& shape) {
+        if (shape == shape_)
+            return;
+        shape_ = shape;
+        for (int at = 0; at < static_cast<int>(groups_.size()); ++at) {
+            const Group& group = groups_[static_cast<std::size_t>(at)];
+            grid_->addWidget(group.box, at / shape.groups, at % shape.groups);
+            for (int row = 0; row < group.grid->rowCount(); ++row)
+                group.grid->setRowStretch(row, 0);
+            for (int button = 0; button < static_cast<int>(group.buttons.size()); ++button)
+                group.grid->addWidget(group.buttons[static_cast<std::size_t>(button)], button / shape.buttons,
+                                      button % shape.buttons);
+            group.grid->setRowStretch(lines(group, shape), 1);
+        }
+    }
+
+    QGridLayout* grid_;
+    std::vector<Group> groups_;
+    Shape shape_{0, 0};
+};
 
 } // namespace
 
 std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::Screen>(workplace, u"メニュー"_s, u"メニュー"_s, u"メニュー"_s);
     ui::Screen* menu = screen.get();
-    auto* frame = new QVBoxLayout(menu);
-    frame->setContentsMargins(0, 0, 0, 0);
-    frame->addWidget(menu->bar());
-    auto* whole = new QVBoxLayout;
-    frame->addLayout(whole, 1);
-    whole->setContentsMargins(20, 14, 20, 16);
-    whole->setSpacing(10);
+    auto* content = new QWidget;
+    auto* whole = new QVBoxLayout(content);
+    whole->setContentsMargins(10, 6, 10, 0);
+    whole->setSpacing(8);
 
     auto* head = new QHBoxLayout;
     auto* name = ui::plainLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
@@ -125,26 +228,13 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
     path->setWordWrap(true);
     whole->addWidget(path);
     whole->addWidget(ui::searchLine(*menu));
+    whole->addWidget(new Groups(*menu), 1);
 
-    auto* groups = new QHBoxLayout;
-    groups->setSpacing(12);
-    for (const MenuFrame& frame : frames()) {
-        auto* box = new QGroupBox(frame.title);
-        box->setObjectName(frame.name);
-        box->setFont(scaled(*menu, 1.1));
-        auto* buttons = new QVBoxLayout(box);
-        for (const MenuButton& button : frame.buttons)
-            buttons->addWidget(menuButton(*menu, button.name, button.caption,
-                                          [menu, target = button.screen] { menu->desk().open(target); }));
-        buttons->addStretch(1);
-        groups->addWidget(box);
-    }
-    whole->addLayout(groups, 1);
-
-    auto* foot = new QHBoxLayout;
-    foot->addStretch(1);
-    foot->addWidget(menuButton(*menu, u"終了"_s, u"終了"_s, [menu] { menu->desk().close(); }));
-    whole->addLayout(foot);
+    ui::Layout layout(*menu);
+    layout.fill(content).closing();
+    layout.last()->setFont(scaled(*menu, 1.15));
+    layout.last()->setMinimumSize(150, 42);
+    layout.finish();
 
     menu->asksForNoRecord();
     menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); }, [&workplace] { workplace.showDraft(); });

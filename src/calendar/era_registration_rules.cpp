@@ -63,7 +63,7 @@ void showYears(年号登Form& form, const store::tbl_nengo& era) {
 
 } // namespace
 
-void showEraOfYear(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void lookUpEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     const auto year = values::readInt16(form.fnen_snen.text);
     store::Database database;
     const auto found = year ? eraOfYear(database, *year) : std::nullopt;
@@ -84,7 +84,7 @@ void showEraOfYear(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) 
     desk.notify(noEraOfYear, title);
 }
 
-void showYearsOfEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void lookUpYears(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     store::Database database;
     const auto era = namedEra(database, form);
     if (!era) {
@@ -94,11 +94,11 @@ void showYearsOfEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk)
     showYears(form, *era);
 }
 
-void openEras(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
+void beginEras(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
     form.held.showNew();
 }
 
-void showNamedEra(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
+void lookUpNamedEra(年号登Form& form, desk::ScreenContext&, desk::Desk&) {
     store::Database database;
     if (const auto era = namedEra(database, form))
         showYears(form, *era);
@@ -138,7 +138,7 @@ void registerEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& 
     desk.notify(u"指定された年号は登録されました。"_s, title);
 }
 
-void changeEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void updateEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     auto era = addressed(form, desk);
     if (!era)
         return;
@@ -153,7 +153,7 @@ void changeEra(年号登Form& form, desk::ScreenContext& context, desk::Desk& de
     desk.notify(u"指定された年号は更新されました。"_s, title);
 }
 
-void deleteEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void removeEra(年号登Form& form, desk::ScreenContext&, desk::Desk& desk) {
     auto era = addressed(form, desk);
     if (!era || !desk.ask(u"登録内容を削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;

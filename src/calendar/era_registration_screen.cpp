@@ -15,19 +15,20 @@ std::unique_ptr<ui::Screen> 年号登(ui::Workplace& workplace) {
         .row(u"年号名"_s)
         .text(HOSHIREN_CONTROL(form, fnen_nengo), 6)
         .namesRecord()
-        .button(u"西暦照会"_s, u"西暦照会"_s, screen->run(showYearsOfEra))
+        .button(u"西暦照会"_s, u"西暦照会"_s, screen->run(lookUpYears))
         .row(u"西暦(開始年)"_s)
         .number(HOSHIREN_CONTROL(form, fnen_snen), 4)
-        .button(u"年号照会"_s, u"年号照会"_s, screen->run(showEraOfYear))
+        .button(u"年号照会"_s, u"年号照会"_s, screen->run(lookUpEra))
         .row(u"(終了年)"_s)
         .number(HOSHIREN_CONTROL(form, fnen_enen), 4);
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerEra))
-        .updating(u"更新"_s, u"更新"_s, screen->run(changeEra))
+        .updating(u"更新"_s, u"更新"_s, screen->run(updateEra))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteEra))
-        .closing();
-    screen->onOpen(screen->run(openEras));
-    screen->showsHeld({.lookUp = screen->run(showNamedEra)});
+        .action(u"削除"_s, u"削除"_s, screen->run(removeEra))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginEras));
+    screen->showsHeld({.lookUp = screen->run(lookUpNamedEra)});
     return screen;
 }
 

@@ -82,7 +82,7 @@ void FilePicker::enter(const QString& folder) {
         if (isWithin(folder, drives_[at].root) &&
             (holder == drives_.size() || drives_[at].root.size() > drives_[holder].root.size()))
             holder = at;
-    // A folder on no drive of the list (a volume mounted since, a hidden one) becomes one for this run.
+    // A folder on none of the listed drives (a volume mounted later, a hidden one) is added as a drive for this run.
     if (holder == drives_.size()) {
         drives_.push_back({QDir::toNativeSeparators(folder), folder, folder});
         drive.items << drives_.back().caption;

@@ -24,6 +24,8 @@ struct AnyList {
 
     virtual void nextPage(Desk& desk) = 0;
     virtual void previousPage(Desk& desk) = 0;
+    // The same for wheel and key: the first page is not filled again, so that the row chosen stays marked.
+    virtual void scrollBack(Desk& desk) { previousPage(desk); }
     // The user clicked into the grid.
     virtual void click(ScreenContext& context, Desk& desk) = 0;
 
@@ -42,7 +44,7 @@ struct AnyList {
     AnyList& operator=(const AnyList&) = default;
 };
 
-// Tells each message once; everything else is the other desk's.
+// Shows each message only once and passes everything else on to the other desk.
 class TellingOnce : public Desk {
   public:
     explicit TellingOnce(Desk& desk) : desk_(desk) {}
@@ -112,6 +114,14 @@ template <class Row, class Key> struct ListForm : AnyList {
         const std::optional<Key> before = firstKey();
         list.previousPage(source(), frm21_tbl, desk);
         turned(before, noRowsText(false));
+    }
+    void scrollBack(Desk& desk) override {
+        if (list.firstNumber() != 1) {
+            previousPage(desk);
+            return;
+        }
+        tell();
+        件数表示.text += noRowsText(false);
     }
     void click(ScreenContext& context, Desk& desk) override {
         if (const Row* row = list.click(frm21_tbl, desk))

@@ -8,7 +8,7 @@ namespace desk {
 
 bool copyBefore(Desk& desk, const QString& title) {
     {
-        // What has no register to copy is the operation's own failure.
+        // Without a register there is nothing to copy: let the operation itself report that.
         const store::Database database;
     }
     QString reason = u"控えの作成を中止しました。"_s;

@@ -110,10 +110,10 @@ struct ScreenContext : HouseholdBlock, DeceasedBlock, MemorialBlock, MemberBlock
     // No deceased, and no memorial of one, is chosen.
     void clearDeceased();
 
-    // The record named was deleted: it is named no more, here and in what other screens keep.
+    // The record was deleted: removes its name from the context, here and in what other screens keep.
     void forgetDeceased(std::int16_t no1, const QString& householdName, const QString& zokunameg);
     void forgetGrave(std::int16_t number);
-    // Forgets what another context forgot since it was last asked.
+    // Removes as well what the other context has removed since the last call.
     void forgetAlso(const ScreenContext& other);
     void allForgot() { forgotten_.clear(); }
 

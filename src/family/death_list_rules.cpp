@@ -107,7 +107,7 @@ void 過去一Form::chosen(const DeathLine& line, desk::ScreenContext& context) 
     context.publishDeceased(line.death);
 }
 
-void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.today = desk.today();
     if (context.dnk_no1 == 0)
         return;
@@ -115,11 +115,11 @@ void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk
     form.showFirstPage(desk);
 }
 
-void showMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void openMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     openDeceased(u"法要個"_s, form, context, desk);
 }
 
-void showDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void openDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     openDeceased(u"過去登"_s, form, context, desk);
 }
 

@@ -23,9 +23,9 @@ struct 過去一Form : HouseholdBoxes, desk::ListForm<DeathLine, Position> {
 };
 
 // Messages bear the title 過去帳一覧.
-void openDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginDeathList(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // Open the picked deceased and list anew when that screen has closed.
-void showMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 個別照会
-void showDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);            // 故人照会
+void openMemorialsOfDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk); // 個別照会
+void openDeceased(過去一Form& form, desk::ScreenContext& context, desk::Desk& desk);            // 故人照会
 
 } // namespace family

@@ -28,7 +28,7 @@ struct GraveKind {
     QString code;
 };
 
-// The option captioned 家 stands for 個, and the other way round.
+// Captions and stored codes are crossed: the option captioned 家 stores 個, and the other way round.
 const std::array graveKinds{GraveKind{&過去登Form::frm11_haka1, store::codes::familyGrave},
                             GraveKind{&過去登Form::frm11_haka2, store::codes::individualGrave},
                             GraveKind{&過去登Form::frm11_haka3, store::codes::noGrave}};
@@ -218,7 +218,7 @@ bool nameStands(過去登Form& form, desk::Desk& desk) {
 
 } // namespace
 
-void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     masters::CMB設定(database, masters::Category::続柄, form.frm11_続柄);
     calendar::CMB年号(database, form.生年);
@@ -287,7 +287,7 @@ void takeMember(過去登Form& form, desk::ScreenContext& context, desk::Desk& d
     context.clearDeceased();
 }
 
-void showEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void loadEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     if (!show(database, form, form.entryHouseholds.value(form.frm11_kakocho.current), form.frm11_kakocho.currentText(),
               context, desk))
@@ -353,7 +353,7 @@ void registerDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk
     desk.notify(u"法要等の登録を終了した。"_s, title);
 }
 
-void changeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void updateDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     const auto dates = check(database, form, context, desk);
     if (!dates || !nameStands(form, desk) ||
@@ -368,14 +368,14 @@ void changeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& 
     desk.notify(u"入力された内容で家族は更新されました。"_s, title);
 }
 
-void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (!nameStands(form, desk) || !desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no))
         return;
     store::Database database;
     const store::tbl_kakocho entry = form.held.row();
     if (!desk::remove(form.held, database, {title, entryMissing}, desk))
         return;
-    // The entry is gone: a failure of one of these is told, and does not keep the other from being asked.
+    // The entry is already deleted: report a failure of one of these and still ask about the other.
     const auto attempt = [&desk](const auto& step) {
         try {
             step();

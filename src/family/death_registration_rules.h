@@ -41,7 +41,7 @@ struct 過去登Form {
 
 // Fills the lists from the household handed over, or that of the file; shows the entry kak_zokunameg where one is
 // given.
-void openDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginDeathRegister(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // What an opening with this context asks for: an entry, or another household than the one shown.
 std::optional<desk::AskedRecord> askedEntry(const 過去登Form& form, const desk::ScreenContext& context);
 // Publishes the entry held; no deceased where there is none.
@@ -50,15 +50,15 @@ void publishShown(const 過去登Form& form, desk::ScreenContext& context);
 // After a choice in the lists: prepares a new entry from a living member, shows an entry (and publishes the deceased),
 // takes a grave's number and place. Each shows a message when the register no longer holds what was chosen.
 void takeMember(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void showEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void loadEntry(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void takeGrave(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // 登録: writes the entry and marks the member deceased, as one write; one who is no member leaves the entry alone there
 // and is told of. On request writes the memorial schedule. Publishes the deceased.
 void registerDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 更新, 削除: act on the entry last shown or registered, on no other name, and only while the file holds it as read.
-void changeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void deleteDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void updateDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void removeDeath(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // 法要記録: hands the deceased of the boxes over to the list of the memorials and opens it.
 void openMemorials(過去登Form& form, desk::ScreenContext& context, desk::Desk& desk);

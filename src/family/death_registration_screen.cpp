@@ -23,7 +23,7 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .list(HOSHIREN_CONTROL(form, frm11_lzoku), 6, 6, screen->run(takeMember), u"続柄"_s)
         .parallel(2)
         .row(u"過去帳"_s)
-        .list(HOSHIREN_CONTROL(form, frm11_kakocho), 12, 6, screen->run(showEntry), u"変更・削除用"_s);
+        .list(HOSHIREN_CONTROL(form, frm11_kakocho), 12, 6, screen->run(loadEntry), u"変更・削除用"_s);
     layout.beside()
         .frame(u"故人"_s, u"故人"_s)
         .row(u"俗名"_s)
@@ -37,7 +37,7 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .dates({u"命日元号"_s, u"命日年"_s, u"命日月"_s, u"命日付"_s, u"命日YMD"_s}, form.命日)
         .row(u"享年"_s)
         .shown(HOSHIREN_CONTROL(form, frm11_kyounen), 3)
-        .note(u"歳"_s)
+        .unit(u"歳"_s)
         .row(u"戒名"_s)
         .text(HOSHIREN_CONTROL(form, frm11_kaimyoug), 24)
         .row(u"カナ"_s)
@@ -46,9 +46,9 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .row(u"関係者"_s)
         .combo(HOSHIREN_CONTROL(form, frm11_kankeisha), 14)
         .note(u"続柄"_s)
-        .combo(HOSHIREN_CONTROL(form, frm11_続柄), 8);
-    layout.last()->setAccessibleName(u"続柄"_s);
-    layout.row(u"備考"_s).text(HOSHIREN_CONTROL(form, frm11_bikou), 31);
+        .combo(HOSHIREN_CONTROL(form, frm11_続柄), 8)
+        .row(u"備考"_s)
+        .text(HOSHIREN_CONTROL(form, frm11_bikou), 31);
     layout.below()
         .frame(u"納骨"_s, u"お墓"_s)
         .row(u"種別"_s)
@@ -67,23 +67,25 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .note(u"番地(場所）"_s)
         .text(HOSHIREN_CONTROL(form, frm11_haka_banchi), 6)
         .note(u"－"_s)
-        .text(HOSHIREN_CONTROL(form, frm11_haka_blk2), 5);
+        .text(HOSHIREN_CONTROL(form, frm11_haka_blk2), 5)
+        .named(u"番地(場所）2"_s);
 
     auto* raw = screen.get();
     const auto opener = [raw](const QString& target) { return [raw, target] { raw->desk().open(target); }; };
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerDeath))
-        .updating(u"更新"_s, u"更新"_s, screen->run(changeDeath))
+        .updating(u"更新"_s, u"更新"_s, screen->run(updateDeath))
         .gap()
         .action(u"法要記録"_s, u"法要記録"_s, screen->run(openMemorials))
         .action(u"回忌外"_s, u"回忌外\n法要"_s, opener(u"法要外"_s))
         .action(u"代替り"_s, u"代替り\n処理"_s, opener(u"代替当"_s))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteDeath))
-        .closing();
-    screen->onOpen(screen->run(openDeathRegister));
+        .action(u"削除"_s, u"削除"_s, screen->run(removeDeath))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginDeathRegister));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedEntry(raw->form(), context); },
-                       .load = screen->run(openDeathRegister)});
+                       .load = screen->run(beginDeathRegister)});
     return screen;
 }
 

@@ -76,14 +76,14 @@ bool 家族一Form::read(const Position& from, const Take& take) const {
                     [&](const store::tbl_kazoku& row) { return take({row}); });
 }
 
-void openFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (context.dnk_no1 == 0)
         return;
     showHousehold(form, context, desk, form.list.title());
     form.showFirstPage(desk);
 }
 
-void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void openMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const FamilyLine* line = form.list.selected();
     if (!line)
         return;

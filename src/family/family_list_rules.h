@@ -21,8 +21,8 @@ struct 家族一Form : HouseholdBoxes, desk::ListForm<FamilyLine, Position> {
 };
 
 // Messages bear the title 家族一覧.
-void openFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginFamilyList(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 個別照会: opens the picked member, the living in 家族登, the deceased in 過去登, and lists anew when that has closed.
-void showMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void openMember(家族一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 } // namespace family

@@ -27,6 +27,7 @@ void addHousehold(ui::Layout& layout, HouseholdBoxes& form) {
         .shown(HOSHIREN_CONTROL(form, frm12_jyusho1), 26)
         .row()
         .shown(HOSHIREN_CONTROL(form, frm12_jyusho2), 26)
+        .named(u"住所２行目"_s)
         .row(u"備考"_s)
         .shown(HOSHIREN_CONTROL(form, frm12_bikou), 26);
 }
@@ -44,15 +45,15 @@ std::unique_ptr<ui::Screen> 家族一(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<家族一Form>>(workplace, u"家族一"_s, u"家族一覧"_s, u"家族一覧"_s,
                                                                ui::Keeps{.household = true});
     auto& form = screen->form();
-    const ui::Operation open = screen->run(showMember);
+    const ui::Operation open = screen->run(openMember);
     ui::Layout layout(*screen);
     addHousehold(layout, form);
     ui::addList(layout, *screen, form, open);
     layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).gap();
     ui::addListButtons(layout, *screen, form);
-    layout.closing();
-    screen->onOpen(screen->run(openFamilyList));
-    showsHousehold(*screen, screen->run(openFamilyList));
+    layout.closing().finish();
+    screen->onOpen(screen->run(beginFamilyList));
+    showsHousehold(*screen, screen->run(beginFamilyList));
     return screen;
 }
 
@@ -60,17 +61,17 @@ std::unique_ptr<ui::Screen> 過去一(ui::Workplace& workplace) {
     auto screen = std::make_unique<ui::FormScreen<過去一Form>>(workplace, u"過去一"_s, u"過去帳一覧"_s, u"過去帳一覧"_s,
                                                                ui::Keeps{.household = true, .deceased = true});
     auto& form = screen->form();
-    const ui::Operation open = screen->run(showMemorialsOfDeceased);
+    const ui::Operation open = screen->run(openMemorialsOfDeceased);
     ui::Layout layout(*screen);
     addHousehold(layout, form);
     ui::addList(layout, *screen, form, open);
     layout.mainAction(u"個別照会"_s, u"個別法要"_s, open)
-        .action(u"故人照会"_s, u"故人照会"_s, screen->run(showDeceased))
+        .action(u"故人照会"_s, u"故人照会"_s, screen->run(openDeceased))
         .gap();
     ui::addListButtons(layout, *screen, form);
-    layout.closing();
-    screen->onOpen(screen->run(openDeathList));
-    showsHousehold(*screen, screen->run(openDeathList));
+    layout.closing().finish();
+    screen->onOpen(screen->run(beginDeathList));
+    showsHousehold(*screen, screen->run(beginDeathList));
     return screen;
 }
 

@@ -102,7 +102,7 @@ void addToMasters(store::Database& database, const 家族登Form& form) {
 
 } // namespace
 
-void openFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     form.frm12_dohkyo.chosen = true;
     const bool asked = !context.kzk_nameg.isEmpty();
@@ -159,7 +159,7 @@ void nameShown(const 家族登Form& form, desk::ScreenContext& context) {
     context.kzk_nameg = form.held->tblkzk_nameg;
 }
 
-void showMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void loadMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     show(database, form, form.frm12_meibo.currentText(), context, desk);
 }
@@ -195,7 +195,7 @@ void registerMember(家族登Form& form, desk::ScreenContext& context, desk::Des
     fillMemberLists(database, form, context);
 }
 
-void changeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void updateMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     auto member = form.held.orRead(database, context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text);
     QDate birth;
@@ -212,7 +212,7 @@ void changeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk&
     fillMemberLists(database, form, context);
 }
 
-void deleteMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     auto member = form.held.orRead(database, context.dnk_no1, context.dnk_nameg, form.frm12_nameg.text);
     if (!desk.ask(u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, desk::Preset::no) ||

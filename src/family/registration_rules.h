@@ -34,21 +34,21 @@ struct 家族登Form {
 
 // Fills the lists and prepares a new member from the household, the one handed over or that of the file; shows the
 // member kzk_nameg where one is given.
-void openFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginFamily(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // What an opening with this context asks for: a member, or a new one of another household than the one shown.
 std::optional<desk::AskedRecord> askedMember(const 家族登Form& form, const desk::ScreenContext& context);
 // Names the member shown in the context; none for a new one.
 void nameShown(const 家族登Form& form, desk::ScreenContext& context);
 
 // Shows the member chosen in the list; a message when the register does not hold him under the household's name.
-void showMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void loadMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // Each asks before it writes, refuses with a message, refills the lists after a write. What is typed as relationship or
 // district joins its master list in the same write. A member who is changed is living again; his name, being the key,
 // is not changed. Change and deletion act on the member of the name in the box, as he was read when he was shown, or
 // else when the button was pressed.
 void registerMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk); // 登録
-void changeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);   // 更新
-void deleteMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);   // 削除
+void updateMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);   // 更新
+void removeMember(家族登Form& form, desk::ScreenContext& context, desk::Desk& desk);   // 削除
 
 } // namespace family

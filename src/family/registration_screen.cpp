@@ -21,8 +21,9 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .row(u"当主氏名"_s)
         .shown(HOSHIREN_CONTROL(form, frm12_toshunameg), 16)
         .row(u"家族一覧"_s)
-        .list(HOSHIREN_CONTROL(form, frm12_meibo), 12, 11, screen->run(showMember))
-        .list(HOSHIREN_CONTROL(form, frm12_mzkgr), 6, 11, screen->run(showMember))
+        .list(HOSHIREN_CONTROL(form, frm12_meibo), 12, 11, screen->run(loadMember))
+        .list(HOSHIREN_CONTROL(form, frm12_mzkgr), 6, 11, screen->run(loadMember))
+        .named(u"当主との続柄一覧"_s)
         .parallel(2);
     layout.beside()
         .frame(u"家族"_s, u"家族"_s)
@@ -44,25 +45,26 @@ std::unique_ptr<ui::Screen> 家族登(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm12_jyusho1), 26)
         .row()
         .text(HOSHIREN_CONTROL(form, frm12_jyusho2), 26)
+        .named(u"住所２行目"_s)
         .row(u"電話番号"_s)
         .text(HOSHIREN_CONTROL(form, frm12_tel), 9)
         .note(u"FAX"_s)
-        .text(HOSHIREN_CONTROL(form, frm12_fax), 9);
-    layout.last()->setAccessibleName(u"FAX"_s);
-    layout.row(u"地区"_s)
+        .text(HOSHIREN_CONTROL(form, frm12_fax), 9)
+        .row(u"地区"_s)
         .combo(HOSHIREN_CONTROL(form, frm12_地区), 12)
         .row(u"備考"_s)
         .text(HOSHIREN_CONTROL(form, frm12_bikou), 26);
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerMember))
-        .updating(u"更新"_s, u"更新"_s, screen->run(changeMember))
+        .updating(u"更新"_s, u"更新"_s, screen->run(updateMember))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteMember))
-        .closing();
-    screen->onOpen(screen->run(openFamily));
+        .action(u"削除"_s, u"削除"_s, screen->run(removeMember))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginFamily));
     auto* raw = screen.get();
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedMember(raw->form(), context); },
-                       .load = screen->run(openFamily)});
+                       .load = screen->run(beginFamily)});
     return screen;
 }
 

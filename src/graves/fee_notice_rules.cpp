@@ -67,7 +67,7 @@ void お墓通Form::goOn(desk::Desk& desk) {
     refill(desk);
 }
 
-void openFeeNotices(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void beginFeeNotices(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = desk.today();
     form.to = form.from.addYears(1);
     form.frm21_from.text = values::dateText(form.from);

@@ -29,7 +29,7 @@ struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
 };
 
 // The operations of the management-fee notices: graves by next billing date. Messages bear the title "お墓管理費通知".
-void openFeeNotices(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginFeeNotices(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveFeesFrom(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveFeesTo(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void showFees(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk); // 表示

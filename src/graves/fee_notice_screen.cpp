@@ -16,12 +16,10 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
     ui::Layout layout(*screen);
     layout.frame()
         .row(u"通知検索開始日"_s, u"Label1"_s)
-        .text(HOSHIREN_CONTROL(form, frm21_from), 10)
-        .onLeave(screen->run(leaveFeesFrom))
-        .note(u"～"_s)
-        .text(HOSHIREN_CONTROL(form, frm21_to), 10)
-        .onLeave(screen->run(leaveFeesTo));
-    layout.last()->setAccessibleName(u"検索終了日"_s);
+        .range(HOSHIREN_CONTROL(form, frm21_from), HOSHIREN_CONTROL(form, frm21_to),
+               {.fromLeft = screen->run(leaveFeesFrom),
+                .toLeft = screen->run(leaveFeesTo),
+                .entered = screen->run(showFees)});
     ui::addList(layout, *screen, form, open);
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showFees));
     ui::addListButtons(layout, *screen, form);
@@ -34,8 +32,9 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         .gap()
         .action(u"お墓照会"_s, u"お墓情報"_s, open)
         .action(u"檀家照会"_s, u"檀家情報"_s, screen->run(openFeeHousehold))
-        .closing();
-    screen->onOpen(screen->run(openFeeNotices));
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginFeeNotices));
     return screen;
 }
 

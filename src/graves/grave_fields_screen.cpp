@@ -25,6 +25,7 @@ void addGraveFields(ui::Layout& layout, ui::Screen& screen, GraveFields& fields,
         .row(u"番地(区画）"_s)
         .text(HOSHIREN_CONTROL(fields, frm13_banchi1), 8)
         .text(HOSHIREN_CONTROL(fields, frm13_banchi2), 6)
+        .named(u"番地(区画）2"_s)
         .row()
         .options(u"Frame3"_s, u"種別"_s, kinds)
         .row(u"墓標名"_s)

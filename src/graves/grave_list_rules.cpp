@@ -115,7 +115,7 @@ int お墓一Form::total() const {
                                               list.start().section);
 }
 
-void openGraveList(お墓一Form& form, desk::ScreenContext&, desk::Desk&) {
+void beginGraveList(お墓一Form& form, desk::ScreenContext&, desk::Desk&) {
     store::Database database;
     CMB区画(database, form.frm21_block);
 }

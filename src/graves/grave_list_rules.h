@@ -59,7 +59,7 @@ struct お墓一Form : desk::ListForm<ListedGrave, PlaceKey> {
 };
 
 // The operations of the list of graves by section. Messages bear the title "お墓一覧".
-void openGraveList(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginGraveList(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // A section has been chosen in frm21_block.
 void chooseSection(お墓一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // お墓: opens the highlighted grave, one without household in お墓新. The list returns to its first page afterwards.

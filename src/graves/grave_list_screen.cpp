@@ -20,8 +20,8 @@ std::unique_ptr<ui::Screen> お墓一(ui::Workplace& workplace) {
         .action(u"檀家"_s, u"檀家情報"_s, screen->run(openHousehold))
         .gap();
     ui::addListButtons(layout, *screen, form);
-    layout.closing();
-    screen->onOpen(screen->run(openGraveList));
+    layout.closing().finish();
+    screen->onOpen(screen->run(beginGraveList));
     return screen;
 }
 

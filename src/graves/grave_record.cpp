@@ -103,7 +103,7 @@ bool editGrave(GraveFields& fields, const QString& title, desk::Desk& desk,
     return desk::change(fields.held, database, refusal(title), desk, change);
 }
 
-void deleteGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
+void removeGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
                  desk::Desk& desk) {
     if (!fields.namesGraveHeld()) {
         sayNumberChanged(title, desk);

@@ -71,7 +71,7 @@ bool editGrave(GraveFields& fields, const QString& title, desk::Desk& desk,
 
 // Deletes the grave held after the question, and clears hak_no where it names it; shows a message when the number box
 // names another, or when it is gone or other than read.
-void deleteGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
+void removeGrave(GraveFields& fields, const QString& question, const QString& title, desk::ScreenContext& context,
                  desk::Desk& desk);
 
 // The grave that the context names; nothing where it names none.

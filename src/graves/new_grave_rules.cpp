@@ -49,7 +49,7 @@ bool showsFormerName(const お墓新Form& form) {
 
 } // namespace
 
-void openNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     fillDateLists(database, form);
     form.held.showNew();
@@ -162,8 +162,8 @@ void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& 
     desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
 }
 
-void deleteGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    deleteGrave(form, u"お墓を削除します。内容を確認して下さい。"_s, title, context, desk);
+void removeGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    removeGrave(form, u"お墓を削除します。内容を確認して下さい。"_s, title, context, desk);
 }
 
 } // namespace graves

@@ -13,7 +13,7 @@ struct お墓新Form : GraveFields {
 // number issuing "お墓 登録".
 
 // Shows the context's grave (hak_no) when it is not 0.
-void openNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 照会; sets hak_no.
 void lookUpGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 登録: proposes a number (number box, hak_no), checks, asks, writes the grave and commits the number. A number that is
@@ -23,6 +23,6 @@ void registerGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
 // 登録 nor 更新 stores that household's name, unless another one was typed.
 void updateGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 削除.
-void deleteGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void removeGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 } // namespace graves

@@ -21,13 +21,14 @@ std::unique_ptr<ui::Screen> お墓新(ui::Workplace& workplace) {
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerGrave))
         .updating(u"更新"_s, u"更新"_s, screen->run(updateGrave))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteGrave))
-        .closing();
-    screen->onOpen(screen->run(openNewGrave));
+        .action(u"削除"_s, u"削除"_s, screen->run(removeGrave))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginNewGrave));
     auto* raw = screen.get();
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = [](const desk::ScreenContext& context) { return askedGrave(context); },
-                       .load = screen->run(openNewGrave)});
+                       .load = screen->run(beginNewGrave)});
     return screen;
 }
 

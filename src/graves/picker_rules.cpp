@@ -61,7 +61,7 @@ int 紐区画Form::total() const {
                                               store::codes::noHousehold);
 }
 
-void openPicker(紐区画Form& form, desk::ScreenContext&, desk::Desk&) {
+void beginPicker(紐区画Form& form, desk::ScreenContext&, desk::Desk&) {
     store::Database database;
     CMB区画(database, form.frm21_block);
 }
@@ -104,7 +104,7 @@ int 紐墓標Form::total() const {
     return store::countRows<store::tbl_ohaka>(database, "WHERE tblhak_bohyo_mei > ?", beforeMarkers);
 }
 
-void openPicker(紐墓標Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void beginPicker(紐墓標Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.showFirstPage(desk);
 }
 

@@ -39,11 +39,11 @@ struct 紐墓標Form : PickerList<QString> {
 };
 
 // The free graves of one section; messages bear the title "お墓紐付･区画".
-void openPicker(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginPicker(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void chooseSection(紐区画Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // Every grave with a marker name, in the order of the names; messages bear the title "お墓紐付･墓標".
-void openPicker(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginPicker(紐墓標Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 // 紐付け: closes the picker and hands back the grave last clicked.
 void takeGrave(PickerForm& form, desk::Desk& desk);

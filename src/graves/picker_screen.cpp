@@ -27,8 +27,8 @@ template <class Form> void addPage(ui::Layout& layout, PickerScreen<Form>& scree
     ui::addList(layout, screen, form, take);
     layout.mainAction(u"紐付け"_s, u"紐付け"_s, take).gap();
     ui::addListButtons(layout, screen, form);
-    layout.closing();
-    screen.onOpen(screen.run(openPicker));
+    layout.closing().finish();
+    screen.onOpen(screen.run(beginPicker));
 }
 
 } // namespace

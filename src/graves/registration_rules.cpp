@@ -88,7 +88,7 @@ bool placeIsFree(store::Database& database, const お墓登Form& form) {
 
 } // namespace
 
-void openRegistration(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginRegistration(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     fillDateLists(database, form);
     context.chk_msg.clear();
@@ -198,8 +198,8 @@ void updateGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& 
         desk.notify(u"入力された内容でお墓は更新されました。"_s, title);
 }
 
-void deleteGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    deleteGrave(form, u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, context, desk);
+void removeGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    removeGrave(form, u"ﾃﾞｰﾀを削除します。内容を確認して下さい。"_s, title, context, desk);
 }
 
 void disposeGrave(お墓登Form& form, desk::ScreenContext&, desk::Desk& desk) {

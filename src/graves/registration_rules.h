@@ -26,7 +26,7 @@ struct お墓登Form : GraveFields {
 // The operations of the grave screen. Messages bear the title "お墓 登録".
 
 // Shows the context's household (dnk_no1, the one handed over, else that of the file) and grave (hak_no); 0 is none.
-void openRegistration(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginRegistration(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 照会. A grave of another household asks first, and on Yes brings that household onto the screen and into the context.
 void lookUpGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // A click on a line of frm13_all_bohyo: shows that grave and sets hak_no.
@@ -40,7 +40,7 @@ std::optional<desk::AskedRecord> askedGrave(const お墓登Form& form, const des
 // keeps its household as it is stored.
 void updateGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 削除.
-void deleteGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void removeGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 廃棄: the grave leaves its household and is marked disposed today, without a question.
 void disposeGrave(お墓登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 

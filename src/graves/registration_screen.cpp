@@ -39,6 +39,7 @@ std::unique_ptr<ui::Screen> お墓登(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm13_jyusho1), 28)
         .row()
         .shown(HOSHIREN_CONTROL(form, frm13_jyusho2), 28)
+        .named(u"住所２行目"_s)
         .row(u"備考"_s)
         .shown(HOSHIREN_CONTROL(form, frm13_dnkbiko), 28);
     addGraveFields(layout, *screen, form,
@@ -49,14 +50,15 @@ std::unique_ptr<ui::Screen> お墓登(ui::Workplace& workplace) {
         .action(u"区画紐付"_s, u"区画でお墓の紐付け"_s, screen->run(linkBySection))
         .action(u"墓標紐付"_s, u"墓標でお墓の紐付け"_s, screen->run(linkByMarker))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteGrave))
+        .action(u"削除"_s, u"削除"_s, screen->run(removeGrave))
         .action(u"廃棄"_s, u"廃棄"_s, screen->run(disposeGrave))
-        .closing();
-    screen->onOpen(screen->run(openRegistration));
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginRegistration));
     auto* raw = screen.get();
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedGrave(raw->form(), context); },
-                       .load = screen->run(openRegistration)});
+                       .load = screen->run(beginRegistration)});
     return screen;
 }
 

@@ -30,7 +30,7 @@ std::vector<KanaLine> readTab(store::Database& database, const char* query) {
     return lines;
 }
 
-// Many households share a reading: each is weighed once.
+// Many households share a reading: compute the sort key of each reading only once.
 std::vector<KanaLine> inReadingOrder(std::vector<KanaLine> lines) {
     QCollator collator(QLocale(QLocale::Japanese, QLocale::Japan));
     collator.setCaseSensitivity(Qt::CaseInsensitive);
@@ -107,7 +107,7 @@ const std::vector<desk::ListColumn<KanaLine>>& kanaColumns() {
     return columns;
 }
 
-void openKanaList(檀家一覧Form& form, desk::ScreenContext&, desk::Desk&) {
+void beginKanaList(檀家一覧Form& form, desk::ScreenContext&, desk::Desk&) {
     form.tabs = readKanaTabs();
 }
 

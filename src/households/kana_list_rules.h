@@ -42,7 +42,7 @@ struct 檀家一覧Form {
     int chosenRow = 0;
 };
 
-void openKanaList(檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginKanaList(檀家一覧Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // A click into a tab. Beside its rows it is told under the title 檀家一覧, and the choice stays.
 void chooseHousehold(檀家一覧Form& form, std::size_t tab, int row, desk::Desk& desk);
 

@@ -58,6 +58,8 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
 
     auto* tabs = new QTabWidget;
     tabs->setObjectName(u"SSTab1"_s);
+    for (QWidget* part : {static_cast<QWidget*>(tabs), static_cast<QWidget*>(tabs->tabBar())})
+        part->setAccessibleName(u"カナの行"_s);
     auto* place = ui::plainLabel();
     place->setObjectName(u"件数表示"_s);
     const auto tellPlace = [tabs, place](const QString& remark = {}) {
@@ -91,8 +93,6 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
     column->addWidget(place);
     ui::Layout layout(*screen);
     layout.fill(whole);
-    // The keyboard starts where the rows are chosen; F3 leads to the search.
-    tabs->setFocus();
     for (KanaGrid* grid : grids) {
         raw->addToTabOrder(grid);
         raw->bind({grid, nullptr, {}, [grid] { grid->show(); }});
@@ -102,8 +102,11 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
         .action(u"家族一欄"_s, u"家族一欄"_s, opener(u"家族一"_s))
         .action(u"過去帳"_s, u"過去帳"_s, opener(u"過去一"_s))
         .action(u"法要照会"_s, u"法要記録"_s, opener(u"法要檀"_s))
-        .closing();
-    screen->onOpen(screen->run(openKanaList));
+        .closing()
+        .finish();
+    // The keyboard starts at the tabs; F3 leads to the search.
+    tabs->setFocus();
+    screen->onOpen(screen->run(beginKanaList));
     return screen;
 }
 

@@ -53,7 +53,7 @@ void listGraves(store::Database& database, 檀家登Form& form, std::int16_t hou
     for (desk::List* list :
          {&form.frm01_haka_no, &form.frm01_haka_banchi, &form.frm01_haka_banchi2, &form.frm01_haka_bohyo})
         list->clear();
-    // Graves without a household bear the number 0, too.
+    // Graves without a household are stored under the number 0 as well.
     if (household == 0)
         return;
     store::Selection<store::tbl_ohaka> graves(
@@ -181,13 +181,13 @@ void publishShown(const HouseholdFields& form, desk::ScreenContext& context) {
     context.dnk_no2 = form.held->tbldnk_no2;
 }
 
-void openHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     if (!context.dnk_branchNamed)
         context.dnk_no2 = 0;
-    openBranch(form, context, desk);
+    loadBranch(form, context, desk);
 }
 
-void openBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void loadBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     {
         store::Database database;
         masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
@@ -234,7 +234,8 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
         return;
     context.publishHousehold(typedHousehold(form, {*number, 0}));
 
-    // Row, district and counter belong together: a number stored but not counted would be proposed for ever.
+    // Write row, district and counter in one transaction: if the counter stayed behind, the same number would be
+    // proposed again and again.
     bool taken = false;
     bool counted = false;
     store::tbl_danka row;
@@ -321,7 +322,7 @@ void eraseShownHousehold(檀家登Form& form, desk::ScreenContext& context, desk
         PublishHousehold(form, context);
         EraseHousehold(context, desk, &form.held);
     }
-    // Whom the context named may be erased now.
+    // The person or grave that the context names may just have been erased.
     static_cast<desk::MemberBlock&>(context) = {};
     static_cast<desk::GraveBlock&>(context) = {};
     context.clearDeceased();

@@ -45,9 +45,9 @@ struct 檀家登Form : HouseholdFields {
 
 // The operations of the household screen. Messages bear the title "檀家 登録".
 // Opens empty ("0" numbers) or on the household in dnk_no1.
-void openHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // The same on the branch that dnk_no2 names.
-void openBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void loadBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 照会: reads the household of frm01_no and frm01_eno, which are then shown as plain numbers and become dnk_no1 and
 // dnk_no2, into form and context, and lists its graves in use. When there is none the form keeps what it showed.
 void LoadHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);

@@ -17,6 +17,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .namesRecord()
         .note(u"－"_s)
         .number(HOSHIREN_CONTROL(form, frm01_eno), 3)
+        .named(u"登録番号　枝番"_s)
         .namesRecord()
         .button(u"照会"_s, u"照会"_s, screen->run(LoadHousehold))
         .row(u"檀家名"_s)
@@ -41,6 +42,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm01_jyusho1), 26)
         .row()
         .text(HOSHIREN_CONTROL(form, frm01_jyusho2), 26)
+        .named(u"住所２行目"_s)
         .row(u"電話番号"_s)
         .text(HOSHIREN_CONTROL(form, frm01_tel), 9)
         .note(u"FAX"_s)
@@ -59,6 +61,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .list(HOSHIREN_CONTROL(form, frm01_haka_no), 4, 12, {}, u"管理番号"_s)
         .list(HOSHIREN_CONTROL(form, frm01_haka_banchi), 5, 12, {}, u"区画番地"_s)
         .list(HOSHIREN_CONTROL(form, frm01_haka_banchi2), 4, 12, {}, u"　"_s)
+        .named(u"区画番地2"_s)
         .list(HOSHIREN_CONTROL(form, frm01_haka_bohyo), 9, 12, {}, u"墓標"_s)
         .parallel(4);
 
@@ -80,12 +83,13 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(DeleteHousehold))
         .action(u"檀家抹消"_s, u"檀家抹消"_s, screen->run(eraseShownHousehold))
-        .closing();
-    screen->onOpen(screen->run(openHousehold));
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginHousehold));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .name = [raw](desk::ScreenContext& context) { nameShown(raw->form(), context); },
                        .asked = desk::askedHousehold,
-                       .load = screen->run(openBranch)});
+                       .load = screen->run(loadBranch)});
     return screen;
 }
 

@@ -15,7 +15,7 @@ const QString title = u"代替り処理"_s;
 const QString notAMember = u"家族名が取出せません、ﾃﾞｰﾀﾍﾞｰｽの整合性を確認して下さい。"_s;
 const QString noHousehold = u"指定された檀家番号を読めません。DBの整合性を確認して下さい"_s;
 
-// An emptied box leaves what is stored.
+// An empty box keeps the stored value.
 void writeIfFilled(QString& field, const QString& text) {
     if (!text.isEmpty())
         field = text;
@@ -124,7 +124,7 @@ void LoadSuccession(代替当Form& form, desk::ScreenContext& context, desk::Des
 
 void PickNewHead(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     std::optional<store::tbl_kazoku> member;
-    // Of two of one name the line that was chosen counts: the one that bears this household's name, or none.
+    // If two members have the same name, the chosen line decides: the one stored under this household's name, or none.
     if (form.householdNames.value(form.frm01_toshug.current) == context.dnk_nameg) {
         store::Database database;
         member = store::find(database, store::idxkzk_kazoku, context.dnk_no1, context.dnk_nameg,
@@ -167,7 +167,7 @@ void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk:
         family.release();
         return desk::refused(standing, form.newHead, {title, notAMember}, desk);
     };
-    // Both are compared before the first of the two writes.
+    // Compare both rows with the file before the first of the two writes.
     if (memberRefused() || !desk::change(form.held, database, {title, noHousehold}, desk,
                                          [&](store::tbl_danka& row) { writeHousehold(household, row); }))
         return;

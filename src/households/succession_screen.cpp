@@ -17,6 +17,7 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
         .row(u"登録番号"_s)
         .shown(HOSHIREN_CONTROL(form, frm01_no), 4)
         .shown(HOSHIREN_CONTROL(form, frm01_eno), 3)
+        .named(u"登録番号　枝番"_s)
         .row(u"檀家名"_s)
         .text(HOSHIREN_CONTROL(form, frm01_dankag), 14)
         .row(u"カナ"_s)
@@ -28,6 +29,7 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
         .row(u"新当主氏名"_s)
         .list(HOSHIREN_CONTROL(form, frm01_toshug), 14, 6, pick)
         .list(HOSHIREN_CONTROL(form, frm01_tsh_zkgr), 6, 6, pick)
+        .named(u"続柄一覧"_s)
         .parallel(2)
         .row(u"カナシメイ"_s)
         .text(HOSHIREN_CONTROL(form, frm01_toshuk), 18);
@@ -50,7 +52,8 @@ std::unique_ptr<ui::Screen> 代替当(ui::Workplace& workplace) {
     layout.mainAction(u"更新"_s, u"更新"_s, screen->run(CarryOutSuccession))
         .gap()
         .action(u"家族一覧"_s, u"家族一覧"_s, screen->run(openFamilyOfSuccession))
-        .closing();
+        .closing()
+        .finish();
     screen->onOpen(screen->run(LoadSuccession));
     auto* raw = screen.get();
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },

@@ -124,7 +124,7 @@ void MST設定(store::Database& database, Category category, const QString& text
     entries.insert({number(category), static_cast<std::int16_t>(last + 1), text, text});
 }
 
-void openMasters(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginMasters(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.続柄.chosen = true;
     chooseCategory(form, context, desk);
 }
@@ -138,7 +138,7 @@ void chooseCategory(マスター登Form& form, desk::ScreenContext&, desk::Desk&
     fillGrid(database, form);
 }
 
-void showNamedEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void lookUpNamedEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const QString typed = form.登録NO.text;
     chooseCategory(form, context, desk);
     form.登録NO.text = typed;
@@ -201,7 +201,7 @@ void saveEntry(マスター登Form& form, desk::ScreenContext& context, desk::De
     fillGrid(database, form);
 }
 
-void deleteEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     desk::SaveAttempt attempt(context);
     checkNumber(form, attempt);
     if (attempt.reported(desk, title))

@@ -30,17 +30,17 @@ struct マスター登Form {
 };
 
 // The operations of the master screen. Messages bear the title "ｺｰﾄﾞﾏｽﾀｰ情報".
-void openMasters(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk); // chooses 続柄
+void beginMasters(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk); // chooses 続柄
 // The category that the option buttons show has been chosen: empties the boxes and lists its entries.
 void chooseCategory(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // Lists the category chosen and shows the entry that the number in the box names; where there is none, the boxes show a
 // new one with that number.
-void showNamedEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void lookUpNamedEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // After a click on the grid: shows the entry in the boxes.
 void pickEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 確定 and 削除 write the entry that category and 登録NO name; one that the screen does not show is read when the
 // button is pressed. Where it is another in the file after Yes, this is told and nothing is written.
 void saveEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
-void deleteEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void removeEntry(マスター登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 } // namespace masters

@@ -34,10 +34,11 @@ std::unique_ptr<ui::Screen> マスター登(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, 登録略称), 12);
     layout.mainAction(u"更新"_s, u"確定"_s, screen->run(saveEntry))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteEntry))
-        .closing();
-    screen->onOpen(screen->run(openMasters));
-    screen->showsHeld({.lookUp = screen->run(showNamedEntry)});
+        .action(u"削除"_s, u"削除"_s, screen->run(removeEntry))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginMasters));
+    screen->showsHeld({.lookUp = screen->run(lookUpNamedEntry)});
     return screen;
 }
 

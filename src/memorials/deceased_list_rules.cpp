@@ -67,7 +67,7 @@ void fill(store::Database& database, 法要個Form& form, desk::ScreenContext& c
 
 } // namespace
 
-void openDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     form.handedOver = context.kak_handedOver;
     const auto entry = form.handedOver ? std::nullopt : readEntry(database, context);

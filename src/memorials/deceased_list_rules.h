@@ -30,7 +30,7 @@ struct 法要個Form : desk::WholeList {
 // The operations of the list of one deceased's memorials (dnk_no1, dnk_nameg, kak_zokunameg), all in one grid. Messages
 // bear the title "法要 記録".
 // Shows the context's deceased as he was handed over, or else read by his key.
-void openDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginDeceasedMemorials(法要個Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // What an opening with this context asks for.
 std::optional<desk::AskedRecord> askedDeceased(const desk::ScreenContext& context);
 // 個別照会: opens 法要明 modal on the row clicked and fills the grid again afterwards.

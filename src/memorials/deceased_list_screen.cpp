@@ -18,24 +18,25 @@ std::unique_ptr<ui::Screen> 法要個(ui::Workplace& workplace) {
         .row(u"俗名"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_zoknameg), 12)
         .shown(HOSHIREN_CONTROL(form, frm21_zoknamek), 14)
+        .named(u"俗名カナ"_s)
         .row(u"命日"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_meigymd), 11)
         .note(u"享年"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_kyounen), 3);
-    layout.last()->setAccessibleName(u"享年"_s);
     layout.beside()
         .frame()
         .row(u"戒名"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_kaimyog), 18)
         .row()
         .shown(HOSHIREN_CONTROL(form, frm21_kaimyok), 18)
+        .named(u"戒名カナ"_s)
         .row(u"備考"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
     const ui::Operation open = screen->run(openDeceasedMemorial);
     ui::addList(layout, *screen, form, open);
-    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing();
-    screen->onOpen(screen->run(openDeceasedMemorials));
-    screen->shows({.asked = askedDeceased, .load = screen->run(openDeceasedMemorials)});
+    layout.mainAction(u"個別照会"_s, u"個別照会"_s, open).closing().finish();
+    screen->onOpen(screen->run(beginDeceasedMemorials));
+    screen->shows({.asked = askedDeceased, .load = screen->run(beginDeceasedMemorials)});
     return screen;
 }
 

@@ -40,7 +40,7 @@ void showMemorial(store::Database& database, 法要明Form& form, const store::t
 
 } // namespace
 
-void openDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     form.held.showNew(desk::householdLabel(context.dnk_no1, context.dnk_no2) + u' ' + context.kak_zokunameg);
     fillServiceLists(database, form);
@@ -82,7 +82,7 @@ void bookOnScheduledDay(法要明Form& form, desk::ScreenContext&, desk::Desk& d
     calendar::showDate(database, form.予約, form.held->tblhoy_kaiki_yymd, desk);
 }
 
-void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void updateDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     const desk::SaveAttempt attempt = CheckMemorialInput(database, form, context, desk);
     if (attempt.reported(desk, title) ||
@@ -94,9 +94,9 @@ void saveDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& d
         desk.notify(u"入力された内容で法要は更新されました。"_s, title);
 }
 
-void deleteDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeDetail(法要明Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
-    if (deleteMemorial(database, form.held, title, desk))
+    if (removeMemorial(database, form.held, title, desk))
         publishShown(form, context);
 }
 

@@ -74,7 +74,7 @@ void startAnew(法要外Form& form, const desk::ScreenContext& context) {
 
 } // namespace
 
-void openExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     fillServiceLists(database, form);
     fillLiving(database, form.施主, context.dnk_no1, "ORDER BY tbl_kazoku.tblkzk_nameg ASC;");
@@ -199,7 +199,7 @@ void registerExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk
     desk.notify(u"指定された法要は登録されました。"_s, title);
 }
 
-void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void removeExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     followList(form, context, desk);
     desk::SaveAttempt attempt(context);
     store::Database database;
@@ -208,7 +208,7 @@ void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& 
     if (attempt.reported(desk, title))
         return;
     auto shown = form.registered.orRead(database, context.dnk_no1, context.kak_zokunameg, scheduledDate(form));
-    if (!deleteMemorial(database, shown, title, desk))
+    if (!removeMemorial(database, shown, title, desk))
         return;
     form.registered = {};
     form.held.removed();

@@ -15,7 +15,7 @@ struct 法要外Form : ServiceForm {
 
 // The operations of the extra memorial screen. Messages bear the title "法要・回忌外登録".
 // Shows the context's deceased, read by his key; lists all of the household where none is given or he is not there.
-void openExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // What an opening with this context asks for: another deceased or household than the one shown.
 std::optional<desk::AskedRecord> askedExtra(const 法要外Form& form, const desk::ScreenContext& context);
 // Names what the screen was opened for.
@@ -26,6 +26,6 @@ void chooseDeceased(法要外Form& form, desk::ScreenContext& context, desk::Des
 void registerExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 削除: the memorial of the deceased on the dates shown; while that is the one last registered here, only as it was
 // registered.
-void deleteExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void removeExtra(法要外Form& form, desk::ScreenContext& context, desk::Desk& desk);
 
 } // namespace memorials

@@ -82,7 +82,7 @@ bool 法要檀Form::read(const QDate& from, const Take& take) const {
     return found;
 }
 
-void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.household = context;
     form.household.dnk_handedOver = false;
     if (!context.dnk_handedOver) {

@@ -24,7 +24,7 @@ struct 法要檀Form : desk::ListForm<ListedMemorial, QDate> { // by scheduled d
 
 // The operations of the list of a household's memorials, whatever their state. Messages bear the title "檀家法要一覧".
 // Shows the context's household as it was handed over, or else read by its number.
-void openHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // What an opening with this context asks for: a household whole, its branches included.
 std::optional<desk::AskedRecord> askedMemorials(const desk::ScreenContext& context);
 // Publishes the household listed.

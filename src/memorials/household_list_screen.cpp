@@ -16,25 +16,25 @@ std::unique_ptr<ui::Screen> 法要檀(ui::Workplace& workplace) {
         .shown(HOSHIREN_CONTROL(form, frm21_dankag), 12)
         .row(u"当主氏名"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_toshug), 12)
-        .shown(HOSHIREN_CONTROL(form, frm21_toshuk), 14);
+        .shown(HOSHIREN_CONTROL(form, frm21_toshuk), 14)
+        .named(u"当主氏名カナ"_s);
     layout.beside()
         .frame()
         .row(u"住所1"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_jyusho1), 22)
         .note(u"地区"_s)
         .shown(HOSHIREN_CONTROL(form, frm21_chiku), 8);
-    layout.last()->setAccessibleName(u"地区"_s);
     layout.row(u"備考"_s).shown(HOSHIREN_CONTROL(form, frm21_bikou), 22);
     const ui::Operation open = screen->run(openHouseholdMemorial);
     ui::addList(layout, *screen, form, open);
     layout.mainAction(u"個別照会"_s, u"法要詳細"_s, open);
     ui::addListButtons(layout, *screen, form);
-    layout.gap().action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased)).closing();
-    screen->onOpen(screen->run(openHouseholdMemorials));
+    layout.gap().action(u"故人照会"_s, u"故人照会"_s, screen->run(openHouseholdDeceased)).closing().finish();
+    screen->onOpen(screen->run(beginHouseholdMemorials));
     auto* raw = screen.get();
     screen->shows({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                    .asked = askedMemorials,
-                   .load = screen->run(openHouseholdMemorials)});
+                   .load = screen->run(beginHouseholdMemorials)});
     return screen;
 }
 

@@ -132,7 +132,7 @@ int 法要通Form::total() const {
         std::max(from, list.start().scheduled), to);
 }
 
-void openNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void beginNotices(法要通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = desk.today();
     form.to = form.from.addYears(1);
     form.frm02_from.text = values::dateText(form.from);

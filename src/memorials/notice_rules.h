@@ -31,7 +31,7 @@ struct 法要通Form : desk::ListForm<ListedMemorial, NoticeKey> {
 
 // The operations of the memorial notices: memorials of a range of scheduled dates that are neither held, reserved nor
 // notified. Messages bear the title "法要通知".
-void openNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveNoticesFrom(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveNoticesTo(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void showNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk& desk);         // 表示

@@ -14,12 +14,10 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
     ui::Layout layout(*screen);
     layout.frame()
         .row(u"通知検索開始日"_s)
-        .text(HOSHIREN_CONTROL(form, frm02_from), 10)
-        .onLeave(screen->run(leaveNoticesFrom))
-        .note(u"～"_s)
-        .text(HOSHIREN_CONTROL(form, frm02_to), 10)
-        .onLeave(screen->run(leaveNoticesTo));
-    layout.last()->setAccessibleName(u"検索終了日"_s);
+        .range(HOSHIREN_CONTROL(form, frm02_from), HOSHIREN_CONTROL(form, frm02_to),
+               {.fromLeft = screen->run(leaveNoticesFrom),
+                .toLeft = screen->run(leaveNoticesTo),
+                .entered = screen->run(showNotices)});
     ui::addList(layout, *screen, form, screen->run(openNoticeDeceased));
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showNotices));
     ui::addListButtons(layout, *screen, form);
@@ -31,8 +29,9 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
         .gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openNoticeDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openNoticeHousehold))
-        .closing();
-    screen->onOpen(screen->run(openNotices));
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginNotices));
     return screen;
 }
 

@@ -116,7 +116,7 @@ int 法要一Form::total() const {
         first.day, first.halfDay, first.hour, to);
 }
 
-void openReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
+void beginReservations(法要一Form& form, desk::ScreenContext&, desk::Desk& desk) {
     form.from = desk.today();
     form.to = form.from.addDays(daysShown);
     form.frm02_from.text = values::dateText(form.from);

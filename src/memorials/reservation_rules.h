@@ -32,7 +32,7 @@ struct 法要一Form : desk::ListForm<ListedMemorial, ReservationKey> {
 
 // The operations of the reservation book: memorials reserved and not yet held, in a range of reservation dates.
 // Messages bear the title "法要 予定".
-void openReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginReservations(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveReservationsFrom(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void leaveReservationsTo(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 表示: lists the range from its start and forgets the pages seen before.

@@ -12,20 +12,19 @@ std::unique_ptr<ui::Screen> 法要一(ui::Workplace& workplace) {
     ui::Layout layout(*screen);
     layout.frame()
         .row(u"予約日"_s)
-        .text(HOSHIREN_CONTROL(form, frm02_from), 10)
-        .onLeave(screen->run(leaveReservationsFrom))
-        .note(u"～"_s)
-        .text(HOSHIREN_CONTROL(form, frm02_to), 10)
-        .onLeave(screen->run(leaveReservationsTo));
-    layout.last()->setAccessibleName(u"検索終了日"_s);
+        .range(HOSHIREN_CONTROL(form, frm02_from), HOSHIREN_CONTROL(form, frm02_to),
+               {.fromLeft = screen->run(leaveReservationsFrom),
+                .toLeft = screen->run(leaveReservationsTo),
+                .entered = screen->run(showReservations)});
     ui::addList(layout, *screen, form, screen->run(openReservationDeceased));
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showReservations));
     ui::addListButtons(layout, *screen, form);
     layout.gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openReservationDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openReservationHousehold))
-        .closing();
-    screen->onOpen(screen->run(openReservations));
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginReservations));
     return screen;
 }
 

@@ -135,7 +135,7 @@ void holdAsBooked(ServiceForm& form) {
     form.実施.western.text = form.予約.western.text;
 }
 
-bool deleteMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
+bool removeMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
                     desk::Desk& desk) {
     if (!desk.ask(u"指定された法要を削除します。内容を確認して下さい。"_s, title, desk::Preset::no) ||
         !desk::remove(memorial, database, {title, memorialMissing}, desk))

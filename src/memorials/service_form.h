@@ -68,7 +68,7 @@ void keepWords(store::Database& database, const ServiceForm& form);
 void holdAsBooked(ServiceForm& form);
 
 // 削除: asks, deletes the memorial where the file holds it as read, and tells. True when it was deleted.
-bool deleteMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
+bool removeMemorial(store::Database& database, desk::Held<store::tbl_hohyo>& memorial, const QString& title,
                     desk::Desk& desk);
 
 // The entry of the death register that the context names; nothing where there is none.

@@ -21,12 +21,10 @@ void layOutDeceased(ui::Layout& layout, ServiceForm& form) {
         .shown(HOSHIREN_CONTROL(form, frm31_mei_gymd), 11)
         .note(u"享年"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_kyounen), 3);
-    layout.last()->setAccessibleName(u"享年"_s);
     layout.row(u"関係者"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_moshu), 9)
         .note(u"続柄"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_mshzkgr), 6);
-    layout.last()->setAccessibleName(u"続柄"_s);
     layout.row(u"備考"_s).shown(HOSHIREN_CONTROL(form, frm31_kaak_bikou), 20);
 }
 
@@ -36,7 +34,8 @@ void layOutHousehold(ui::Layout& layout, ServiceForm& form) {
         .shown(HOSHIREN_CONTROL(form, frm31_no), 4)
         .row(u"檀家名"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_dankag), 9)
-        .shown(HOSHIREN_CONTROL(form, frm31_dankak), 9);
+        .shown(HOSHIREN_CONTROL(form, frm31_dankak), 9)
+        .named(u"檀家名カナ"_s);
 }
 
 void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
@@ -45,10 +44,12 @@ void layOutTimeAndPlace(ui::Layout& layout, ServiceForm& form) {
                  {{HOSHIREN_CONTROL(form, frm31_am), u"午前"_s}, {HOSHIREN_CONTROL(form, frm31_pm), u"午後"_s}})
         .combo(HOSHIREN_CONTROL(form, 開始時), 3)
         .numeric()
-        .note(u"時"_s)
+        .named(u"開始時間　時"_s)
+        .unit(u"時"_s)
         .combo(HOSHIREN_CONTROL(form, 開始分), 3)
         .numeric()
-        .note(u"分"_s)
+        .named(u"開始時間　分"_s)
+        .unit(u"分"_s)
         .row(u"場所"_s)
         .combo(HOSHIREN_CONTROL(form, frm31_法要場所), 14);
 }
@@ -94,14 +95,15 @@ std::unique_ptr<ui::Screen> 法要明(ui::Workplace& workplace) {
         .dates({u"予約年号"_s, u"予約年"_s, u"予約月"_s, u"予約日付"_s, u"予約YMD"_s}, form.予約);
     layOutTimeAndPlace(layout, form);
     layOutHolding(layout, form, u"frm31_kankeisha"_s, u"供養料"_s, [raw] { holdAsBooked(raw->form()); });
-    layout.mainAction(u"更新"_s, u"更新"_s, screen->run(saveDetail))
+    layout.mainAction(u"更新"_s, u"更新"_s, screen->run(updateDetail))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteDetail))
-        .closing();
-    screen->onOpen(screen->run(openDetail));
+        .action(u"削除"_s, u"削除"_s, screen->run(removeDetail))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginDetail));
     screen->showsHeld({.publish = [raw](desk::ScreenContext& context) { publishShown(raw->form(), context); },
                        .asked = askedMemorial,
-                       .load = screen->run(openDetail)});
+                       .load = screen->run(beginDetail)});
     return screen;
 }
 
@@ -126,12 +128,13 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
     layOutHolding(layout, form, u"関係者"_s, u"お布施"_s, [raw] { holdAsBooked(raw->form()); });
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerExtra))
         .gap()
-        .action(u"削除"_s, u"削除"_s, screen->run(deleteExtra))
-        .closing();
-    screen->onOpen(screen->run(openExtra));
+        .action(u"削除"_s, u"削除"_s, screen->run(removeExtra))
+        .closing()
+        .finish();
+    screen->onOpen(screen->run(beginExtra));
     screen->showsHeld({.name = [raw](desk::ScreenContext& context) { nameOpened(raw->form(), context); },
                        .asked = [raw](const desk::ScreenContext& context) { return askedExtra(raw->form(), context); },
-                       .load = screen->run(openExtra)});
+                       .load = screen->run(beginExtra)});
     return screen;
 }
 

@@ -62,7 +62,7 @@ std::optional<BackupKind> kindFor(const QString& word) {
     return {};
 }
 
-// The first copy of a month stands for it: the oldest daily one.
+// Of each month keep the oldest daily copy.
 void markMonths(std::vector<Backup>& newestFirst) {
     QSet<QDate> months;
     for (auto backup = newestFirst.begin(); backup != newestFirst.end(); ++backup) {
@@ -123,7 +123,8 @@ void refuseCutFile(Database& database, const QString& path) {
 // The file as it was written, on a connection of its own.
 void prove(SQLite::Database& copy, const QString& path) {
     blamingRegister([&] {
-        // A register in the middle of another program's bulk run hands its write-ahead log's mark on.
+        // While another program is in the middle of a bulk run, the copy inherits the mark that says it uses a
+        // write-ahead log.
         copy.exec("PRAGMA journal_mode = DELETE");
         copy.exec("PRAGMA cell_size_check = ON");
         if (copy.execAndGet("PRAGMA application_id").getInt() != applicationId ||
@@ -132,7 +133,7 @@ void prove(SQLite::Database& copy, const QString& path) {
             throw damaged("the copy is not whole");
         if (const std::string found = copy.execAndGet("PRAGMA integrity_check(1)").getString(); found != "ok")
             throw damaged(found);
-        // Of an older layout there is nothing to compare with; what an upgrade makes of it is looked over then.
+        // An older layout has nothing to be compared with; the upgrade checks its own result.
         if (copy.execAndGet("PRAGMA user_version").getInt() == layoutVersion) {
             if (const QStringList missing = compareLayout(copy).missing; !missing.isEmpty())
                 throw damaged(missing.first().toStdString());
@@ -172,7 +173,7 @@ class FolderLock {
     QLockFile lock_;
 };
 
-// Behind the lock: a name that no copy bears, with the next number.
+// Call while the folder is locked: a file name that no copy has yet, with the next number.
 QString newBackupPath(const QString& registerPath, BackupKind kind, const QDateTime& now) {
     const auto backups = backupsOf(registerPath);
     const int number = backups.empty() ? 1 : backups.front().number + 1;
@@ -336,7 +337,7 @@ Copy::Copy(const QString& registerPath, BackupKind kind, const QDateTime& now)
 
 Copy::~Copy() {
     abandoned_ = true;
-    // Asked again and again: an interruption between two statements is forgotten.
+    // Interrupt repeatedly: the engine forgets an interruption that comes between two statements.
     while (work_.valid() && working(betweenQuestions))
         if (stage_ == Stage::proving)
             sqlite3_interrupt(copy_->getHandle());
@@ -371,7 +372,7 @@ bool Copy::startNext() {
         work_ = std::async(std::launch::async, [this] { write(); });
         return true;
     case Stage::writing:
-        // Anew: what is proven is the file, not what the writing connection remembers of it.
+        // Open it again, so that the file itself is checked and not what the writing connection has cached.
         open();
         stage_ = Stage::proving;
         work_ = std::async(std::launch::async, [this] { prove(*copy_, draft_.path()); });
@@ -465,7 +466,7 @@ std::vector<Backup> backupsOf(const QString& registerPath) {
     return found;
 }
 
-// A copy that cannot be removed is one too many and no loss: the next run tries again.
+// Failing to remove an old copy loses nothing: the next run tries again.
 void removeOldBackups(const QString& registerPath, const QString& justMade) {
     int daily = 0;
     int beforeOperation = 0;
@@ -510,7 +511,7 @@ QString restore(const QString& file, const QString& registerPath, const QDateTim
         }
         return replaceRegister(copy.draft(), path, registerPath, now);
     } catch (const RegisterFault& fault) {
-        // The words for a damaged register would send the user here again.
+        // The usual message for a damaged register would tell the user to do what he is doing now.
         if ((fault.code() & 0xff) != SQLITE_CORRUPT)
             throw;
         throw Error(

@@ -65,7 +65,7 @@ const Contradiction contradictions[] = {
 } // namespace
 
 QStringList findUnreadableTexts(SQLite::Database& engine) {
-    // An older register's tables, too; what has no row numbers is none of a register's.
+    // Covers older registers as well; a table without row numbers belongs to no register.
     SQLite::Statement tables(engine, "SELECT name FROM pragma_table_list WHERE schema = 'main' AND type = 'table' AND "
                                      "NOT wr AND name NOT LIKE 'sqlite~_%' ESCAPE '~'");
     QStringList faults;

@@ -31,7 +31,7 @@ QString withEngineWords(const QString& sentence, int code, const QString& words)
 QString sentenceFor(int code) {
     if (code == SQLITE_IOERR_WRITE || code == SQLITE_IOERR_FSYNC || code == SQLITE_IOERR_TRUNCATE)
         return u"登録簿ファイルに書き込めませんでした。今の処理は行われていません。ディスクの空き容量とファイルの大きさの制限を確認して、やり直して下さい。"_s;
-    // The index of a write-ahead log finds no room.
+    // No disk space for the index of the write-ahead log.
     if (code == SQLITE_IOERR_SHMSIZE)
         code = SQLITE_FULL;
     if (code == SQLITE_READONLY_DBMOVED)
@@ -93,7 +93,7 @@ SQLite::Database openExisting(const QString& path) {
     requireFile(path);
     const QByteArray file = QFile::encodeName(path);
     try {
-        // A connection never leaves its thread.
+        // Each connection is used by one thread only.
         const int flags = SQLite::OPEN_READWRITE | SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX;
         return SQLite::Database(file.constData(), flags, 2000);
     } catch (const SQLite::Exception&) {

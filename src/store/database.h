@@ -34,7 +34,7 @@ QString explain(const std::exception& failure);
 // The same for what failed after an earlier write of the same operation: that one is in the file.
 QString explainAfterWrite(const std::exception& failure);
 
-// Rises with every write that is committed.
+// Incremented by every committed write.
 int writesCommitted();
 
 enum class Layouts { newest, olderToo };

@@ -103,7 +103,7 @@ std::vector<NameCopy> writeNameCopies(Database& database) {
         const Holder& holder = *found.holder;
         bool written = false;
         if (!found.copy.ambiguous) {
-            // IGNORE leaves a row alone that would bear another row's key.
+            // IGNORE skips a row whose new key another row already has.
             SQLite::Statement update(database.engine(), std::string("UPDATE OR IGNORE ") + holder.table + " SET " +
                                                             holder.nameg + " = ?, " + holder.namek + " = ?, " +
                                                             holder.kanaidx + " = ? WHERE rowid = ?");

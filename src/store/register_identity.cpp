@@ -25,7 +25,7 @@ RegisterIdentity registerIdentity(const QString& path) {
     identity.device = status.st_dev;
     identity.number = status.st_ino;
 #endif
-    // A number is given again soon after its file has gone.
+    // The system reuses a file's number soon after the file is deleted.
     identity.made = QFileInfo(path).birthTime();
     return identity;
 }

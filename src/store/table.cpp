@@ -18,7 +18,7 @@ void bindValue(SQLite::Statement& statement, int at, qint64 value) {
 }
 
 void bindValue(SQLite::Statement& statement, int at, const QString& value) {
-    // One buffer for all: a bulk run binds a million texts.
+    // Reuse one buffer: a bulk run binds a million texts.
     thread_local std::string utf8;
     QStringEncoder encoder(QStringEncoder::Utf8);
     utf8.resize(static_cast<std::size_t>(encoder.requiredSpace(value.size())));

@@ -24,7 +24,7 @@ ui::FilePickerTexts outputTexts(const QStringList& moreHints = {}) {
 }
 
 void layOutButtons(ui::Layout& layout, ui::Operation run) {
-    layout.mainAction(u"確定"_s, u"実行"_s, std::move(run)).closing();
+    layout.mainAction(u"確定"_s, u"実行"_s, std::move(run)).closing().finish();
 }
 
 template <class Form>

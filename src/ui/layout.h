@@ -9,7 +9,6 @@
 
 class QGridLayout;
 class QGroupBox;
-class QHBoxLayout;
 class QLabel;
 class QListWidget;
 class QPushButton;
@@ -17,6 +16,7 @@ class QVBoxLayout;
 
 namespace ui {
 
+class BandLayout;
 class FlowLayout;
 
 struct OptionItem {
@@ -42,13 +42,24 @@ struct GridEvents {
     Operation previousPage = {}; // Page Up
 };
 
+// What the two boxes of a date range lead to.
+struct RangeEvents {
+    Operation fromLeft = {}; // the keyboard leaves the first date
+    Operation toLeft = {};
+    Operation entered = {}; // Enter in the second date
+};
+
 // Declares a screen's controls in screen order: each call makes the widget with its object name, label, accessible
 // name, place in the tab order and binding to the form's value. Widths are in full-width characters of the screen's
-// font. The screen is put together when the layout goes out of scope.
+// font. finish() puts the screen together.
+//
+// Where a window is too narrow for them, frames that stand beside each other go below each other and the controls of a
+// row go on in a second line; what is too high scrolls.
 class Layout {
   public:
     explicit Layout(Screen& screen);
-    ~Layout();
+    // Comes last; nothing is shown without it.
+    void finish();
 
     // A frame below the former one; with a title it has a border. Rows that follow stand in it.
     Layout& frame(const QString& name = {}, const QString& title = {});
@@ -59,7 +70,12 @@ class Layout {
     // A new row with its label on the left.
     Layout& row(const QString& label = {}, const QString& labelName = {});
 
-    Layout& note(const QString& text, const QString& name = {}); // plain text inside a row
+    // Plain text inside a row, and the name of the control that follows it.
+    Layout& note(const QString& text, const QString& name = {});
+    // What stands behind the control declared last: 年, 歳.
+    Layout& unit(const QString& text);
+    // What a screen reader calls the control declared last, where the text before it does not say it.
+    Layout& named(const QString& name);
     Layout& text(const QString& name, desk::Text& value, int width);
     // The box declared last is the kana of this text box: it fills itself while the name is typed.
     Layout& kanaOf(const QString& name);
@@ -83,11 +99,11 @@ class Layout {
     // The last lists scroll together and show the same line as chosen; only the first of them is in the tab order.
     Layout& parallel(int lists);
     Layout& dates(const DateNames& names, desk::DateGroup& value);
+    Layout& range(const QString& fromName, desk::Text& from, const QString& toName, desk::Text& to,
+                  const RangeEvents& events);
     Layout& grid(const QString& name, desk::Grid& value, const GridEvents& events, int visibleRows = 17);
     Layout& button(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
-    // Any other widget as an item of the row, or as a band of its own that takes the room of the window; the caller
-    // binds it.
-    Layout& widget(QWidget* widget);
+    // Any other widget as a band of its own that takes the room of the window; the caller binds it.
     Layout& fill(QWidget* widget);
 
     // The row of buttons at the bottom. The main action wears the accent; where there is one that updates, that one
@@ -103,19 +119,21 @@ class Layout {
     QWidget* last() const { return last_; }
 
   private:
-    void place(QWidget* widget, int stretch = 0);
+    void place(QWidget* widget);
     void label(QWidget* widget);
+    void speak(QWidget* widget, const QString& name);
     int pixels(int width) const;
     QPushButton* makeButton(const QString& name, const QString& caption, Operation operation, const QString& tooltip);
 
     Screen& screen_;
     QWidget* body_;
     QVBoxLayout* bands_;
-    QHBoxLayout* band_ = nullptr;
+    BandLayout* band_ = nullptr;
     QVBoxLayout* column_ = nullptr;
     QGridLayout* rows_ = nullptr;
-    QHBoxLayout* items_ = nullptr;
+    FlowLayout* items_ = nullptr; // of the row
     QLabel* label_ = nullptr;
+    QString rowName_;
     QString spoken_; // accessible name of the next control: the text before it
     QWidget* bar_;
     FlowLayout* buttons_;

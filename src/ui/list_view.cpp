@@ -42,7 +42,7 @@ void addList(Layout& layout, Screen& screen, desk::AnyList& list, const Operatio
                               {.clicked = [&screen, &list] { list.click(screen.context(), screen.desk()); },
                                .opened = opened,
                                .nextPage = next(screen, list),
-                               .previousPage = previous(screen, list)},
+                               .previousPage = [&screen, &list] { list.scrollBack(screen.desk()); }},
                               desk::pageRows);
     addPlace(layout, screen, list);
 }

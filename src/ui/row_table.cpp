@@ -5,8 +5,10 @@
 #include <QAbstractTableModel>
 #include <QHeaderView>
 #include <QMouseEvent>
+#include <QProxyStyle>
 #include <QScopedValueRollback>
 #include <QScrollBar>
+#include <QStyleOption>
 
 #include <algorithm>
 #include <numeric>
@@ -20,8 +22,27 @@ constexpr double designPointSize = 9.0;
 constexpr int twipsAnInch = 1440;
 constexpr int defaultTwips = 1600;
 constexpr int cellPadding = 12;
-constexpr int headingPadding = 22; // so that no heading touches its neighbour, whatever side each keeps to
-constexpr int notch = 120;         // of the wheel, in eighths of a degree
+constexpr int headingSide = 4; // beside what the style leaves free anyway
+constexpr int headingPadding = 22;
+constexpr int notch = 120; // of the wheel, in eighths of a degree
+
+// Keeps headings away from the sides: a heading of numbers ends where its neighbour begins.
+class HeadingStyle : public QProxyStyle {
+  public:
+    explicit HeadingStyle(QWidget* header) : QProxyStyle(header->style()->name()) { setParent(header); }
+
+    void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+        const auto* heading = qstyleoption_cast<const QStyleOptionHeader*>(option);
+        if (element != CE_HeaderLabel || !heading) {
+            QProxyStyle::drawControl(element, option, painter, widget);
+            return;
+        }
+        QStyleOptionHeader inner(*heading);
+        inner.rect.adjust(headingSide, 0, -headingSide, 0);
+        QProxyStyle::drawControl(element, &inner, painter, widget);
+    }
+};
 
 // Adds the amount to the widths in proportion to the shares, to the pixel.
 void distribute(int amount, const std::vector<int>& shares, std::vector<int>& widths) {
@@ -118,6 +139,7 @@ RowTable::RowTable(QWidget* parent) : QTableView(parent), model_(new Model(this)
     horizontalHeader()->setSectionsClickable(true);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setMinimumSectionSize(20);
+    horizontalHeader()->setStyle(new HeadingStyle(horizontalHeader()));
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) { clickRow(0, column); });
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] { pulled_ = pulled_ || !sharing_; });
 }

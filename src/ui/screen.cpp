@@ -9,6 +9,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QElapsedTimer>
@@ -16,6 +17,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QProgressDialog>
+#include <QRadioButton>
 #include <QScopeGuard>
 #include <QShortcut>
 #include <QTimer>
@@ -103,16 +105,16 @@ class Screen::ScreenDesk : public desk::Desk {
 
     void notify(const QString& text, const QString& title, desk::Icon icon) override {
         showForUser();
-        showMessage(&screen_, text, title, icon);
+        showMessage(&screen_, text, title, icon, screen_.boxPlace());
     }
     bool ask(const QString& text, const QString& title, desk::Preset preset) override {
         showForUser();
-        return askQuestion(&screen_, text, title, preset);
+        return askQuestion(&screen_, text, title, preset, screen_.boxPlace());
     }
     void inform(const QString& text) override { screen_.informed_ = text; }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
-        // From here on the record is the opened screen's.
+        // From here on the context belongs to the opened screen.
         screen_.takeKept();
         screen_.handedOver_ = true;
         screen_.workplace_.open(screen, &screen_, how, std::move(closed));
@@ -215,8 +217,7 @@ void Screen::open() {
         operate(load_);
     else
         showForm();
-    if (fit_)
-        fit_();
+    fit(freeRoom());
 }
 
 void Screen::bind(Binding binding) {
@@ -275,7 +276,7 @@ void Screen::putBackKept() {
     if (keeps_.grave)
         copyBlock<desk::GraveBlock>(kept_, context);
     context.endHandOver();
-    // What the screen holds counts, not what it handed to another one from its boxes.
+    // Publish the record that the screen holds, not the unsaved boxes that it handed to another screen.
     if (subject_.publish)
         subject_.publish(context);
 }
@@ -303,6 +304,7 @@ void Screen::focusMoved(QWidget* from, QWidget* to) {
 
 bool Screen::event(QEvent* event) {
     if (event->type() == QEvent::WindowActivate) {
+        keepOnDisplay();
         lookAgain_ = busy_;
         if (!busy_) {
             lookAtFile();
@@ -329,6 +331,11 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::InputMethod:
         watched->setProperty("composing", !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty());
         break;
+    case QEvent::FocusIn:
+        // What the mouse reaches is in sight, and must not move away under it.
+        if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
+            reveal(static_cast<QWidget*>(watched));
+        break;
     case QEvent::Wheel:
         // A turn of the wheel over a closed list must not change a record.
         if (qobject_cast<QComboBox*>(watched)) {
@@ -340,6 +347,11 @@ bool Screen::eventFilter(QObject* watched, QEvent* event) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key != Qt::Key_Return && key != Qt::Key_Enter)
             break;
+        if (qobject_cast<QRadioButton*>(watched) || qobject_cast<QCheckBox*>(watched)) {
+            // These are fields: the blank bar chooses, Enter goes on.
+            focusNextChild();
+            return true;
+        }
         if (auto* button = qobject_cast<QAbstractButton*>(watched)) {
             // A key held down presses once: it must not run through the questions that follow.
             if (!static_cast<QKeyEvent*>(event)->isAutoRepeat())

@@ -15,12 +15,14 @@
 #include <vector>
 
 class QPushButton;
+class QScrollArea;
 
 namespace ui {
 
 class NoticeBar;
 class SearchBox;
 class Workplace;
+struct BoxPlace;
 enum class NoticeAction;
 
 using Operation = std::function<void()>;
@@ -122,6 +124,9 @@ class Screen : public QWidget {
     void showForm();
     void readForm();
 
+    // Gives the window the size that its contents need, and no more than this.
+    void fit(QSize largest);
+
   protected:
     // Empties the form; gives what puts it back as it was.
     virtual std::function<void()> emptyForm() {
@@ -136,6 +141,10 @@ class Screen : public QWidget {
     friend class ScreenDesk;
     friend class Layout;
 
+    QSize freeRoom() const;
+    void keepOnDisplay();
+    void reveal(QWidget* widget);
+    BoxPlace boxPlace();
     void applyTabOrder();
     void putBackKept();
     void takeKept();
@@ -161,7 +170,8 @@ class Screen : public QWidget {
     bool keeping_ = false;
     std::unique_ptr<ScreenDesk> desk_;
     Operation load_;
-    Operation fit_; // gives the window its first size
+    QScrollArea* area_ = nullptr; // around the controls
+    QWidget* buttons_ = nullptr;  // the row at the bottom
     std::vector<Binding> bindings_;
     std::vector<QWidget*> tabOrder_;
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
@@ -192,6 +202,7 @@ class Screen : public QWidget {
     bool lookAgain_ = false;
     bool closing_ = false;
     bool handedOver_ = false;
+    bool placed_ = false; // stands on the display with its frame
 };
 
 // A screen with its form.

@@ -131,7 +131,7 @@ void Screen::settle(const std::optional<Draft>& before) {
     for (const Binding& binding : bindings_) {
         if (!binding.control || !std::exchange(binding.control->question, false))
             continue;
-        // What was asked is no input, found or not.
+        // A number or name typed to look something up is not unsaved input, whether it was found or not.
         if (binding.typed)
             baseline_[binding.widget->objectName()] = binding.typed();
     }
@@ -153,7 +153,7 @@ void Screen::load(const desk::ScreenContext& named, const QHash<QString, QString
     if (auto draft = currentDraft())
         workplace_.drafts.keep(std::move(*draft));
     takeBaseline();
-    // The bar moves no keyboard, whatever the loading would like.
+    // A press in the bar leaves the keyboard where it is, even if the loading operation asks for it.
     const QPointer<QWidget> keyboard = isVisible() ? focusWidget() : nullptr;
     operate([&] {
         workplace_.context = named;
@@ -194,8 +194,8 @@ void Screen::showFor(const Draft& draft) {
     if (subject_.record().key() != draft.key)
         strayKey_ = draft.key;
     refreshBar();
-    if (!shown && fit_)
-        fit_();
+    if (!shown)
+        fit(freeRoom());
 }
 
 // The key of the draft that the bar offers: of the record shown, or of one that is gone.
@@ -217,7 +217,7 @@ void Screen::restore(const Draft& draft) {
     readForm();
     std::optional<Draft> typedOver = currentDraft();
     if (typedOver) {
-        // What would be typed over is kept in its turn.
+        // Keep what would be overwritten as a draft of its own.
         typedOver->typed.removeIf([&](const QString& box) {
             return !draft.boxes.contains(box) || !(draft.ofNew || draft.typed.contains(box)) ||
                    draft.boxes.value(box) == typedOver->boxes.value(box);
@@ -315,7 +315,7 @@ void Screen::barPressed(NoticeAction action) {
         return;
     switch (action) {
     case NoticeAction::読み直す: {
-        // By the boxes as they were filled, whatever is typed there now.
+        // Look up by the values that the boxes were filled with, not by what is typed in them now.
         readForm();
         load(draftOf({}).context, baseline_);
         break;

@@ -106,7 +106,7 @@ void Workplace::closed(Screen* screen) {
     open_.remove(name);
     screen->deleteLater();
     const auto waitingOpeners = waiting_.take(name);
-    // What an opener says next stands over the opener, not behind the screen that has gone.
+    // Hide first, so that the opener's next message does not open behind the screen that is closing.
     if (!waitingOpeners.empty())
         screen->hide();
     for (const Waiting& waiting : waitingOpeners) {

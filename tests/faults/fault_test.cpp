@@ -117,7 +117,7 @@ void registerDeath(desk::Desk& desk) {
     desk::ScreenContext context;
     context.publishHousehold(7);
     family::過去登Form form;
-    family::openDeathRegister(form, context, desk);
+    family::beginDeathRegister(form, context, desk);
     form.frm11_kazoku.current = 0;
     family::takeMember(form, context, desk);
     for (auto* date : {&form.生年, &form.命日}) {

@@ -8,4 +8,10 @@ class ScreenFixture : public RegisterFixture, protected drive::ScreenDriver {
   protected:
     ScreenFixture();
     ~ScreenFixture() override;
+
+    // Opens every screen of the program on a household with a row of each kind, and closes it after the look.
+    void openEvery(const std::function<void(ui::Screen& shown)>& look);
+
+  private:
+    bool filled_ = false;
 };

@@ -1,0 +1,61 @@
+// Buttons: inside rows, and those in the row at the bottom of a screen.
+#include "ui/flow_layout.h"
+#include "ui/layout.h"
+
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace ui {
+
+QPushButton* Layout::makeButton(const QString& name, const QString& caption, Operation operation,
+                                const QString& tooltip) {
+    auto* button = new QPushButton(caption);
+    button->setObjectName(name);
+    button->setToolTip(tooltip);
+    button->setAutoDefault(false);
+    QObject::connect(button, &QPushButton::clicked, &screen_,
+                     [this_ = &screen_, operation = std::move(operation)] { this_->operate(operation); });
+    screen_.addToTabOrder(button);
+    return button;
+}
+
+Layout& Layout::button(const QString& name, const QString& caption, Operation operation, const QString& tooltip) {
+    place(makeButton(name, caption, std::move(operation), tooltip));
+    return *this;
+}
+
+Layout& Layout::mainAction(const QString& name, const QString& caption, Operation operation) {
+    action(name, caption, std::move(operation));
+    screen_.registers_ = static_cast<QPushButton*>(last_);
+    return *this;
+}
+
+Layout& Layout::updating(const QString& name, const QString& caption, Operation operation) {
+    action(name, caption, std::move(operation));
+    screen_.updates_ = static_cast<QPushButton*>(last_);
+    return *this;
+}
+
+Layout& Layout::action(const QString& name, const QString& caption, Operation operation, const QString& tooltip) {
+    QPushButton* button = makeButton(name, caption, std::move(operation), tooltip);
+    const QSize hint = button->sizeHint();
+    button->setMinimumSize(std::max(pixels(4), hint.width()), std::max(hint.height(), 34));
+    // As high as the highest of its line.
+    button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
+    buttons_->addWidget(button);
+    last_ = button;
+    return *this;
+}
+
+Layout& Layout::gap() {
+    buttons_->addGap();
+    return *this;
+}
+
+Layout& Layout::closing(const QString& caption) {
+    buttons_->addStretch();
+    return action(u"終了"_s, caption, [this_ = &screen_] { this_->desk().close(); });
+}
+
+} // namespace ui
