@@ -69,7 +69,8 @@ class Records : public ScreenFixture {
     ui::NoticeBar& bar(const QString& name) { return *screen(name).bar(); }
     QString said(const QString& name) { return control<QLabel>(name, u"お知らせ文"_s).text(); }
     bool offers(const QString& name, const QString& button) {
-        return control<QPushButton>(name, button).isVisibleTo(&screen(name));
+        const auto* shown = screen(name).findChild<QPushButton*>(button);
+        return shown && shown->isVisibleTo(&screen(name));
     }
     void bringForward(const QString& name) {
         QEvent activated(QEvent::WindowActivate);
@@ -507,7 +508,7 @@ TEST_F(Records, TheBarStaysOutOfTheWay) {
     press(household, u"登録"_s);
     EXPECT_EQ(said(household), u"1 福田を登録しました"_s);
     EXPECT_TRUE(!accented(u"登録"_s) && accented(u"更新"_s));
-    for (const QString& name : {u"読み直す"_s, u"表示する"_s, u"戻す"_s, u"捨てる"_s, u"元に戻す"_s}) {
+    for (const QString& name : {u"読み直す"_s, u"表示する"_s, u"戻す"_s, u"捨てる"_s}) {
         const auto& button = control<QPushButton>(household, name);
         EXPECT_EQ(button.focusPolicy(), Qt::NoFocus);
         EXPECT_FALSE(button.shortcut().isEmpty());

@@ -108,6 +108,8 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
                 [raw] { ui::previewListing(*raw, kanaListing(raw->form(), raw->desk().today())); })
         .closing()
         .finish();
+    // The keyboard starts at the tabs; F3 leads to the search.
+    tabs->setFocus();
     screen->onOpen(screen->run(beginKanaList));
     return screen;
 }

@@ -159,7 +159,8 @@ int main(int argc, char** argv) {
         for (const Command& command : commands)
             if (understood && name == command.name && parser.optionNames() == command.options &&
                 (command.arguments == any || arguments.size() == command.arguments))
-                return command.run(arguments);
+                if (const int status = command.run(arguments); status != usageStatus)
+                    return status;
     } catch (const std::exception& failure) {
         say(stderr, store::explain(failure));
         return 1;
