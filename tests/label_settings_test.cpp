@@ -1,4 +1,4 @@
-#include "printing/label_settings_rules.h"
+#include "labels/settings_rules.h"
 #include "support/label_printer.h"
 #include "support/register_fixture.h"
 #include "support/test_desk.h"
@@ -6,7 +6,7 @@
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
-using printing::宛名設定Form;
+using labels::宛名設定Form;
 
 namespace {
 
@@ -14,7 +14,7 @@ class LabelSettings : public RegisterFixture {
   protected:
     宛名設定Form opened() {
         宛名設定Form form;
-        openSettings(form, context, desk);
+        beginSettings(form, context, desk);
         return form;
     }
 

@@ -569,8 +569,9 @@ TEST_F(Records, WhatWasDeletedComesBackFromTheBar) {
             EXPECT_TRUE(said(one.screen).startsWith(u"元に戻しました"_s)) << said(one.screen).toStdString();
             EXPECT_FALSE(offers(one.screen, u"元に戻す"_s));
             // A registered extra memorial leaves a form for the next one.
-            if (one.screen != u"法要外"_s)
+            if (one.screen != u"法要外"_s) {
                 EXPECT_EQ(boxes(), before);
+            }
         }
     }
     EXPECT_EQ(taken, told.size());

@@ -227,7 +227,7 @@ TEST_F(Reports, BoxesAreReadAsPeopleTypeThem) {
         SCOPED_TRACE((each.title + each.year + each.month + each.day).toStdString());
         TestDesk desk(today);
         reports::帳票Form form;
-        reports::openReports(form, context, desk);
+        reports::beginReports(form, context, desk);
         EXPECT_EQ(form.帳票年.text, u"2027"_s);
         form.帳票種類.text = each.title;
         reports::chooseReport(form, context, desk);

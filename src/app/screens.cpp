@@ -10,7 +10,7 @@
 #include "households/succession_screen.h"
 #include "masters/master_screen.h"
 #include "memorials/memorial_screens.h"
-#include "printing/label_settings_screen.h"
+#include "labels/settings_screen.h"
 #include "reports/reports_screen.h"
 #include "transfer/transfer_screen.h"
 
@@ -34,7 +34,7 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"マスター登"_s, masters::マスター登},
         {u"控え"_s, copies::控え},
 
-        {u"宛名設定"_s, printing::宛名設定},
+        {u"宛名設定"_s, labels::宛名設定},
 
         {u"檀家登"_s, households::檀家登},
         {u"檀家一覧"_s, households::檀家一覧},

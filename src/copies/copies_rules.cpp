@@ -182,7 +182,7 @@ void bringBack(控えForm& form, const store::Records& records, desk::Desk& desk
 
 } // namespace
 
-void openCopies(控えForm& form, desk::ScreenContext&, desk::Desk& desk) {
+void beginCopies(控えForm& form, desk::ScreenContext&, desk::Desk& desk) {
     store::removeOldDeletions(registered(), QDateTime(desk.today(), QTime::currentTime()));
     clearDifferences(form);
     listSources(form);

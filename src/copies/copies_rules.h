@@ -36,7 +36,7 @@ struct 控えForm {
 constexpr std::size_t linesShown = 2000;
 
 // Fills the list: copies by their number, deletions by theirs, newest first. One that cannot be read is listed as such.
-void openCopies(控えForm& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginCopies(控えForm& form, desk::ScreenContext& context, desk::Desk& desk);
 // Compares the source clicked with the register as it is now, with a progress that can be cancelled; one that was not
 // looked over when it was made is looked over first. A source that is gone or damaged is told of, and the list read
 // anew.

@@ -26,12 +26,12 @@ std::unique_ptr<ui::Screen> 控え(ui::Workplace& workplace) {
     layout.last()->setAccessibleName(u"今の登録簿との違い"_s);
     layout.mainAction(u"選んで戻す"_s, u"選んで戻す"_s, screen->run(bringBackChosen))
         .gap()
-        .action(u"一覧更新"_s, u"一覧を読み直す"_s, screen->run(openCopies))
+        .action(u"一覧更新"_s, u"一覧を読み直す"_s, screen->run(beginCopies))
         .gap()
         .action(u"全部戻す"_s, u"全部戻す"_s, screen->run(restoreAll))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openCopies));
+    screen->onOpen(screen->run(beginCopies));
     return screen;
 }
 

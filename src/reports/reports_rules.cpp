@@ -58,7 +58,7 @@ const Report& 帳票Form::chosen() const {
     return found == reports().end() ? reports().front() : *found;
 }
 
-void openReports(帳票Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginReports(帳票Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.帳票種類.items.clear();
     for (const Report& report : reports())
         form.帳票種類.items << report.title;

@@ -20,7 +20,7 @@ struct 帳票Form {
     const Report& chosen() const;
 };
 
-void openReports(帳票Form& form, desk::ScreenContext& context, desk::Desk& desk); // with the first report
+void beginReports(帳票Form& form, desk::ScreenContext& context, desk::Desk& desk); // with the first report
 // Another report was chosen in 帳票種類: the boxes that it uses show what it is made for as a rule, the others nothing.
 void chooseReport(帳票Form& form, desk::ScreenContext& context, desk::Desk& desk);
 

@@ -38,7 +38,7 @@ std::unique_ptr<ui::Screen> 帳票(ui::Workplace& workplace) {
         .action(u"PDF"_s, u"PDF"_s, way(ui::writeListing))
         .closing()
         .finish();
-    screen->onOpen(screen->run(openReports));
+    screen->onOpen(screen->run(beginReports));
     return screen;
 }
 

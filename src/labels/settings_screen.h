@@ -4,8 +4,8 @@
 
 #include <memory>
 
-namespace printing {
+namespace labels {
 
 std::unique_ptr<ui::Screen> 宛名設定(ui::Workplace& workplace);
 
-} // namespace printing
+} // namespace labels

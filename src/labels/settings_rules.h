@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-namespace printing {
+namespace labels {
 
 struct 宛名設定Form {
     desk::List 回忌選択;      // an anniversary a line, with the number of its memorials
@@ -23,7 +23,7 @@ struct 宛名設定Form {
     desk::Text 左右間隔;
     desk::Text 上下間隔;
     desk::Text 開始番号;             // of the first free label, from 1
-    std::optional<LabelStock> sheet; // chosen; none while the measures of the own one are wrong
+    std::optional<printing::LabelStock> sheet; // chosen; none while the measures of the own one are wrong
 
     bool memorials = false;
     std::vector<desk::LabelBlock::Offered> offered;
@@ -33,10 +33,10 @@ struct 宛名設定Form {
 
 // The operations of 宛名設定: which anniversaries, which sheet, which label first. Opened modal by a list of notices
 // with a LabelBlock; 設定 gives it back and keeps the sheet in the user's settings. Messages bear the title "宛名設定".
-void openSettings(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk);
+void beginSettings(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk);
 void chooseSheet(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk);  // or its measures
 void tickAll(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk);      // 回忌全選択
 void tickNone(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk);     // 回忌全解除
 void takeSettings(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk); // 設定
 
-} // namespace printing
+} // namespace labels

@@ -1,4 +1,4 @@
-#include "printing/label_settings_rules.h"
+#include "labels/settings_rules.h"
 
 #include "values/numbers.h"
 
@@ -6,7 +6,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace printing {
+namespace labels {
+
+using namespace printing;
 namespace {
 
 const QString title = u"宛名設定"_s;
@@ -31,7 +33,7 @@ std::optional<int> 宛名設定Form::start() const {
     return *number - 1;
 }
 
-void openSettings(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+void beginSettings(宛名設定Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     form.memorials = context.lbl_memorials;
     form.offered = context.lbl_offered;
     form.回忌選択.clear();
@@ -110,4 +112,4 @@ void takeSettings(宛名設定Form& form, desk::ScreenContext& context, desk::De
     desk.close();
 }
 
-} // namespace printing
+} // namespace labels

@@ -1,7 +1,7 @@
-#include "printing/label_settings_screen.h"
+#include "labels/settings_screen.h"
 
 #include "printing/label_painter.h"
-#include "printing/label_settings_rules.h"
+#include "labels/settings_rules.h"
 #include "ui/layout.h"
 
 #include <QGroupBox>
@@ -12,7 +12,9 @@
 
 using namespace Qt::StringLiterals;
 
-namespace printing {
+namespace labels {
+
+using namespace printing;
 namespace {
 
 // The sheet drawn, with its first free label; a click or the arrow keys choose another one.
@@ -194,8 +196,8 @@ std::unique_ptr<ui::Screen> 宛名設定(ui::Workplace& workplace) {
     layout.row(u"開始位置"_s).number(HOSHIREN_CONTROL(form, 開始番号), 4).onLeave(measure).note(u"番目のラベルから"_s);
 
     layout.mainAction(u"設定"_s, u"設定"_s, screen->run(takeSettings)).closing().finish();
-    screen->onOpen(screen->run(openSettings));
+    screen->onOpen(screen->run(beginSettings));
     return screen;
 }
 
-} // namespace printing
+} // namespace labels
