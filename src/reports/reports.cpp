@@ -1,8 +1,16 @@
 #include "reports/report.h"
 
 // Each report is a function in a file of its own.
-#define HOSHIREN_REPORTS(report)                                                                                       \
-    report(年回表) report(祥月命日表) report(檀家名簿) report(お墓台帳) report(法要予定表) report(管理費請求一覧)
+// A line a report.
+// clang-format off
+#define HOSHIREN_REPORTS(report) \
+    report(年回表) \
+    report(祥月命日表) \
+    report(檀家名簿) \
+    report(お墓台帳) \
+    report(法要予定表) \
+    report(管理費請求一覧)
+// clang-format on
 
 namespace reports {
 
