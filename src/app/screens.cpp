@@ -8,9 +8,9 @@
 #include "graves/grave_screens.h"
 #include "households/household_screens.h"
 #include "households/succession_screen.h"
+#include "labels/settings_screen.h"
 #include "masters/master_screen.h"
 #include "memorials/memorial_screens.h"
-#include "labels/settings_screen.h"
 #include "reports/reports_screen.h"
 #include "transfer/transfer_screen.h"
 

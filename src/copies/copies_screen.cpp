@@ -18,7 +18,9 @@ std::unique_ptr<ui::Screen> 控え(ui::Workplace& workplace) {
     layout.last()->setAccessibleName(u"控えと、削除したもの"_s);
     layout.frame().row(u"絞り込み"_s).text(HOSHIREN_CONTROL(form, 絞り込み), 12);
     screen->onEnter(layout.last(), narrowed);
-    layout.button(u"絞り込む"_s, u"絞り込む"_s, narrowed).shown(HOSHIREN_CONTROL(form, 比較結果), 24).named(u"比較の結果"_s);
+    layout.button(u"絞り込む"_s, u"絞り込む"_s, narrowed)
+        .shown(HOSHIREN_CONTROL(form, 比較結果), 24)
+        .named(u"比較の結果"_s);
     layout.frame(u"Frame2"_s, u"今の登録簿との違い"_s)
         .row()
         .grid(HOSHIREN_CONTROL(form, 控え内容),

@@ -76,7 +76,8 @@ void Deletion::offerUndo(std::function<void()> done) const {
         if (!undoDeletion(path, *desk, title).stopped)
             done();
     };
-    desk_->offer(u"%1を%2しました"_s.arg(withMore(label_, taken_), what_), {{u"元に戻す"_s, u"元に戻す"_s, u'Z', undo}});
+    desk_->offer(u"%1を%2しました"_s.arg(withMore(label_, taken_), what_),
+                 {{u"元に戻す"_s, u"元に戻す"_s, u'Z', undo}});
 }
 
 } // namespace desk

@@ -22,7 +22,7 @@ struct 宛名設定Form {
     desk::Text 上余白;
     desk::Text 左右間隔;
     desk::Text 上下間隔;
-    desk::Text 開始番号;             // of the first free label, from 1
+    desk::Text 開始番号;                       // of the first free label, from 1
     std::optional<printing::LabelStock> sheet; // chosen; none while the measures of the own one are wrong
 
     bool memorials = false;

@@ -1,7 +1,7 @@
 #include "labels/settings_screen.h"
 
-#include "printing/label_painter.h"
 #include "labels/settings_rules.h"
+#include "printing/label_painter.h"
 #include "ui/layout.h"
 
 #include <QGroupBox>
