@@ -317,6 +317,7 @@ void Tour::copies() {
 void Tour::searchFor(const QString& words) {
     const QString menu = u"メニュー"_s;
     screen(menu).activateWindow();
+    require(QTest::qWaitForWindowActive(&screen(menu)), u"the menu does not come to the front"_s);
     QTest::keyClick(&screen(menu), Qt::Key_F3);
     auto& box = control<QLineEdit>(menu, u"さがす"_s);
     require(QApplication::focusWidget() == &box, u"F3 does not lead to the search"_s);
