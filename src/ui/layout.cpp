@@ -114,6 +114,8 @@ Layout& Layout::row(const QString& text, const QString& labelName) {
     label_ = plainLabel(text);
     label_->setObjectName(labelName);
     label_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // An empty one would take a character's width.
+    label_->setHidden(text.isEmpty());
     rows_->addWidget(label_, at, 0, Qt::AlignTop);
     rowName_ = spoken_ = text;
     items_ = nullptr;

@@ -1,7 +1,6 @@
 #include "ui/message_box.h"
 
 #include <QAbstractButton>
-#include <QApplication>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QScreen>
@@ -48,34 +47,45 @@ QPoint cornerOf(QSize box, const BoxPlace& place, const QRect& room) {
     return inside(place.form.center().x() - box.width() / 2, place.form.bottom() + gap);
 }
 
-void put(QMessageBox& box, const BoxPlace& place) {
-    const QWidget* parent = box.parentWidget();
-    if (!parent || !place.form.isValid())
-        return;
-    // A message box takes its size when it is asked to lay itself out; its frame is like its screen's.
-    box.ensurePolished();
-    QEvent layOut(QEvent::LayoutRequest);
-    QApplication::sendEvent(&box, &layOut);
-    const QSize frame = parent->window()->frameGeometry().size() - parent->window()->size();
-    box.move(cornerOf(box.size() + frame, place, parent->screen()->availableGeometry()));
-}
+class Box : public QMessageBox {
+  public:
+    Box(Icon icon, const QString& title, const QString& text, StandardButtons buttons, QWidget* screen,
+        const BoxPlace& place)
+        : QMessageBox(icon, title, text, buttons, screen), place_(place) {
+        setTextFormat(Qt::PlainText);
+    }
+
+  protected:
+    // Not before: a message box takes its size when it is shown.
+    void showEvent(QShowEvent* event) override {
+        QMessageBox::showEvent(event);
+        if (!parentWidget() || !place_.form.isValid())
+            return;
+        // Its frame is like its screen's. Some window managers take the place for the frame's, others for the
+        // contents': there is room for both.
+        const QWidget* window = parentWidget()->window();
+        const QPoint corner = window->geometry().topLeft() - window->frameGeometry().topLeft();
+        const QSize frame = window->frameGeometry().size() - window->size() + QSize(corner.x(), corner.y());
+        move(cornerOf(size() + frame, place_, window->screen()->availableGeometry()) + corner);
+    }
+
+  private:
+    BoxPlace place_;
+};
 
 } // namespace
 
 void showMessage(QWidget* parent, const QString& text, const QString& title, desk::Icon icon, const BoxPlace& place) {
-    QMessageBox box(icon == desk::Icon::exclamation ? QMessageBox::Warning : QMessageBox::NoIcon, title, text,
-                    QMessageBox::Ok, parent);
-    box.setTextFormat(Qt::PlainText);
+    Box box(icon == desk::Icon::exclamation ? QMessageBox::Warning : QMessageBox::NoIcon, title, text, QMessageBox::Ok,
+            parent, place);
     box.button(QMessageBox::Ok)->setText(u"OK"_s);
     new NoRepeat(box);
-    put(box, place);
     box.exec();
 }
 
 bool askQuestion(QWidget* parent, const QString& text, const QString& title, desk::Preset preset,
                  const BoxPlace& place) {
-    QMessageBox box(QMessageBox::NoIcon, title, text, QMessageBox::Yes | QMessageBox::No, parent);
-    box.setTextFormat(Qt::PlainText);
+    Box box(QMessageBox::NoIcon, title, text, QMessageBox::Yes | QMessageBox::No, parent, place);
     box.button(QMessageBox::Yes)->setText(u"はい"_s);
     box.button(QMessageBox::Yes)->setShortcut(Qt::Key_Y);
     box.button(QMessageBox::No)->setText(u"いいえ"_s);
@@ -83,7 +93,6 @@ bool askQuestion(QWidget* parent, const QString& text, const QString& title, des
     box.setDefaultButton(preset == desk::Preset::yes ? QMessageBox::Yes : QMessageBox::No);
     box.setEscapeButton(QMessageBox::No);
     new NoRepeat(box);
-    put(box, place);
     return box.exec() == QMessageBox::Yes;
 }
 
