@@ -106,8 +106,9 @@ LabelRun::LabelRun(const LabelFont& font, LabelStock stock, int start)
           std::max(1.0, std::floor((stock_.height - stock_.textTop - 3 * linePitch) / linePitch)))) {}
 
 LabelResult LabelRun::printLabel(const LabelAddress& address) {
-    const int place = (start_ + labels_) % stock_.labels();
-    if (place == 0 || labels_ == 0)
+    lbl_cnt = (start_ + labels_) % stock_.labels() + 1;
+    lbl_col = (lbl_cnt - 1) % stock_.columns;
+    if (lbl_cnt == 1 || labels_ == 0)
         sheets_.emplace_back();
     ++labels_;
     tight_ = false;
@@ -120,8 +121,8 @@ LabelResult LabelRun::printLabel(const LabelAddress& address) {
         result.tight = writeVertically(settableAddress, *stock_.card, font_, sheets_.back());
         return result;
     }
-    const double x = stock_.labelLeft(place) + stock_.textLeft;
-    const double top = stock_.labelTop(place) + stock_.textTop;
+    const double x = stock_.columnLeft(lbl_col) + stock_.textLeft;
+    const double top = stock_.labelTop(lbl_cnt - 1) + stock_.textTop;
     putFitted(x, top, settableAddress.lbl_yubin);
     putFitted(x, top + linePitch, settableAddress.lbl_toshug);
     putFitted(x, top + 2 * linePitch, settableAddress.lbl_jyusho1);

@@ -78,6 +78,8 @@ class LabelRun {
     const int start_;
     std::size_t linesOfAddress2_; // address line 2 and the lines under it that still lie on the label
     std::vector<LabelSheet> sheets_;
+    int lbl_cnt = 0; // place of the last label on its sheet, from 1
+    int lbl_col = 0; // its column, from 0
     int labels_ = 0;
     bool tight_ = false;
 };

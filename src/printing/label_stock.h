@@ -52,7 +52,8 @@ struct LabelStock {
     std::optional<CardPlaces> card = {};
 
     int labels() const { return columns * rows; }
-    double labelLeft(int label) const { return left + label % columns * columnPitch; }
+    double columnLeft(int column) const { return left + column * columnPitch; }
+    double labelLeft(int label) const { return columnLeft(label % columns); }
     double labelTop(int label) const { return top + label / columns * rowPitch; }
 
     bool operator==(const LabelStock&) const = default;
