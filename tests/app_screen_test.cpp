@@ -109,6 +109,10 @@ TEST_F(Program, EnterGoesOnAsTabDoesAndPressesButtons) {
     EXPECT_EQ(enter(u"登録NO"_s), u"登録名称"_s);
     expect(u"登録NOに正しく入力してください"_s, u"ｺｰﾄﾞﾏｽﾀｰ情報"_s);
     EXPECT_EQ(enter(u"更新"_s), u"登録NO"_s);
+    // An option is chosen by the blank bar; Enter goes on from it.
+    press(name, u"地区"_s);
+    EXPECT_NE(enter(u"場所"_s), u"場所"_s);
+    EXPECT_TRUE(control<QAbstractButton>(name, u"地区"_s).isChecked());
     // While the input method composes, Enter is its own.
     QInputMethodEvent composing(u"やまだ"_s, {});
     QApplication::sendEvent(&control(name, u"登録NO"_s), &composing);
