@@ -386,7 +386,10 @@ TEST_F(BringBack, WhatStandsNowWinsAndIsListed) {
     // A household renamed since is found by its new name, and so is what comes back.
     execute(u"DELETE FROM tbl_kakocho; UPDATE tbl_danka SET tbldnk_tel = '03-1234-56787', tbldnk_nameg = '神田', "
             "tbldnk_namek = 'カンダ' WHERE tbldnk_no1 = 7"_s);
+    const QString family = u"SELECT count(*) FROM tbl_kazoku"_s;
+    const QString members = query(family);
     householdFrom(file);
+    EXPECT_EQ(query(family), members) << "who stands under the former name is there already";
     EXPECT_EQ(query(u"SELECT tblkak_dnknameg, tblkak_dnknamek, tblkak_kanaidx FROM tbl_kakocho"_s),
               u"神田,カンダ,カ"_s);
 }

@@ -243,16 +243,22 @@ void restoreAll(控えForm& form, desk::ScreenContext&, desk::Desk& desk) {
         kept = store::restore(source.path, registered(), QDateTime(desk.today(), QTime::currentTime()),
                               [&](int percent) { progress->advance(percent, u"控えを確かめて戻しています"_s); });
     }
+    const QString replaced =
+        kept.isEmpty() ? QString() : u"\n置き換えた登録簿はここにあります: %1"_s.arg(QDir::toNativeSeparators(kept));
     // The program opens none but the newest layout.
-    if (store::isOlder(registered()))
-        store::upgradeRegister(registered(), QDateTime(desk.today(), QTime::currentTime()));
+    try {
+        if (store::isOlder(registered()))
+            store::upgradeRegister(registered(), QDateTime(desk.today(), QTime::currentTime()));
+    } catch (const std::exception& failure) {
+        desk.notify(u"登録簿を%1に戻しましたが、新しい版に進められませんでした。\n"_s.arg(source.name) +
+                        store::explain(failure) + replaced,
+                    title);
+        return;
+    }
     clearDifferences(form);
     listSources(form);
     fillDifferences(form);
-    desk.notify(u"登録簿を%1に戻しました。"_s.arg(source.name) +
-                    (kept.isEmpty() ? QString()
-                                    : u"\n置き換えた登録簿はここにあります: %1"_s.arg(QDir::toNativeSeparators(kept))),
-                title);
+    desk.notify(u"登録簿を%1に戻しました。"_s.arg(source.name) + replaced, title);
 }
 
 void bringBackChosen(控えForm& form, desk::ScreenContext&, desk::Desk& desk) {

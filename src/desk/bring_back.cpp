@@ -168,8 +168,14 @@ class Run {
                 leave(was.row, reason);
                 continue;
             }
-            const auto standing = rowsWithKeyOf(database_, row);
-            if (std::ranges::find(standing, row) != standing.end()) {
+            // Rows of a household that was renamed may still bear the names it had, which are part of their keys.
+            Row former = was.row;
+            moved(former, Names::asTheyWere);
+            auto standing = rowsWithKeyOf(database_, row);
+            if (!(former == row))
+                std::ranges::copy(rowsWithKeyOf(database_, former), std::back_inserter(standing));
+            if (std::ranges::find(standing, row) != standing.end() ||
+                std::ranges::find(standing, former) != standing.end()) {
                 ++result_.same;
                 continue;
             }
@@ -187,7 +193,9 @@ class Run {
                 return standing.end();
             Row became = *was.became;
             moved(became);
-            return std::ranges::find(standing, became);
+            Row formerly = *was.became;
+            moved(formerly, Names::asTheyWere);
+            return std::ranges::find_if(standing, [&](const Row& now) { return now == became || now == formerly; });
         }();
         if constexpr (std::is_same_v<Row, store::tbl_ohaka>) {
             if (isOccupied(row) && placeIsTaken(row)) {
@@ -247,8 +255,10 @@ class Run {
             [&](const store::tbl_ohaka& other) { return other.tblhak_no != grave.tblhak_no && isOccupied(other); });
     }
 
+    enum class Names { asTheyAre, asTheyWere };
+
     // Puts the row under its household's number and names in the register; the reason where it has to be left.
-    template <class Row> QString moved(Row& row) const {
+    template <class Row> QString moved(Row& row, Names names = Names::asTheyAre) const {
         const auto found = households_.find(store::numberOf(row));
         if (found == households_.end())
             return {};
@@ -262,7 +272,7 @@ class Run {
         } else if constexpr (requires { nameCopies<Row>.nameg; }) {
             constexpr auto copies = nameCopies<Row>;
             row.*store::householdNumber<Row> = household.number;
-            if (household.renamed && row.*copies.nameg == household.then.nameg &&
+            if (names == Names::asTheyAre && household.renamed && row.*copies.nameg == household.then.nameg &&
                 row.*copies.namek == household.then.namek) {
                 row.*copies.nameg = household.renamed->nameg;
                 row.*copies.namek = household.renamed->namek;

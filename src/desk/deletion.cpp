@@ -47,6 +47,8 @@ bool Deletion::write(store::Database& database, const std::function<bool(store::
                     throw;
                 }
                 taken_ = std::move(taken);
+                if (keeping_)
+                    kept_ = taken_.size();
                 return true;
             }
         }
@@ -76,8 +78,10 @@ void Deletion::offerUndo(std::function<void()> done) const {
         if (!undoDeletion(path, *desk, title).stopped)
             done();
     };
-    desk_->offer(u"%1を%2しました"_s.arg(withMore(label_, taken_), what_),
-                 {{u"元に戻す"_s, u"元に戻す"_s, u'Z', undo}});
+    QString told = u"%1を%2しました"_s.arg(withMore(label_, taken_), what_);
+    if (taken_.size() > kept_)
+        told += u"（うち%1件は元に戻せません）"_s.arg(taken_.size() - kept_);
+    desk_->offer(told, {{u"元に戻す"_s, u"元に戻す"_s, u'Z', undo}});
 }
 
 } // namespace desk

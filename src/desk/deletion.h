@@ -47,8 +47,9 @@ class Deletion {
     QString title_;
     QString what_;
     store::Records taken_;
-    QString label_; // what was deleted first
-    QString path_;  // where it is kept
+    QString label_;        // what was deleted first
+    std::size_t kept_ = 0; // of the rows taken
+    QString path_;         // where they are kept
     bool keeping_ = true;
 };
 

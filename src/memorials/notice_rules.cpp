@@ -355,6 +355,19 @@ void notifyRange(法要通Form& form, printing::LabelPrinter& printer, desk::Des
     }
 }
 
+namespace {
+
+// No mark was taken back: the run can be tried again. Where that cannot be kept, it stays open, which is safe.
+void closeAgain(const std::vector<NoticeRun>& runs) {
+    try {
+        keepNoticeRuns(runs);
+    } catch (const std::exception&) {
+        return;
+    }
+}
+
+} // namespace
+
 void takeBackNotices(法要通Form&, desk::ScreenContext&, desk::Desk& desk) {
     std::vector<NoticeRun> runs = noticeRuns();
     const std::vector<NoticeRun> read = runs;
@@ -394,18 +407,27 @@ void takeBackNotices(法要通Form&, desk::ScreenContext&, desk::Desk& desk) {
     if (!desk.ask(question, title, desk::Preset::no))
         return;
     int taken = 0;
+    bool another = false;
     {
         store::Database database;
         store::Write write(database);
-        if (noticeRuns() != read) {
-            desk.notify(u"その間に別の通知処理が行われました。もう一度やり直して下さい。"_s, title);
-            return;
+        another = noticeRuns() != read;
+        if (!another) {
+            // Open until the marks are gone: a run taken back halfway is never taken back twice.
+            runs.back().open = true;
+            keepNoticeRuns(runs);
+            try {
+                taken = unmark(database, runs.back());
+                write.commit();
+            } catch (...) {
+                closeAgain(read);
+                throw;
+            }
         }
-        // Open until the marks are gone: a run taken back halfway is never taken back twice.
-        runs.back().open = true;
-        keepNoticeRuns(runs);
-        taken = unmark(database, runs.back());
-        write.commit();
+    }
+    if (another) {
+        desk.notify(u"その間に別の通知処理が行われました。もう一度やり直して下さい。"_s, title);
+        return;
     }
     desk.inform(u"%1件の通知を取り消しました。表示を押すと一覧に戻ります。"_s.arg(taken));
     try {

@@ -25,7 +25,9 @@ struct 法要通Form : desk::ListForm<ListedMemorial, NoticeKey> {
     std::shared_ptr<printing::LabelChoice> choice;
 
     法要通Form() : 法要通Form(std::make_shared<printing::LabelChoice>()) {}
-    QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
+    QString range() const override {
+        return values::dateText(std::max(from, list.start().scheduled)) + QStringLiteral("～") + values::dateText(to);
+    }
     void click(desk::ScreenContext& context, desk::Desk& desk) override;
 
   private:

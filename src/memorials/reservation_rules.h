@@ -23,7 +23,9 @@ struct 法要一Form : desk::ListForm<ListedMemorial, ReservationKey> {
     QDate to;
 
     法要一Form();
-    QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
+    QString range() const override {
+        return values::dateText(std::max(from, list.start().day)) + QStringLiteral("～") + values::dateText(to);
+    }
     // The page is filled again from the current position.
     void goOn(desk::Desk& desk) override { refill(desk); }
 

@@ -7,7 +7,6 @@
 #include <QGlyphRun>
 #include <QPainter>
 #include <QRawFont>
-#include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
 
@@ -86,8 +85,6 @@ int PrintedListing::pages() const {
 }
 
 void PrintedListing::paint(QPainter& painter, int page, double dotsAnInch) const {
-    if (beforePage)
-        beforePage(page);
     const double dots = dotsAnInch / 25.4;
     const Page contents = pages_.page(page);
     for (const PageArea& area : contents.areas)
@@ -105,19 +102,36 @@ QString PrintedListing::remark() const {
 
 namespace {
 
+// A list on its way out, while its preview may be painted as well: before each page runs `beforePage`, and what it
+// throws ends the painting.
+class WatchedListing : public PrintedDocument {
+  public:
+    WatchedListing(const PrintedListing& list, std::function<void(int)> beforePage)
+        : list_(list), beforePage_(std::move(beforePage)) {}
+
+    DocumentFacts facts() const override { return list_.facts(); }
+    int pages() const override { return list_.pages(); }
+    void paint(QPainter& painter, int page, double dotsAnInch) const override {
+        beforePage_(page);
+        list_.paint(painter, page, dotsAnInch);
+    }
+
+  private:
+    const PrintedListing& list_;
+    const std::function<void(int)> beforePage_;
+};
+
 // Hands the list over and tells what became of it; file: what is said of a file that it went into.
 void handOver(const PrintedListing& list, const QString& file, desk::Desk& desk,
-              const std::function<PrintedJob()>& way) {
+              const std::function<PrintedJob(const PrintedDocument&)>& way) {
     const QString& title = list.listing().title;
     PrintedJob job;
     try {
         const auto progress = desk.progress(title);
-        const auto unwatched = qScopeGuard([&list] { list.beforePage = {}; });
-        list.beforePage = [&](int page) {
+        job = way(WatchedListing(list, [&](int page) {
             if (!progress->advance(page * 100 / list.pages(), u"%1 / %2 ページ"_s.arg(page + 1).arg(list.pages())))
                 throw PrintFailure(u"%1の作成を中止しました。"_s.arg(title));
-        };
-        job = way();
+        }));
     } catch (const PrintFailure& failure) {
         desk.notify(failure.message, title);
         return;
@@ -135,13 +149,13 @@ void handOver(const PrintedListing& list, const QString& file, desk::Desk& desk,
 void printListing(const PrintedListing& list, QWidget* opener, desk::Desk& desk) {
     const QString& title = list.listing().title;
     handOver(list, u"プリンターがないため、%1をPDFファイルに書き出しました。"_s.arg(title), desk,
-             [&] { return printDocument(list, opener, desk.today()); });
+             [&](const PrintedDocument& document) { return printDocument(document, opener, desk.today()); });
 }
 
 void writeListing(const PrintedListing& list, desk::Desk& desk) {
     const QString& title = list.listing().title;
-    handOver(list, u"%1をPDFファイルに書き出しました。"_s.arg(title), desk, [&] {
-        return writePdf(list, QFileInfo(store::Database::registerPath()).path(),
+    handOver(list, u"%1をPDFファイルに書き出しました。"_s.arg(title), desk, [&](const PrintedDocument& document) {
+        return writePdf(document, QFileInfo(store::Database::registerPath()).path(),
                         title + desk.today().toString(u"_yyyyMMdd"_s));
     });
 }

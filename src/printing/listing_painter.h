@@ -18,9 +18,6 @@ class PrintedListing : public PrintedDocument {
     void paint(QPainter& painter, int page, double dotsAnInch) const override;
     QString remark() const override; // of characters that stand as 〓
 
-    // Runs before each page is painted; what it throws ends the painting.
-    mutable std::function<void(int page)> beforePage = {};
-
   private:
     struct Face;
     const std::unique_ptr<Face> face_;

@@ -46,8 +46,11 @@ printing::Listing make(store::Database& database, const Wish& wish) {
                 "tbl_hohyo.tblhoy_kaiki_hour ASC, tbl_hohyo.tblhoy_kaiki_mint ASC, tbl_hohyo.tblhoy_no, "
                 "tbl_hohyo.tblhoy_zokunameg, tbl_hohyo.tblhoy_kaiki_yymd;",
             first, QDate(wish.year, wish.month, first.daysInMonth()));
-        while (rows.next())
-            bookings.push_back({rows.row(), {}});
+        while (rows.next()) {
+            // A date that is none is counted below.
+            if (rows.row().tblhoy_kaiki_rymd.isValid())
+                bookings.push_back({rows.row(), {}});
+        }
     }
     store::Households households(database, store::idxdnk_no);
     for (Booking& booking : bookings)

@@ -3,6 +3,7 @@
 #include "reports/deceased.h"
 
 #include <algorithm>
+#include <set>
 
 using namespace Qt::StringLiterals;
 
@@ -64,7 +65,12 @@ printing::Listing make(store::Database& database, const Wish& wish) {
         },
         {[](Row one, Row other) { return one.day == other.day; },
          [](std::span<const Remembered> group) { return u"%1日　%2名"_s.arg(group.front().day).arg(group.size()); }})};
-    noteDeceased(list, database, std::ranges::count(all, false, &Deceased::householdFound));
+    std::set<const Deceased*> withoutHousehold;
+    for (const Remembered& row : remembered) {
+        if (!row.deceased->householdFound)
+            withoutHousehold.insert(row.deceased);
+    }
+    noteDeceased(list, database, static_cast<qint64>(withoutHousehold.size()));
     if (remembered.empty())
         list.nothing = range + u"が祥月命日の方は、過去帳に登録されていません。"_s;
     return list;

@@ -34,7 +34,7 @@ printing::Listing make(store::Database& database, const Wish& wish) {
     std::vector<Bill> bills;
     store::Households households(database, store::idxdnk_no);
     for (const store::tbl_ohaka& grave : graves) {
-        if (!store::isInUse(grave))
+        if (!store::isInUse(grave) || !grave.tblhak_kanri_nxymd.isValid())
             continue;
         Bill& bill = bills.emplace_back(Bill{grave, {}, eras.date(grave.tblhak_kanri_nxymd)});
         if (store::seekHousehold(households, grave.tblhak_dnk_no))
@@ -64,7 +64,7 @@ printing::Listing make(store::Database& database, const Wish& wish) {
             {u"管理費"_s,
              [](Row bill) {
                  const auto& fee = bill.grave.tblhak_kanri_ryokin;
-                 return fee ? values::moneyText(*fee) : QString();
+                 return values::shownMoney(fee);
              },
              Align::right, [](Row bill) { return qint64{bill.grave.tblhak_kanri_ryokin.value_or(0)}; }},
         },

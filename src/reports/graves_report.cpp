@@ -22,10 +22,6 @@ struct Grave {
     QString remarks;
 };
 
-QString feeText(const std::optional<std::int32_t>& fee) {
-    return fee ? values::moneyText(*fee) : QString();
-}
-
 // As one walks past them: lot 2 before lot 10.
 void orderByLot(std::vector<store::tbl_ohaka>& rows) {
     QCollator collator(QLocale(QLocale::Japanese, QLocale::Japan));
@@ -79,8 +75,8 @@ printing::Listing make(store::Database& database, const Wish&) {
             {u"檀家名"_s, [](Row grave) { return grave.row.tblhak_dnk_nameg; }},
             {u"区分"_s, [](Row grave) { return grave.row.tblhak_dnk_kbn; }},
             {u"使用開始日"_s, [](Row grave) { return grave.start; }},
-            {u"使用料"_s, [](Row grave) { return feeText(grave.row.tblhak_shiyo_ryokin); }, Align::right},
-            {u"管理費"_s, [](Row grave) { return feeText(grave.row.tblhak_kanri_ryokin); }, Align::right},
+            {u"使用料"_s, [](Row grave) { return values::shownMoney(grave.row.tblhak_shiyo_ryokin); }, Align::right},
+            {u"管理費"_s, [](Row grave) { return values::shownMoney(grave.row.tblhak_kanri_ryokin); }, Align::right},
             {u"次回請求日"_s, [](Row grave) { return grave.billing; }},
             {u"備考"_s, [](Row grave) { return grave.remarks; }},
         },

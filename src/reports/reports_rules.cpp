@@ -2,6 +2,7 @@
 
 #include "calendar/spoken_date.h"
 #include "reports/era_forms.h"
+#include "values/dates.h"
 #include "values/numbers.h"
 
 #include <algorithm>
@@ -33,6 +34,8 @@ std::optional<int> year(const desk::Text& box, Box use) {
         return 0;
     if (text.endsWith(u'年'))
         text.chop(1);
+    if (const auto western = values::readDate(text + u"年1月1日"_s))
+        return western->year();
     store::Database database;
     const auto first = calendar::readSpoken(database, text + u"年1月1日"_s, {});
     return first ? std::optional(first->date.year()) : std::nullopt;

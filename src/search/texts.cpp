@@ -441,7 +441,9 @@ void Texts::Builder::addField(const SearchedField& field, QStringView stored) {
     if (!folded.empty() && stored == QStringView(folded.data(), static_cast<qsizetype>(folded.size())))
         texts_->stored_ += asFolded;
     else
-        texts_->stored_.append(stored.utf16(), static_cast<std::size_t>(stored.size()));
+        // Without the two characters that divide the texts, which only a damaged register holds.
+        std::ranges::copy_if(std::u16string_view(stored.utf16(), static_cast<std::size_t>(stored.size())),
+                             std::back_inserter(texts_->stored_), [](char16_t c) { return c > asFolded; });
     texts_->text_ += fieldEnd;
     texts_->stored_ += fieldEnd;
 }

@@ -130,8 +130,16 @@ std::optional<HouseholdThen> householdOf(Database& database, std::int16_t number
 
 void Records::add(const Records& other) {
     other.forEach([this](const auto& rows) {
-        for (const auto& was : rows)
-            of<std::decay_t<decltype(was.row)>>().push_back(was);
+        for (const auto& was : rows) {
+            using Row = std::decay_t<decltype(was.row)>;
+            auto& known = of<Row>();
+            // Equal rows may stand beside each other; one that was changed is the one named without its change.
+            const auto same = was.became ? std::ranges::find(known, was.row, &Was<Row>::row) : known.end();
+            if (same == known.end())
+                known.push_back(was);
+            else
+                same->became = was.became;
+        }
     });
     for (const HouseholdThen& household : other.households)
         if (std::ranges::find(households, household.number, &HouseholdThen::number) == households.end())

@@ -298,6 +298,8 @@ bool RowTable::isAtEnd(bool forward) const {
 }
 
 void RowTable::movePage(bool forward) {
+    if (filledRows() == 0)
+        return;
     if (isAtEnd(forward))
         turn(forward);
     else
@@ -358,7 +360,7 @@ void RowTable::keyPressEvent(QKeyEvent* event) {
 void RowTable::wheelEvent(QWheelEvent* event) {
     const int turned = event->angleDelta().y();
     const bool forward = turned < 0;
-    if (turned == 0 || !turnPage || event->modifiers() != Qt::NoModifier || !isAtEnd(forward)) {
+    if (turned == 0 || !turnPage || filledRows() == 0 || event->modifiers() != Qt::NoModifier || !isAtEnd(forward)) {
         turning_ = 0;
         QTableView::wheelEvent(event);
         return;

@@ -296,6 +296,24 @@ void Screen::takeKept() {
     keeping_ = true;
 }
 
+// What the bar tells and offers stays unless the operation tells something itself or ends with another record.
+void Screen::operateQuietly(const Operation& run) {
+    if (busy_)
+        return;
+    const auto marks = [this] {
+        return subject_.record ? std::pair(subject_.record().showing(), subject_.record().ending()) : std::pair(0, 0);
+    };
+    const auto before = marks();
+    QString told = informed_;
+    std::vector<desk::Offer> offers = offers_;
+    operate(run);
+    if (!informed_.isEmpty() || marks() != before)
+        return;
+    informed_ = std::move(told);
+    offers_ = std::move(offers);
+    refreshBar();
+}
+
 void Screen::focusMoved(QWidget* from, QWidget* to) {
     if (busy_ || !from || !to || to->window() != this || from->window() != this || to->objectName() == u"終了"_s)
         return;
@@ -305,7 +323,7 @@ void Screen::focusMoved(QWidget* from, QWidget* to) {
         // After the event that moved the keyboard: a message now would swallow the click that goes with it.
         QTimer::singleShot(0, this, [this, run = operation] {
             const QPointer<QWidget> there = QApplication::focusWidget();
-            operate(run);
+            operateQuietly(run);
             if (there && there->window() == this)
                 there->setFocus(Qt::OtherFocusReason);
         });

@@ -154,6 +154,7 @@ class Screen : public QWidget {
     void takeKept();
     void barPressed(NoticeAction action);
     void offerTaken(const Operation& run);
+    void operateQuietly(const Operation& run);
     void fitBar();
     QStringList typedBoxes() const;
     Draft draftOf(const QStringList& typed) const;

@@ -105,7 +105,7 @@ SearchBox::SearchBox(Screen& screen)
         else if (text().isEmpty())
             focusNextChild();
         else
-            showResults();
+            find();
     });
     table_->clickedAt = [this](int row, int) {
         if (table_->line(row))
