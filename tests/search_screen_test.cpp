@@ -255,6 +255,7 @@ TEST_F(Search, TheBoxOnTheMenu) {
     const QString results = u"さがす結果"_s;
     open(menu);
     auto& box = control<QLineEdit>(menu, u"さがす"_s);
+    box.setText(u"佐藤"_s);
     auto& table = control<QTableView>(menu, results);
     const auto enter = [&box](const QString& typed) {
         box.clear();
@@ -340,8 +341,8 @@ TEST_F(Search, TheBoxAboveTheTabs) {
 TEST_F(Search, ComposingIsLeftAloneAndTheSearchRestsUnderAModalScreen) {
     auto& menu = open(u"メニュー"_s);
     auto& box = control<QLineEdit>(u"メニュー"_s, u"さがす"_s);
-    auto& table = control<QTableView>(u"メニュー"_s, u"さがす結果"_s);
     box.setText(u"佐藤"_s);
+    auto& table = control<QTableView>(u"メニュー"_s, u"さがす結果"_s);
     QInputMethodEvent composing(u"はな"_s, {});
     QApplication::sendEvent(&box, &composing);
     for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Return, Qt::Key_Escape})

@@ -74,43 +74,24 @@ class SearchBox::Table : public RowTable {
     int picked_ = 0;
 };
 
-SearchBox::SearchBox(Screen& screen)
-    : screen_(screen), results_(new QFrame(&screen)), table_(new Table), note_(plainLabel()) {
+SearchBox::SearchBox(Screen& screen) : screen_(screen) {
     setObjectName(u"さがす"_s);
     setAccessibleName(u"さがす"_s);
     setPlaceholderText(u"名前・戒名・電話番号・住所・お墓の区画など（F3）"_s);
     setMaxLength(longest);
-    setClearButtonEnabled(true);
     setEnabled(screen.workplace().finder != nullptr);
-
-    results_->setFrameShape(QFrame::StyledPanel);
-    results_->setAutoFillBackground(true);
-    results_->setVisible(false);
-    auto* column = new QVBoxLayout(results_);
-    column->setContentsMargins(6, 6, 6, 4);
-    column->setSpacing(4);
-    table_->setObjectName(u"さがす結果"_s);
-    table_->setAccessibleName(u"さがす結果"_s);
-    column->addWidget(table_, 1);
-    note_->setObjectName(u"さがす案内"_s);
-    note_->setWordWrap(true);
-    column->addWidget(note_);
 
     screen.addToTabOrder(this);
     screen.searchedBy(this);
     screen.installEventFilter(this);
     screen.onEnter(this, [this] {
-        if (results_->isVisible() && table_->line(table_->pickedRow()))
+        if (showsResults() && table_->line(table_->pickedRow()))
             open(table_->pickedRow());
         else if (text().isEmpty())
             focusNextChild();
         else
             find();
     });
-    table_->clickedAt = [this](int row, int) {
-        if (table_->line(row))
-            screen_.operate([this, row] { open(row); });
-    };
     connect(this, &QLineEdit::textChanged, this, [this](const QString& typed) {
         if (!values::isSingleLine(typed)) {
             // Pasted: what breaks the line parts two words.
@@ -126,6 +107,35 @@ SearchBox::SearchBox(Screen& screen)
     });
 }
 
+void SearchBox::prepare() {
+    if (results_)
+        return;
+    setClearButtonEnabled(true);
+    results_ = new QFrame(&screen_);
+    results_->setFrameShape(QFrame::StyledPanel);
+    results_->setAutoFillBackground(true);
+    results_->setVisible(false);
+    auto* column = new QVBoxLayout(results_);
+    column->setContentsMargins(6, 6, 6, 4);
+    column->setSpacing(4);
+    table_ = new Table;
+    table_->setObjectName(u"さがす結果"_s);
+    table_->setAccessibleName(u"さがす結果"_s);
+    table_->clickedAt = [this](int row, int) {
+        if (table_->line(row))
+            screen_.operate([this, row] { open(row); });
+    };
+    column->addWidget(table_, 1);
+    note_ = plainLabel();
+    note_->setObjectName(u"さがす案内"_s);
+    note_->setWordWrap(true);
+    column->addWidget(note_);
+}
+
+bool SearchBox::showsResults() const {
+    return results_ && results_->isVisible();
+}
+
 void SearchBox::begin() {
     setFocus(Qt::ShortcutFocusReason);
     selectAll();
@@ -138,6 +148,7 @@ void SearchBox::find(bool keepPicked) {
         hideResults();
         return;
     }
+    prepare();
     desk::FoundList found = finder->find(text());
     revision_ = finder->revision();
     const bool nothing = found.lines.empty() && found.note.isEmpty();
@@ -149,8 +160,6 @@ void SearchBox::find(bool keepPicked) {
 }
 
 void SearchBox::showResults() {
-    if (text().trimmed().isEmpty())
-        return;
     note_->setText(table_->note().isEmpty() ? u"↑↓で選んで Enter で開きます。Esc で閉じます。"_s : table_->note());
     table_->setVisible(table_->filledRows() > 0);
     results_->show();
@@ -162,7 +171,8 @@ void SearchBox::showResults() {
 
 void SearchBox::hideResults() {
     watch_.stop();
-    results_->hide();
+    if (results_)
+        results_->hide();
 }
 
 // Below the box, as wide as the window, as high as the rows need or the window gives.
@@ -210,7 +220,7 @@ void SearchBox::inputMethodEvent(QInputMethodEvent* event) {
 
 void SearchBox::keyPressEvent(QKeyEvent* event) {
     const auto move = [this](int by) {
-        if (!results_->isVisible())
+        if (!showsResults())
             find();
         else
             pick(std::clamp(table_->pickedRow() + by, 1, std::max(1, table_->filledRows())));
@@ -250,7 +260,7 @@ void SearchBox::focusOutEvent(QFocusEvent* event) {
 }
 
 bool SearchBox::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &screen_ && event->type() == QEvent::Resize && results_->isVisible())
+    if (watched == &screen_ && event->type() == QEvent::Resize && showsResults())
         place();
     return QLineEdit::eventFilter(watched, event);
 }

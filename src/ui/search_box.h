@@ -29,6 +29,8 @@ class SearchBox : public QLineEdit {
   private:
     class Table;
 
+    void prepare();
+    bool showsResults() const;
     void find(bool keepPicked = true);
     void showResults();
     void hideResults();
@@ -37,9 +39,9 @@ class SearchBox : public QLineEdit {
     void open(int row);
 
     Screen& screen_;
-    QFrame* results_;
-    Table* table_;
-    QLabel* note_;
+    QFrame* results_ = nullptr; // made when first something is typed: the start of the program is not to wait for it
+    Table* table_ = nullptr;
+    QLabel* note_ = nullptr;
     QTimer watch_; // whether something else is found by now
     int revision_ = 0;
     bool composing_ = false;
