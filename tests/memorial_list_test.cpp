@@ -354,7 +354,7 @@ TEST_F(Notices, LeaveOutWhatIsNotTicked) {
     show(u"2026/12/01"_s, u"2027/12/01"_s);
     const auto turn = [&](int row) {
         form.frm21_tbl.clickedRow = row;
-        form.frm21_tbl.clickedColumn = form.frm21_tbl.tickColumn;
+        form.frm21_tbl.clickedColumn = form.frm21_tbl.tickColumns.front();
         form.click(context, desk);
     };
     turn(1);

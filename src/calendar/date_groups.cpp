@@ -18,11 +18,6 @@ QString fieldName(std::int16_t field) {
     return names.at(static_cast<std::size_t>(field - 1));
 }
 
-bool isEmpty(const desk::DateGroup& group) {
-    return group.era.text.isEmpty() && group.year.text.isEmpty() && group.month.text.isEmpty() &&
-           group.day.text.isEmpty();
-}
-
 } // namespace
 
 void CHK日付(store::Database& database, desk::DateGroup& group, QString& western, desk::ScreenContext& context,
@@ -30,7 +25,7 @@ void CHK日付(store::Database& database, desk::DateGroup& group, QString& weste
     using desk::Colour;
     context.chk_ymd.clear();
     desk::paint(Colour::black, group.year, group.month, group.day);
-    if (isEmpty(group))
+    if (group.isEmpty())
         return;
 
     const QString name = fieldName(context.chk_dtidx);

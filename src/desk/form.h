@@ -65,6 +65,11 @@ struct GridColumn {
     bool operator==(const GridColumn&) const = default;
 };
 
+// What the cell of a tick shows; the last one where the row cannot be ticked.
+inline const QString tickOn = QStringLiteral("☑");
+inline const QString tickOff = QStringLiteral("☐");
+inline const QString noTick = QStringLiteral("－");
+
 // A grid under a fixed header row. Rows and columns of the user's clicks count as in the register: row 0 is the header,
 // data rows from 1; columns from 0.
 struct Grid : Control {
@@ -74,7 +79,9 @@ struct Grid : Control {
     int highlighted = 0;           // row on the highlight colour (128, 255, 128), 0 none
     int clickedRow = 0;            // of the user's last click; a click below the last row counts as the row after it
     int clickedColumn = 0;
-    int tickColumn = -1; // its cells are ticks; Space on the highlighted row is a click on its tick. -1: none
+    // Their cells are ticks. Space on the highlighted row is a click on its first tick that can be turned over, Shift
+    // and Space on its last one.
+    std::vector<int> tickColumns = {};
 
     // The text of a cell, empty where nothing was written.
     QString cell(int row, int column) const;
@@ -88,6 +95,10 @@ struct DateGroup {
     Combo day;
     Text western; // "yyyy/mm/dd"
 
+    // Nothing stands in the four era boxes.
+    bool isEmpty() const {
+        return era.text.isEmpty() && year.text.isEmpty() && month.text.isEmpty() && day.text.isEmpty();
+    }
     // Empties the five boxes, leaving lists and marks.
     void clear();
     // Copies the four era boxes; the Western box too, unless the source's is empty.

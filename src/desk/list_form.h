@@ -19,6 +19,7 @@ QString noRowsText(bool forward);
 struct AnyList {
     Grid frm21_tbl;
     Text 件数表示; // place and total of the page shown, "1–30／268件"; empty before the first 表示
+    Text 合計表示; // what the list comes to, where it sums up
 
     virtual ~AnyList() = default;
 
@@ -37,6 +38,8 @@ struct AnyList {
     // The cells of all rows of the list from its start on, not of one page, under the columns of the grid. A message
     // that concerns several rows is told once.
     virtual std::vector<QStringList> allRows(Desk& desk) const = 0;
+    // Whether the list tells in 合計表示 what it comes to.
+    virtual bool sumsUp() const { return false; }
     // What is listed, as its printed form tells it: a household, a section, a range of days.
     virtual QString range() const { return {}; }
 
@@ -111,6 +114,11 @@ template <class Row, class Key> struct ListForm : AnyList {
         if (list.fill(source(), frm21_tbl, desk))
             countAnew();
     }
+    // Goes on after rows have left the list: from the key, else from the list's start. An empty list is shown as one.
+    void showFrom(const Key& key, Desk& desk) {
+        list.fillFromKey(key, source(), frm21_tbl, desk);
+        countAnew();
+    }
     void nextPage(Desk& desk) override {
         const std::optional<Key> before = firstKey();
         list.nextPage(source(), frm21_tbl, desk);
@@ -131,8 +139,10 @@ template <class Row, class Key> struct ListForm : AnyList {
         件数表示.text += noRowsText(false);
     }
     void click(ScreenContext& context, Desk& desk) override {
-        if (const Row* row = list.click(frm21_tbl, desk))
+        if (const Row* row = list.click(frm21_tbl, desk)) {
             chosen(*row, context);
+            list.turnTick(frm21_tbl, desk);
+        }
     }
     // Opens a screen for the row chosen; the list goes on when it has closed.
     void open(const QString& screen, Desk& desk) {
@@ -173,6 +183,14 @@ template <class Row, class Key> struct ListForm : AnyList {
     virtual int total() const { return list.count(source()); }
     // What a click hands to other screens.
     virtual void chosen(const Row&, ScreenContext&) {}
+    // The page shown may belong to another list now: what is known of the whole list holds no more.
+    virtual void countAnew() {
+        total_.reset();
+        if (list.rowCounter() <= pageRows && (list.firstNumber() == 1 || list.rowsShown() == 0))
+            total_ = list.rowsShown();
+        counted_ = total_.has_value();
+        tell();
+    }
 
   private:
     typename PagingList<Row, Key>::Source source() const {
@@ -180,14 +198,6 @@ template <class Row, class Key> struct ListForm : AnyList {
     }
     std::optional<Key> firstKey() const {
         return list.rows().empty() ? std::nullopt : std::optional(list.key(list.rows().front()));
-    }
-
-    void countAnew() {
-        total_.reset();
-        if (list.rowCounter() <= pageRows && list.firstNumber() == 1)
-            total_ = list.rowsShown();
-        counted_ = total_.has_value();
-        tell();
     }
 
     // stays: what to say when the page is still the same.

@@ -30,11 +30,20 @@ template <class Row> std::vector<GridColumn> gridColumns(const std::vector<ListC
     return all;
 }
 
+// A column of ticks, which stands behind the others. Which rows are ticked is the form's to know, by their keys: it
+// holds across pages.
+template <class Row> struct TickColumn {
+    QString header;
+    std::function<std::optional<bool>(const Row&)> isTicked; // nothing: the row cannot be ticked
+    std::function<void(const Row&, Desk&)> turn;             // a click on it; says why where the row cannot be ticked
+};
+
 // All that tells one list screen from another, the selection apart.
 template <class Row, class Key> struct ListDescription {
     QString title;   // of every message of the list.
     QString nothing; // shown when no record lies at or after the position; empty: nothing is said
     std::vector<ListColumn<Row>> columns;
+    std::vector<TickColumn<Row>> ticks = {};
     std::function<Key(const Row&)> key;
     // The key without what tells rows of one place apart. The page after a page begins with the first row at the place
     // of its last one; where they share one place throughout, with that last row itself, so that the list goes on.
@@ -43,6 +52,8 @@ template <class Row, class Key> struct ListDescription {
     std::function<bool(const Row&)> listed = {}; // rows it refuses are passed over and use no row of the page
     // Completes the 1 to 30 rows of a page with what other tables know, after the selection has been released.
     std::function<void(std::vector<Row>&, Desk&)> complete = {};
+    // Is told the rows of each page before it is shown.
+    std::function<void(const std::vector<Row>&)> shown = {};
     // Whether the file still holds the row; asked at each fill of the one selected, which is let go when it does not.
     std::function<bool(const Row&)> exists = {};
     std::size_t tableSlots = 10; // of each page table
@@ -63,11 +74,22 @@ template <class Row, class Key> class PagingList {
 
     PagingList(ListDescription<Row, Key> description, Key start)
         : description_(std::move(description)), start_(start), position_(std::move(start)),
-          starts_(description_.tableSlots), ends_(description_.tableSlots), startNumbers_(description_.tableSlots) {}
+          starts_(description_.tableSlots), ends_(description_.tableSlots), startNumbers_(description_.tableSlots) {
+        for (const TickColumn<Row>& ticks : description_.ticks) {
+            const auto cell = [isTicked = ticks.isTicked](const Row& row) {
+                const std::optional<bool> state = isTicked(row);
+                return !state ? noTick : *state ? tickOn : tickOff;
+            };
+            description_.columns.push_back({ticks.header, 900, cell, Align::center, Align::center});
+        }
+    }
 
     // Columns and headers, no rows, no highlight colour.
     void setUp(Grid& grid) const {
         grid.columns = gridColumns(description_.columns);
+        grid.tickColumns.clear();
+        for (std::size_t at = 0; at < description_.ticks.size(); ++at)
+            grid.tickColumns.push_back(static_cast<int>(firstTicks() + at));
         grid.rows.clear();
         grid.highlighted = 0;
     }
@@ -102,6 +124,21 @@ template <class Row, class Key> class PagingList {
         std::ranges::fill(startNumbers_, 0);
         firstNumber_ = 0;
         return true;
+    }
+
+    // Forgets the pages seen and fills the page from the key on, the first one where no record lies there any more.
+    // Where the list has none at all the grid is emptied; nothing is said of it.
+    void fillFromKey(const Key& from, const Source& source, Grid& grid, Desk& desk) {
+        clearTables();
+        if (!(from == start_) && fillFrom(from, 0, source, grid, desk, Nothing::silent)) {
+            firstNumber_ = 0;
+            std::ranges::fill(startNumbers_, 0);
+        } else if (!fillFrom(start_, 1, source, grid, desk, Nothing::silent)) {
+            setUp(grid);
+            rows_.clear();
+            rowCounter_ = 0;
+            position_ = start_;
+        }
     }
 
     void nextPage(const Source& source, Grid& grid, Desk& desk) {
@@ -187,6 +224,22 @@ template <class Row, class Key> class PagingList {
         return &*selection_;
     }
 
+    // The click that was taken last was on a tick: turns it over.
+    void turnTick(Grid& grid, Desk& desk) const {
+        const auto column = std::ranges::find(grid.tickColumns, grid.clickedColumn);
+        if (column == grid.tickColumns.end() || !clickInRange())
+            return;
+        description_.ticks[static_cast<std::size_t>(column - grid.tickColumns.begin())].turn(
+            rows_[static_cast<std::size_t>(clickedRow_ - 1)], desk);
+        showTicks(grid);
+    }
+    // Shows the ticks of the rows shown as they are now.
+    void showTicks(Grid& grid) const {
+        for (std::size_t row = 0; row < rows_.size(); ++row)
+            for (const int column : grid.tickColumns)
+                grid.rows[row][column] = description_.columns[static_cast<std::size_t>(column)].cell(rows_[row]);
+    }
+
     // The row as it was when it was clicked, as long as the last click lies within the rows now shown; else nullptr.
     // Paging and refilling change it only by letting a row go that exists no more.
     const Row* selected() const { return selection_ && clickInRange() ? &*selection_ : nullptr; }
@@ -251,6 +304,8 @@ template <class Row, class Key> class PagingList {
         }
         if (description_.complete && !page.empty())
             description_.complete(page, desk);
+        if (description_.shown)
+            description_.shown(page);
 
         setUp(grid);
         for (const Row& row : page)
@@ -277,6 +332,8 @@ template <class Row, class Key> class PagingList {
             std::ranges::find(rows_, description_.key(page.front()), [this](const Row& row) { return key(row); });
         return same == rows_.end() ? 0 : firstNumber_ + static_cast<int>(same - rows_.begin());
     }
+
+    std::size_t firstTicks() const { return description_.columns.size() - description_.ticks.size(); }
 
     bool clickInRange() const { return clickedRow_ >= 1 && clickedRow_ <= rowsShown(); }
 

@@ -17,12 +17,11 @@ using printing::LabelMode;
 const QString title = u"お墓管理費通知"_s;
 
 // The columns of the list of graves under this screen's headers.
-std::vector<desk::ListColumn<ListedGrave>> columns(std::shared_ptr<const printing::LabelChoice> choice) {
+std::vector<desk::ListColumn<ListedGrave>> columns() {
     auto columns = graveColumns();
     columns[0].header = u"管理番号"_s;
     columns[3].header = u"檀家番号"_s;
     columns[4].twips = 500;
-    columns.push_back(printing::tickColumn<ListedGrave>(std::move(choice)));
     return columns;
 }
 
@@ -31,7 +30,8 @@ std::vector<desk::ListColumn<ListedGrave>> columns(std::shared_ptr<const printin
 お墓通Form::お墓通Form(std::shared_ptr<printing::LabelChoice> shared)
     : ListForm({.title = title,
                 .nothing = u"管理費通知予定はありません。"_s,
-                .columns = columns(shared),
+                .columns = columns(),
+                .ticks = {printing::labelTicks<ListedGrave>(shared)},
                 .key =
                     [](const ListedGrave& grave) {
                         return BillingKey{grave.tblhak_kanri_nxymd, grave.tblhak_no};
@@ -40,14 +40,7 @@ std::vector<desk::ListColumn<ListedGrave>> columns(std::shared_ptr<const printin
                 .exists = graveExists,
                 .outOfRange = u"有功範囲外を指定しています。選択し直して下さい"_s},
                {}),
-      choice(std::move(shared)) {
-    frm21_tbl.tickColumn = static_cast<int>(frm21_tbl.columns.size()) - 1;
-}
-
-void お墓通Form::click(desk::ScreenContext& context, desk::Desk& desk) {
-    ListForm::click(context, desk);
-    printing::clickTick(*choice, list.rows(), frm21_tbl);
-}
+      choice(std::move(shared)) {}
 
 bool お墓通Form::read(const BillingKey& key, const Take& take) const {
     store::Database database;

@@ -25,7 +25,6 @@ struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
 
     お墓通Form() : お墓通Form(std::make_shared<printing::LabelChoice>()) {}
     QString range() const override { return values::dateText(from) + QStringLiteral("～") + values::dateText(to); }
-    void click(desk::ScreenContext& context, desk::Desk& desk) override;
     void goOn(desk::Desk& desk) override;
 
   private:

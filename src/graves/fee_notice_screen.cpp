@@ -1,6 +1,6 @@
 #include "graves/fee_notice_rules.h"
 #include "graves/grave_screens.h"
-#include "printing/label_painter.h"
+#include "ui/label_buttons.h"
 #include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
@@ -23,22 +23,16 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
     ui::addList(layout, *screen, form, open);
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showFees));
     ui::addListButtons(layout, *screen, form);
+    ui::addLabelButtons(layout, *screen, *form.choice,
+                        {.setUp = screen->run(setUpFeeLabels),
+                         .preview = [raw](auto& to) { previewFeeLabels(raw->form(), to, raw->desk()); },
+                         .print = [raw](auto& to) { printFeeLabels(raw->form(), to, raw->desk()); }});
     layout.gap()
-        .action(u"宛名設定"_s, u"宛名設定"_s, screen->run(setUpFeeLabels))
-        .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
-                [raw] { previewFeeLabels(raw->form(), *printing::preview(raw), raw->desk()); })
-        .action(
-            u"通知"_s, u"通知処理"_s,
-            [raw] { printFeeLabels(raw->form(), *printing::defaultPrinter(raw, raw->desk().today()), raw->desk()); })
-        .gap()
         .action(u"お墓照会"_s, u"お墓情報"_s, open)
         .action(u"檀家照会"_s, u"檀家情報"_s, screen->run(openFeeHousehold))
         .closing()
         .finish();
-    screen->onOpen([raw, open = screen->run(beginFeeNotices)] {
-        raw->form().choice->stock = printing::stockKept();
-        open();
-    });
+    screen->onOpen(screen->run(beginFeeNotices));
     return screen;
 }
 

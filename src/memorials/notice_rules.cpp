@@ -26,7 +26,7 @@ const QString noMemorial = u"法要予定はありません"_s;
 const QString labelsAreOut =
     u"\n\n宛名は出力済みですが、通知済みの記録は出来ませんでした。もう一度通知処理を行うと、同じ宛名が再び出力されます。"_s;
 
-std::vector<MemorialColumn> columns(std::shared_ptr<const printing::LabelChoice> choice) {
+std::vector<MemorialColumn> columns() {
     using desk::Align;
     return {
         {u"檀家NO"_s, 800, [](ListedRow row) { return QString::number(row.tblhoy_no); }, Align::right, Align::right},
@@ -38,7 +38,6 @@ std::vector<MemorialColumn> columns(std::shared_ptr<const printing::LabelChoice>
         {u"住所"_s, 2500, householdText(&store::tbl_danka::tbldnk_jyusho1)},
         {u"TEL"_s, 1600, householdText(&store::tbl_danka::tbldnk_tel)},
         {u"備考"_s, 2500, householdText(&store::tbl_danka::tbldnk_bikou)},
-        printing::tickColumn<ListedMemorial>(std::move(choice)),
     };
 }
 
@@ -201,7 +200,8 @@ std::vector<desk::LabelBlock::Offered> anniversariesDue(const 法要通Form& for
 法要通Form::法要通Form(std::shared_ptr<printing::LabelChoice> shared)
     : ListForm({.title = title,
                 .nothing = noMemorial,
-                .columns = columns(shared),
+                .columns = columns(),
+                .ticks = {printing::labelTicks<ListedMemorial>(shared)},
                 .key =
                     [](ListedRow row) {
                         return NoticeKey{row.tblhoy_kaiki_yymd, row.tblhoy_zokunameg, MemorialTie::of(row)};
@@ -215,14 +215,7 @@ std::vector<desk::LabelBlock::Offered> anniversariesDue(const 法要通Form& for
                                desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
                 .exists = [](ListedRow row) { return memorialExists(row); }},
                {}),
-      choice(std::move(shared)) {
-    frm21_tbl.tickColumn = static_cast<int>(frm21_tbl.columns.size()) - 1;
-}
-
-void 法要通Form::click(desk::ScreenContext& context, desk::Desk& desk) {
-    ListForm::click(context, desk);
-    printing::clickTick(*choice, list.rows(), frm21_tbl);
-}
+      choice(std::move(shared)) {}
 
 // A day's open memorials are few: they are put in order here, which costs less than to have all of its rows sorted
 // whole.
@@ -316,7 +309,7 @@ void setUpNotices(法要通Form& form, desk::ScreenContext& context, desk::Desk&
     asked.lbl_memorials = true;
     asked.lbl_offered = anniversariesDue(form);
     printing::openLabelSettings(*form.choice, std::move(asked), context, desk,
-                                [&form] { printing::showTicks(*form.choice, form.list.rows(), form.frm21_tbl); });
+                                [&form] { form.list.showTicks(form.frm21_tbl); });
 }
 
 void notifyRange(法要通Form& form, printing::LabelPrinter& printer, desk::Desk& desk) {

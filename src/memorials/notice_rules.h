@@ -28,7 +28,6 @@ struct 法要通Form : desk::ListForm<ListedMemorial, NoticeKey> {
     QString range() const override {
         return values::dateText(std::max(from, list.start().scheduled)) + QStringLiteral("～") + values::dateText(to);
     }
-    void click(desk::ScreenContext& context, desk::Desk& desk) override;
 
   private:
     explicit 法要通Form(std::shared_ptr<printing::LabelChoice> shared);

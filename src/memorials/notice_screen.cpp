@@ -1,6 +1,6 @@
 #include "memorials/memorial_screens.h"
 #include "memorials/notice_rules.h"
-#include "printing/label_painter.h"
+#include "ui/label_buttons.h"
 #include "ui/list_view.h"
 
 using namespace Qt::StringLiterals;
@@ -21,22 +21,17 @@ std::unique_ptr<ui::Screen> 法要通(ui::Workplace& workplace) {
     ui::addList(layout, *screen, form, screen->run(openNoticeDeceased));
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showNotices));
     ui::addListButtons(layout, *screen, form);
-    layout.gap()
-        .action(u"宛名設定"_s, u"宛名設定"_s, screen->run(setUpNotices))
-        .action(u"印刷プレビュー"_s, u"印刷プレビュー"_s,
-                [raw] { previewNotices(raw->form(), *printing::preview(raw), raw->desk()); })
-        .action(u"通知"_s, u"通知処理"_s,
-                [raw] { notifyRange(raw->form(), *printing::defaultPrinter(raw, raw->desk().today()), raw->desk()); })
-        .action(u"通知取消"_s, u"通知取消"_s, screen->run(takeBackNotices))
+    ui::addLabelButtons(layout, *screen, *form.choice,
+                        {.setUp = screen->run(setUpNotices),
+                         .preview = [raw](auto& to) { previewNotices(raw->form(), to, raw->desk()); },
+                         .print = [raw](auto& to) { notifyRange(raw->form(), to, raw->desk()); }});
+    layout.action(u"通知取消"_s, u"通知取消"_s, screen->run(takeBackNotices))
         .gap()
         .action(u"故人照会"_s, u"故人照会"_s, screen->run(openNoticeDeceased))
         .action(u"檀家照会"_s, u"檀家照会"_s, screen->run(openNoticeHousehold))
         .closing()
         .finish();
-    screen->onOpen([raw, open = screen->run(beginNotices)] {
-        raw->form().choice->stock = printing::stockKept();
-        open();
-    });
+    screen->onOpen(screen->run(beginNotices));
     return screen;
 }
 

@@ -72,6 +72,10 @@ QString namesOf(const std::map<std::int16_t, QString>& households) {
 
 LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk,
                       const LabelChoice& choice) {
+    if (!choice.rests.isEmpty()) {
+        desk.notify(choice.rests, title);
+        return LabelOutcome::noneChosen;
+    }
     LabelRun run(printer.font(), choice.stock, choice.start);
     Due records;
     std::size_t notFound = 0;

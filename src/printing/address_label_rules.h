@@ -15,7 +15,7 @@ enum class LabelMode : std::int16_t { memorials = 1, fees = 2 };
 enum class LabelOutcome {
     noRecord,   // no record lies at or after the from date: told
     noLabel,    // records lie there, but none within the range that gets a label: nothing is said
-    noneChosen, // records of the range get a label, but none of them is chosen: told
+    noneChosen, // records of the range get a label, but none of them is chosen, or none may be now: told
     handedOver,
     failed, // the job could not be handed over: told
 };

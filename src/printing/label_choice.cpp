@@ -12,15 +12,6 @@ QString rowKey(const store::tbl_ohaka& row) {
     return QString::number(row.tblhak_no);
 }
 
-void turnTick(LabelChoice& choice, const QString& row, desk::Grid& grid) {
-    QString& cell = grid.rows[static_cast<std::size_t>(grid.clickedRow - 1)][grid.tickColumn];
-    if (cell == leftOut)
-        return;
-    if (choice.unticked.erase(row) == 0)
-        choice.unticked.insert(row);
-    cell = choice.unticked.contains(row) ? unticked : ticked;
-}
-
 void openLabelSettings(LabelChoice& choice, desk::LabelBlock asked, desk::ScreenContext& context, desk::Desk& desk,
                        std::function<void()> changed) {
     asked.lbl_anniversaries = choice.anniversaries;

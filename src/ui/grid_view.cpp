@@ -1,6 +1,7 @@
 #include "ui/grid_view.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 #include <algorithm>
 #include <utility>
@@ -11,11 +12,11 @@ namespace {
 
 // Whether two grids of the same columns differ in ticks only, the highlight apart.
 bool differInTicksOnly(const desk::Grid& former, const desk::Grid& grid) {
-    if (grid.tickColumn < 0 || former.blankRows != grid.blankRows)
+    if (grid.tickColumns.empty() || former.blankRows != grid.blankRows)
         return false;
-    return std::ranges::equal(former.rows, grid.rows, [&](QStringList one, QStringList other) {
-        one.removeAt(grid.tickColumn);
-        other.removeAt(grid.tickColumn);
+    return std::ranges::equal(former.rows, grid.rows, [&](QStringList one, const QStringList& other) {
+        for (const int column : grid.tickColumns)
+            one[column] = other[column];
         return one == other;
     });
 }
@@ -38,10 +39,22 @@ void GridView::show(const desk::Grid& grid) {
 }
 
 void GridView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Space && grid_.tickColumn >= 0 && grid_.highlighted > 0)
-        clickRow(grid_.highlighted, grid_.tickColumn);
-    else
+    if (event->key() != Qt::Key_Space || grid_.tickColumns.empty() || grid_.highlighted == 0) {
         RowTable::keyPressEvent(event);
+        return;
+    }
+    const auto first = std::ranges::find_if(
+        grid_.tickColumns, [this](int column) { return cell(grid_.highlighted, column) != desk::noTick; });
+    const bool last = event->modifiers().testFlag(Qt::ShiftModifier) || first == grid_.tickColumns.end();
+    clickRow(grid_.highlighted, last ? grid_.tickColumns.back() : *first);
+}
+
+// The second click on a tick is one more click, and opens nothing.
+void GridView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (std::ranges::count(grid_.tickColumns, columnAt(event->position().toPoint().x())) > 0)
+        mousePressEvent(event);
+    else
+        RowTable::mouseDoubleClickEvent(event);
 }
 
 } // namespace ui

@@ -19,6 +19,7 @@ class GridView : public RowTable {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
   private:
     desk::Grid grid_;

@@ -104,7 +104,7 @@ class Layout {
     // Option buttons in a frame of their own; may all be off.
     Layout& options(const QString& frameName, const QString& title, std::initializer_list<OptionItem> items,
                     const Operation& chosen = {});
-    Layout& check(const QString& name, desk::Check& value, const QString& caption);
+    Layout& check(const QString& name, desk::Check& value, const QString& caption, const Operation& chosen = {});
     // chosen runs on a click and on Enter.
     Layout& list(const QString& name, desk::List& value, int width, int lines, const Operation& chosen = {},
                  const QString& heading = {});
@@ -131,6 +131,8 @@ class Layout {
     Layout& mainAction(const QString& name, const QString& caption, Operation operation);
     Layout& updating(const QString& name, const QString& caption, Operation operation);
     Layout& action(const QString& name, const QString& caption, Operation operation, const QString& tooltip = {});
+    // The button declared last cannot be pressed as long as there is a reason, which its tooltip then tells.
+    Layout& restsBecause(std::function<QString()> reason);
     Layout& gap();                                                    // what follows stands apart
     Layout& closing(const QString& caption = QStringLiteral("終了")); // the button 終了, at the right end
 

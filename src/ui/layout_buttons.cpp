@@ -48,6 +48,15 @@ Layout& Layout::action(const QString& name, const QString& caption, Operation op
     return *this;
 }
 
+Layout& Layout::restsBecause(std::function<QString()> reason) {
+    screen_.bind({last_, nullptr, {}, [button = last_, reason = std::move(reason), usual = last_->toolTip()] {
+                      const QString why = reason();
+                      button->setEnabled(why.isEmpty());
+                      button->setToolTip(why.isEmpty() ? usual : why);
+                  }});
+    return *this;
+}
+
 Layout& Layout::gap() {
     buttons_->addGap();
     return *this;

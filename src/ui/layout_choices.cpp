@@ -92,7 +92,7 @@ Layout& Layout::options(const QString& frameName, const QString& title, std::ini
     return *this;
 }
 
-Layout& Layout::check(const QString& name, desk::Check& value, const QString& caption) {
+Layout& Layout::check(const QString& name, desk::Check& value, const QString& caption, const Operation& chosen) {
     auto* box = new QCheckBox(caption);
     box->setObjectName(name);
     place(box);
@@ -100,6 +100,8 @@ Layout& Layout::check(const QString& name, desk::Check& value, const QString& ca
                   [box, &value] { box->setChecked(value.chosen); }, [&value] { return value.chosen ? u"1"_s : u"0"_s; },
                   [&value](const QString& text) { value.chosen = text == u"1"; }});
     screen_.addToTabOrder(box);
+    if (chosen)
+        QObject::connect(box, &QCheckBox::clicked, &screen_, [this_ = &screen_, chosen] { this_->operate(chosen); });
     return *this;
 }
 

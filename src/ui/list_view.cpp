@@ -23,7 +23,16 @@ Operation previous(Screen& screen, desk::AnyList& list) {
 void addPlace(Layout& layout, Screen& screen, desk::AnyList& list) {
     layout.row().note({}, u"件数表示"_s);
     auto* label = static_cast<QLabel*>(layout.last());
-    const auto show = [label, &list] { label->setText(list.件数表示.text); };
+    QLabel* sum = nullptr;
+    if (list.sumsUp()) {
+        layout.note({}, u"合計表示"_s);
+        sum = static_cast<QLabel*>(layout.last());
+    }
+    const auto show = [label, sum, &list] {
+        label->setText(list.件数表示.text);
+        if (sum)
+            sum->setText(list.合計表示.text);
+    };
     screen.bind({label, nullptr, {}, [label, show, &screen, &list] {
                      show();
                      if (list.isCounted())
