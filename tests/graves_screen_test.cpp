@@ -160,6 +160,46 @@ TEST_F(GraveScreens, PickerLinksAFreeGraveToTheHousehold) {
     EXPECT_EQ(query(u"SELECT tblhak_dnk_no, tblhak_dnk_nameg FROM tbl_ohaka WHERE tblhak_no = 5"_s), u"7,山田"_s);
 }
 
+TEST_F(GraveScreens, AReceiptTakesFourPresses) {
+    execute(u"UPDATE tbl_ohaka SET tblhak_kanri_nxymd = '2026-04-01' WHERE tblhak_no IN (3, 6); "
+            "UPDATE tbl_ohaka SET tblhak_kanri_nxymd = '2026-12-01' WHERE tblhak_no IN (9, 10)"_s);
+    const QString name = u"お墓通"_s;
+    const QString grid = u"frm21_tbl"_s;
+    const auto ticks = [&](int row) { return cell(name, grid, row, 13) + cell(name, grid, row, 14); };
+    open(name);
+    press(name, u"未納のみ"_s);
+    clickCell(name, grid, 1, 14);
+    QTRY_COMPARE(control<QLabel>(name, u"合計表示"_s).text(), u"合計 24,000円　受領 1件 12,000円"_s);
+    answer(u"1件、合計 12,000円の管理費を受領済みにしますか？\n受領日を今日にし、次回請求日を一年先に進めます。"_s,
+           u"お墓管理費通知"_s, true);
+    press(name, u"受領"_s);
+    const QString dates = u"SELECT tblhak_kanri_jrymd, tblhak_kanri_nxymd FROM tbl_ohaka WHERE tblhak_no = 3"_s;
+    EXPECT_EQ(query(dates), u"2026-11-22,2027-04-01"_s);
+    EXPECT_EQ(cell(name, grid, 1, 0), u"6"_s);
+    for (const QString& button : {u"通知"_s, u"印刷プレビュー"_s}) {
+        EXPECT_FALSE(control(name, button).isEnabled());
+        EXPECT_TRUE(control(name, button).toolTip().startsWith(u"未納のみの一覧では"_s));
+    }
+    press(name, u"元に戻す"_s);
+    EXPECT_EQ(query(dates), u",2026-04-01"_s);
+    EXPECT_EQ(ticks(1) + ticks(2), u"－☑－☐"_s);
+
+    press(name, u"未納のみ"_s);
+    EXPECT_TRUE(control(name, u"通知"_s).isEnabled());
+    EXPECT_EQ(ticks(1) + ticks(2), u"☑☐☑－"_s);
+    // Space turns the first tick of the row picked, Shift and Space the last; a second click is a turn back.
+    auto& view = control<ui::GridView>(name, grid);
+    clickCell(name, grid, 1);
+    QTest::keyClick(&view, Qt::Key_Space);
+    QTest::keyClick(&view, Qt::Key_Space, Qt::ShiftModifier);
+    EXPECT_EQ(ticks(1), u"☐☑"_s);
+    const QPoint tick = view.visualRect(view.model()->index(0, 14)).center();
+    QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, tick);
+    QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, tick);
+    EXPECT_EQ(ticks(1), u"☐☑"_s);
+    EXPECT_FALSE(workplace->find(u"お墓登"_s));
+}
+
 TEST_F(GraveScreens, CopyButtonsAndMarksWork) {
     const QString name = u"お墓新"_s;
     workplace->context.hak_no = 1;
@@ -167,6 +207,11 @@ TEST_F(GraveScreens, CopyButtonsAndMarksWork) {
     for (const auto& button : {u"今日"_s, u"使用料受日"_s, u"管理受領"_s, u"管理次回"_s})
         press(name, button);
     EXPECT_EQ(text(name, u"次回YMD"_s), u"2026/11/22"_s);
+    type(name, u"管受年"_s, u"7"_s);
+    press(name, u"受領今日"_s);
+    press(name, u"次回翌年"_s);
+    EXPECT_EQ(text(name, u"管受YMD"_s) + text(name, u"管受年"_s) + text(name, u"次回YMD"_s),
+              u"2026/11/2282027/11/22"_s);
     EXPECT_EQ(text(name, u"次回年号"_s), u"令和"_s);
     type(name, u"次回年"_s, u"十"_s);
     type(name, u"墓地管理費"_s, {});

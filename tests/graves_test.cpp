@@ -280,6 +280,31 @@ TEST_F(Registration, ChecksTheFieldsInOrderAndShowsTheFirstMessage) {
     EXPECT_EQ(stored(1, u"tblhak_shiyo_ryokin, tblhak_kanri_ryokin"_s), u"0,12000"_s);
 }
 
+TEST_F(Registration, BillsAYearAfterTheDateThatStandsThere) {
+    const QString none = u"次回請求日か管理費の受領日を正しく入れてから、押して下さい"_s;
+    const struct {
+        QString next;
+        QString received;
+        QString billed; // or what the bar says
+    } cases[] = {{u"令和/6/2/29"_s, u"令和/8/11/22"_s, u"2025/02/28"_s},
+                 {u"平成/31/4/1"_s, {}, u"2020/04/01"_s},
+                 {{}, u"令和/8/11/22"_s, u"2027/11/22"_s},
+                 {u"令和/8/11/31"_s, u"令和/8/11/22"_s, none}, // what was typed is not passed over
+                 {{}, {}, none},
+                 {u"令和/7981/1/1"_s, {}, u"次回請求日をこれより先には進められません"_s}};
+    for (const auto& c : cases) {
+        open(7, 2);
+        set(form.次回, c.next);
+        set(form.管受, c.received);
+        desk.informed.clear();
+        graves::billNextYear(form, desk);
+        EXPECT_EQ(desk.informed.isEmpty() ? form.次回.western.text : desk.informed.join(u'|'), c.billed)
+            << c.next.toStdString();
+    }
+    graves::receiveToday(form, desk);
+    EXPECT_EQ(form.管受.western.text, values::dateText(desk.today()));
+}
+
 TEST_F(Registration, KeepsAGraveAtPlacesThatAreItsHouseholdsOrFree) {
     add(u"(20, '西', '1', 12, '家', 0), (21, '西', '1', 0, '家', 1), (22, '西', '2', 12, '空', 0), "
         "(23, '西', '3', 12, '家', 1)"_s);

@@ -7,6 +7,9 @@
 
 #include <QString>
 
+#include <optional>
+#include <vector>
+
 // The record that a screen shows: its key and the row as it was read, and what becomes of it in the file meanwhile.
 namespace desk {
 
@@ -112,6 +115,18 @@ class Record {
     store::RegisterIdentity register_;
 };
 
+// Positions the table on the row where the file holds it as it was read.
+template <class Row, class... Keys> Standing seekAsRead(store::Table<Row, Keys...>& table, const Row& read) {
+    if (!table.seekKeysOf(read))
+        return Standing::gone;
+    const Row found = table.row();
+    table.moveNext();
+    if (table.hasKeysOf(read))
+        return Standing::twice;
+    table.seekKeysOf(read);
+    return found == read ? Standing::asRead : Standing::changed;
+}
+
 template <class Row> class Held : public Record {
   public:
     Held() = default;
@@ -158,14 +173,7 @@ template <class Row> class Held : public Record {
 
     // Positions the table on the row where it stands as read.
     template <class... Keys> Standing seek(store::Table<Row, Keys...>& table) const {
-        if (isNew_ || !table.seekKeysOf(row_))
-            return Standing::gone;
-        const Row found = table.row();
-        table.moveNext();
-        if (table.hasKeysOf(row_))
-            return Standing::twice;
-        table.seekKeysOf(row_);
-        return found == row_ ? Standing::asRead : Standing::changed;
+        return isNew_ ? Standing::gone : seekAsRead(table, row_);
     }
     Standing standing(store::Database& database) const override {
         if (!*this)
@@ -219,6 +227,35 @@ bool change(Held<Row>& held, store::Database& database, const Refusal& words, De
 template <class Row, class Edit>
 bool change(Held<Row>& held, store::Database& database, const Refusal& words, Desk& desk, Edit edit) {
     return change(held, database, words, desk, edit, [] {});
+}
+
+template <class Row> struct Rewritten {
+    Row from; // as it was read
+    Row to;
+};
+template <class Row> struct Other {
+    Row read;
+    std::optional<Row> now; // absent where it is gone
+};
+
+// Rewrites several rows as one write where the file holds each as it was read. Otherwise writes nothing and gives those
+// that are other now. What fails is thrown, with nothing written.
+template <class Row>
+std::vector<Other<Row>> rewriteAll(store::Database& database, const std::vector<Rewritten<Row>>& rows) {
+    std::vector<Other<Row>> others;
+    store::Write write(database);
+    store::Table table(database, store::keyIndex<Row>);
+    for (const Rewritten<Row>& row : rows) {
+        const Standing standing = seekAsRead(table, row.from);
+        if (standing != Standing::asRead)
+            others.push_back({row.from, standing == Standing::gone ? std::nullopt : std::optional(table.row())});
+        else if (others.empty())
+            table.edit(row.to);
+    }
+    table.release();
+    if (others.empty())
+        write.commit();
+    return others;
 }
 
 } // namespace desk

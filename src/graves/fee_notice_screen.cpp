@@ -19,7 +19,8 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
         .range(HOSHIREN_CONTROL(form, frm21_from), HOSHIREN_CONTROL(form, frm21_to),
                {.fromLeft = screen->run(leaveFeesFrom),
                 .toLeft = screen->run(leaveFeesTo),
-                .entered = screen->run(showFees)});
+                .entered = screen->run(showFees)})
+        .check(HOSHIREN_CONTROL(form, 未納のみ), u"未納のみ"_s, screen->run(showFees));
     ui::addList(layout, *screen, form, open);
     layout.mainAction(u"表示"_s, u"表示"_s, screen->run(showFees));
     ui::addListButtons(layout, *screen, form);
@@ -28,6 +29,9 @@ std::unique_ptr<ui::Screen> お墓通(ui::Workplace& workplace) {
                          .preview = [raw](auto& to) { previewFeeLabels(raw->form(), to, raw->desk()); },
                          .print = [raw](auto& to) { printFeeLabels(raw->form(), to, raw->desk()); }});
     layout.gap()
+        .action(u"受領"_s, u"受領"_s, screen->run(receiveFees),
+                u"『受領選択』の欄で選んだお墓の管理費を、今日受け取ったものとして記録します"_s)
+        .gap()
         .action(u"お墓照会"_s, u"お墓情報"_s, open)
         .action(u"檀家照会"_s, u"檀家情報"_s, screen->run(openFeeHousehold))
         .closing()

@@ -53,10 +53,16 @@ void addGraveFields(ui::Layout& layout, ui::Screen& screen, GraveFields& fields,
         .dates(dateNames(u"管受"_s), fields.管受, calendar::dateHelp(screen.desk(), fields.管受))
         .button(u"管理受領"_s, u"COPY"_s, copy(fields.管受, fields.受領),
                 u"管理費の受領日と使用料の受領日が同じ時に押して下さい"_s)
+        .button(
+            u"受領今日"_s, u"今日受領"_s, [&] { receiveToday(fields, screen.desk()); },
+            u"管理費を今日受け取った時に押して下さい"_s)
         .row(u"次回請求"_s)
         .dates(dateNames(u"次回"_s), fields.次回, calendar::dateHelp(screen.desk(), fields.次回))
         .button(u"管理次回"_s, u"COPY"_s, copy(fields.次回, fields.管受),
-                u"次回請求日の月・日が同じ時、押して、請求年を変えると便利です"_s);
+                u"次回請求日の月・日が同じ時、押して、請求年を変えると便利です"_s)
+        .button(
+            u"次回翌年"_s, u"翌年"_s, [&] { billNextYear(fields, screen.desk()); },
+            u"次回請求日を一年先に進めます。空の時は、管理費の受領日の一年後にします"_s);
 }
 
 } // namespace graves

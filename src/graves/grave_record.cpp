@@ -2,9 +2,11 @@
 
 #include "calendar/date_groups.h"
 #include "calendar/eras.h"
+#include "calendar/spoken_date.h"
 #include "desk/deletion.h"
 #include "store/codes.h"
 #include "store/table.h"
+#include "values/dates.h"
 #include "values/numbers.h"
 
 using namespace Qt::StringLiterals;
@@ -156,6 +158,23 @@ void sayNumberChanged(const QString& title, desk::Desk& desk) {
 void startToday(GraveFields& fields, desk::Desk& desk) {
     store::Database database;
     calendar::showDate(database, fields.開始, desk.today(), desk);
+}
+
+void receiveToday(GraveFields& fields, desk::Desk& desk) {
+    store::Database database;
+    calendar::showDate(database, fields.管受, desk.today(), desk);
+}
+
+void billNextYear(GraveFields& fields, desk::Desk& desk) {
+    store::Database database;
+    const auto& from = fields.次回.isEmpty() ? fields.管受 : fields.次回;
+    const auto date = calendar::typedDate(database, from, desk.today());
+    if (!date)
+        desk.inform(u"次回請求日か管理費の受領日を正しく入れてから、押して下さい"_s);
+    else if (date->year() >= values::lastYear)
+        desk.inform(u"次回請求日をこれより先には進められません"_s);
+    else
+        calendar::showDate(database, fields.次回, date->addYears(1), desk);
 }
 
 } // namespace graves

@@ -63,6 +63,14 @@ inline const RowRule isLiving(Holds{&tbl_kazoku::tblkzk_seishikbn, codes::living
 
 inline const RowRule isInUse(Holds{&tbl_ohaka::tblhak_haiki_kbn, codes::no});
 inline const RowRule isDisposed(Holds{&tbl_ohaka::tblhak_haiki_kbn, codes::yes});
+// A household holds the grave.
+inline bool isLinked(const tbl_ohaka& grave) {
+    return grave.tblhak_dnk_no > codes::noHousehold;
+}
+// A household pays a fee for the grave: it holds it, and it is not disposed. As a condition.
+inline std::string paysUpkeep() {
+    return "(NOT " + isDisposed.sql() + " AND tbl_ohaka.tblhak_dnk_no > " + literal(codes::noHousehold) + ')';
+}
 
 // A notice is due: neither held nor reserved, and not notified yet.
 inline const RowRule isOpenForNotice(Holds{&tbl_hohyo::tblhoy_kaiki_s, codes::no},

@@ -4,6 +4,7 @@
 #include "desk/bring_back.h"
 #include "family/death_registration_rules.h"
 #include "faults/faulty_calls.h"
+#include "graves/fee_notice_rules.h"
 #include "households/erasure_rules.h"
 #include "households/registration_rules.h"
 #include "sample/sample_register.h"
@@ -56,10 +57,10 @@ class Desk : public desk::Desk {
         stopped = stopped || text.contains(u"　コード "_s);
     }
     void inform(const QString&) override {}
-    // What the bar offers is a question that need not be answered.
+    // What the bar offers is a question that need not be answered; what was done is not undone.
     void offer(const QString&, std::vector<desk::Offer> offers) override {
         for (const desk::Offer& offered : offers)
-            if (ask(offered.caption, {}, desk::Preset::no))
+            if (offered.caption != u"元に戻す"_s && ask(offered.caption, {}, desk::Preset::no))
                 offered.run();
     }
     bool ask(const QString& text, const QString&, desk::Preset) override {
@@ -151,6 +152,20 @@ void registerDeath(desk::Desk& desk) {
     family::registerDeath(form, context, desk);
 }
 
+// The fees of a whole page.
+void receiveFees(desk::Desk& desk) {
+    desk::ScreenContext context;
+    graves::お墓通Form form;
+    graves::beginFeeNotices(form, context, desk);
+    graves::showFees(form, context, desk);
+    form.frm21_tbl.clickedColumn = form.frm21_tbl.tickColumns.back();
+    for (int row = 1; row <= form.list.rowsShown(); ++row) {
+        form.frm21_tbl.clickedRow = row;
+        form.click(context, desk);
+    }
+    graves::receiveFees(form, context, desk);
+}
+
 void restoreRegister(desk::Desk& desk) {
     if (desk.ask(u"?"_s, {}))
         store::restore(in(u"../other.mdb"_s), store::Database::registerPath(), {today, QTime(12, 0)});
@@ -202,6 +217,7 @@ const Operation operations[] = {
     {"move", moveHousehold, 2},
     {"erasure", eraseHousehold, 5},
     {"death", registerDeath, 2},
+    {"receipt", receiveFees, 1},
     {"restore", restoreRegister, 1},
     {"upgrade", upgradeRegister, 1, nullptr, nullptr, 3},
     {"bring back", bringBackHousehold, 1, nullptr, nullptr, 0, numberGivenAnew},
