@@ -1,10 +1,11 @@
-// A page of the grave list beside the bare keyed selection of the same rows, and what place of the page and size of the
-// file cost. Makes its registers itself.
+// A page of the grave list and of the fee notices beside the bare keyed selection of the same rows, what place of the
+// page and size of the file cost, and what the fees come to. Makes its registers itself.
 //
 //     grave_list_bench [REGISTER]
 #include "compare.h"
 #include "silent_desk.h"
 
+#include "graves/fee_notice_rules.h"
 #include "graves/grave_list_rules.h"
 #include "store/database.h"
 
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int sectionSize = 3000;
 constexpr int wholeFile = 32767;
+constexpr int feesDue = 12000;
 
 QString lot(int number) {
     return QStringLiteral("%1").arg(number, 4, 10, QChar(u'0'));
@@ -49,20 +51,18 @@ void makeRegister(const QString& path, int graves) {
     write.commit();
 }
 
-void selectByHand(const std::string& path, const std::string& from) {
+// Reads the rows of a statement with two values, a page and one more at most.
+void selectByHand(const std::string& path, const char* text, const char* first, const char* second, int wanted) {
     sqlite3* engine = nullptr;
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_open_v2(path.c_str(), &engine, SQLITE_OPEN_READWRITE, nullptr) != SQLITE_OK ||
-        sqlite3_prepare_v2(engine,
-                           "SELECT * FROM tbl_ohaka WHERE tblhak_banchi1 = ? AND tblhak_banchi2 >= ? "
-                           "ORDER BY tblhak_banchi2",
-                           -1, &statement, nullptr) != SQLITE_OK)
+        sqlite3_prepare_v2(engine, text, -1, &statement, nullptr) != SQLITE_OK)
         throw std::runtime_error("open");
-    sqlite3_bind_text(statement, 1, "区0", -1, SQLITE_STATIC);
-    sqlite3_bind_text(statement, 2, from.c_str(), -1, SQLITE_STATIC);
+    sqlite3_bind_text(statement, 1, first, -1, SQLITE_STATIC);
+    sqlite3_bind_text(statement, 2, second, -1, SQLITE_STATIC);
     int rows = 0;
     long long bytes = 0;
-    while (rows <= desk::pageRows && sqlite3_step(statement) == SQLITE_ROW) {
+    while (rows < wanted && sqlite3_step(statement) == SQLITE_ROW) {
         ++rows;
         for (int column = 0; column < sqlite3_column_count(statement); ++column) {
             if (sqlite3_column_text(statement, column))
@@ -71,8 +71,14 @@ void selectByHand(const std::string& path, const std::string& from) {
     }
     sqlite3_finalize(statement);
     sqlite3_close(engine);
-    if (rows <= desk::pageRows || bytes == 0)
+    if (rows < wanted || bytes == 0)
         throw std::runtime_error("too few rows");
+}
+
+void selectSection(const std::string& path, const std::string& from) {
+    selectByHand(path,
+                 "SELECT * FROM tbl_ohaka WHERE tblhak_banchi1 = ? AND tblhak_banchi2 >= ? ORDER BY tblhak_banchi2",
+                 "区0", from.c_str(), desk::pageRows + 1);
 }
 
 // One page of section 区0 from a lot on, without its dates in era form.
@@ -104,7 +110,7 @@ int main(int argc, char** argv) {
         for (const QString& from : {first, last})
             bench::compare(
                 from == first ? "grave list: first page of 3,000 in 32,767" : "grave list: page from lot 2,900", 2.0,
-                25, 40, [&] { fillPage(from, desk); }, [&] { selectByHand(file.toStdString(), from.toStdString()); });
+                25, 40, [&] { fillPage(from, desk); }, [&] { selectSection(file.toStdString(), from.toStdString()); });
         bench::compare(
             "grave list: a late page / the first one", 1.15, 25, 40, [&] { fillPage(last, desk); },
             [&] { fillPage(first, desk); });
@@ -124,6 +130,30 @@ int main(int argc, char** argv) {
         bench::compare(
             "grave list: the 60 era dates of a page / the page itself", 5.0, 25, 40,
             [&] { graves::fillEraTexts(page, desk); }, [&] { fillPage(first, desk); });
+
+        const QString due = folder.filePath(QStringLiteral("due.mdb"));
+        makeRegister(due, feesDue);
+        store::Database::setRegisterPath(due);
+        desk::ScreenContext context;
+        graves::お墓通Form fees;
+        graves::beginFeeNotices(fees, context, desk);
+        bench::compare(
+            "fee notices: first page of 12,000 with its era dates", 3.0, 25, 40,
+            [&] { graves::showFees(fees, context, desk); },
+            [&] {
+                selectByHand(due.toStdString(),
+                             "SELECT * FROM tbl_ohaka WHERE tblhak_kanri_nxymd BETWEEN ? AND ? "
+                             "ORDER BY tblhak_kanri_nxymd",
+                             "2026-11-22", "2027-11-22", desk::pageRows + 1);
+            });
+        bench::compare(
+            "fee notices: count and sum of 12,000", 1.25, 25, 10, [&] { fees.count(); },
+            [&] {
+                selectByHand(due.toStdString(),
+                             "SELECT count(*), sum(tblhak_kanri_ryokin) FROM tbl_ohaka "
+                             "WHERE tblhak_kanri_nxymd BETWEEN ? AND ?",
+                             "2026-11-22", "2027-11-22", 1);
+            });
         return 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
