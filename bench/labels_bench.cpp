@@ -1,9 +1,11 @@
 // The labels of a year of memorial notices, from the register to the PDF.
 //
-//     labels_bench REGISTER [MOST [CSV]]
+//     labels_bench REGISTER                the labels of the first 12,000 memorials due
+//     labels_bench REGISTER DAY            those of the memorials due until DAY
+//     labels_bench REGISTER MOST CSV       makes none: writes the addresses of the first MOST for another label program
+//                                          and prints the day of the last one
 //
-// Prints how many labels it made in how many seconds. Takes the first MOST memorials due (12,000 unless told otherwise)
-// and, with a third argument, writes their addresses for another label program; bench/labels measures one beside this.
+// bench/labels measures one beside this.
 #include "printing/address_label_rules.h"
 #include "printing/label_painter.h"
 #include "store/table.h"
@@ -64,15 +66,21 @@ void writeAddresses(const QString& path, int most) {
 int main(int argc, char** argv) {
     const QApplication app(argc, argv);
     if (argc < 2) {
-        std::fputs("labels_bench REGISTER [MOST [CSV]]\n", stderr);
+        std::fputs("labels_bench REGISTER [DAY | MOST CSV]\n", stderr);
         return 2;
     }
     try {
         store::Database::setRegisterPath(QString::fromLocal8Bit(argv[1]));
-        const int most = argc > 2 ? std::atoi(argv[2]) : 12000;
-        const QDate last = lastDay(most);
-        if (argc > 3)
+        if (argc > 3) {
+            const int most = std::atoi(argv[2]);
             writeAddresses(QString::fromLocal8Bit(argv[3]), most);
+            std::puts(qPrintable(lastDay(most).toString(Qt::ISODate)));
+            return 0;
+        }
+        const QDate last =
+            argc > 2 ? QDate::fromString(QString::fromLocal8Bit(argv[2]), Qt::ISODate) : lastDay(12000);
+        if (!last.isValid())
+            throw std::runtime_error("no such day");
         QTemporaryDir folder;
         QuietDesk desk;
         QElapsedTimer clock;

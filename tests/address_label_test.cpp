@@ -87,4 +87,31 @@ TEST_F(AddressLabels, TellsOfTheFileOfMissingCharactersAndOfAPrinterThatFails) {
     EXPECT_EQ(print({2026, 12, 1}, {2026, 12, 31}), LabelOutcome::failed);
 }
 
+TEST_F(AddressLabels, RefusesOtherSheetsWhatCannotBeReadOnThem) {
+    const QString none = u"何も印刷していません。\n檀家番号 30000："_s;
+    printing::LabelChoice choice;
+    choice.stock = printing::labelStocks()[1];
+    const auto refused = [&](const QString& name, const QString& message) {
+        execute(u"DELETE FROM tbl_danka WHERE tbldnk_no1 = 30000"_s);
+        execute(u"DELETE FROM tbl_hohyo"_s);
+        addHousehold(30000, 0, name);
+        addMemorials(u"(1, '2026-12-01', 0, 0, 0), (30000, '2026-12-02', 0, 0, 0)"_s);
+        desk.expect(message, title);
+        return printing::宛名出力({2026, 12, 1}, {2026, 12, 31}, LabelMode::memorials, printer, desk, choice) ==
+                   LabelOutcome::failed &&
+               printer.jobs.empty();
+    };
+    EXPECT_TRUE(refused(u"森 鷗外"_s, u"印刷できない文字のある宛名があります。"
+                                      "檀家登録で直すか、通知選択を外して下さい。\n"_s +
+                                          none + u'鷗'));
+    const QString longName(60, u'長');
+    EXPECT_TRUE(refused(longName, u"長いため、読みにくいほど小さくなる宛名があります。"
+                                  "宛名設定で他の用紙を選ぶか、通知選択を外して下さい。\n"_s +
+                                      none + longName.left(20)));
+    // Shown all the same, and printed once it is left out.
+    desk.expect(u"長いため、読みにくいほど小さくなった宛名があります。\n檀家番号 30000："_s + longName.left(20), title);
+    printing::previewLabels({2026, 12, 1}, {2026, 12, 31}, LabelMode::memorials, printer, desk, choice);
+    EXPECT_EQ(printer.jobs.size(), 1U);
+}
+
 } // namespace

@@ -68,10 +68,37 @@ QString namesOf(const std::map<std::int16_t, QString>& households) {
     return lines.join(u'\n');
 }
 
-} // namespace
+// By household number: what is wrong with its label.
+struct Faults {
+    std::map<std::int16_t, QString> missing; // the characters that the font lacks
+    std::map<std::int16_t, QString> tight;   // the name
+};
 
-LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk,
-                      const LabelChoice& choice) {
+void tellBeforePrinting(const Faults& faults, desk::Desk& desk) {
+    const QString none = u"\n何も印刷していません。\n"_s;
+    if (!faults.missing.empty())
+        desk.notify(u"印刷できない文字のある宛名があります。檀家登録で直すか、通知選択を外して下さい。"_s + none +
+                        namesOf(faults.missing),
+                    title);
+    if (!faults.tight.empty())
+        desk.notify(
+            u"長いため、読みにくいほど小さくなる宛名があります。宛名設定で他の用紙を選ぶか、通知選択を外して下さい。"_s +
+                none + namesOf(faults.tight),
+            title);
+}
+
+void tellAfterwards(const Faults& faults, const LabelChoice& choice, desk::Desk& desk) {
+    if (!faults.missing.empty())
+        desk.notify(u"印刷できない文字を〓にした宛名があります。\n"_s + namesOf(faults.missing), title);
+    // The register's own sheet sets them as it always did.
+    if (!faults.tight.empty() && choice.stock != standardStock())
+        desk.notify(u"長いため、読みにくいほど小さくなった宛名があります。\n"_s + namesOf(faults.tight), title);
+}
+
+enum class Way { paper, preview };
+
+LabelOutcome makeLabels(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, Way way, desk::Desk& desk,
+                        const LabelChoice& choice) {
     if (!choice.rests.isEmpty()) {
         desk.notify(choice.rests, title);
         return LabelOutcome::noneChosen;
@@ -79,8 +106,7 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
     LabelRun run(printer.font(), choice.stock, choice.start);
     Due records;
     std::size_t notFound = 0;
-    std::map<std::int16_t, QString> missing;
-    std::map<std::int16_t, QString> tight;
+    Faults faults;
     {
         store::Database database;
         records = mode == LabelMode::memorials ? memorialsDue(database, from, to, choice)
@@ -95,9 +121,9 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
             const LabelResult label = run.printLabel(
                 {household.tbldnk_yubin, household.tbldnk_toshug, household.tbldnk_jyusho1, household.tbldnk_jyusho2});
             if (!label.missing.isEmpty())
-                missing[lbl_dnk_no] = label.missing;
+                faults.missing[lbl_dnk_no] = label.missing;
             if (label.tight)
-                tight[lbl_dnk_no] = household.tbldnk_toshug.left(lettersNamed);
+                faults.tight[lbl_dnk_no] = household.tbldnk_toshug.left(lettersNamed);
         }
     }
     if (!records.anyAtOrAfter) {
@@ -112,6 +138,11 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
     }
     if (run.isEmpty())
         return LabelOutcome::noLabel;
+    // The register's own sheet goes out whatever the addresses are.
+    if (way == Way::paper && choice.stock != standardStock() && !(faults.missing.empty() && faults.tight.empty())) {
+        tellBeforePrinting(faults, desk);
+        return LabelOutcome::failed;
+    }
     PrintedJob job;
     try {
         job = printer.print(run);
@@ -125,17 +156,20 @@ LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& pr
                     title);
     if (!job.waiting.isEmpty())
         desk.notify(job.waiting, title);
-    if (!missing.empty())
-        desk.notify(u"印刷できない文字を〓にした宛名があります。\n"_s + namesOf(missing), title);
-    // The register's own sheet sets them as it always did.
-    if (!tight.empty() && choice.stock != standardStock())
-        desk.notify(u"長いため、読みにくいほど小さくなった宛名があります。\n"_s + namesOf(tight), title);
+    tellAfterwards(faults, choice, desk);
     return LabelOutcome::handedOver;
+}
+
+} // namespace
+
+LabelOutcome 宛名出力(QDate from, QDate to, LabelMode mode, LabelPrinter& printer, desk::Desk& desk,
+                      const LabelChoice& choice) {
+    return makeLabels(from, to, mode, printer, Way::paper, desk, choice);
 }
 
 void previewLabels(QDate from, QDate to, LabelMode mode, LabelPrinter& preview, desk::Desk& desk,
                    const LabelChoice& choice) {
-    if (宛名出力(from, to, mode, preview, desk, choice) == LabelOutcome::noLabel)
+    if (makeLabels(from, to, mode, preview, Way::preview, desk, choice) == LabelOutcome::noLabel)
         desk.notify(u"印刷する宛名はありません。"_s, title);
 }
 
