@@ -128,6 +128,15 @@ TEST_F(FeeNotices, GoOnFromTheCurrentBillingDate) {
     show(u"2008/2/12"_s, u"2009/2/12"_s);
     openFeeGrave(form, context, desk); // the grave chosen is gone
     EXPECT_EQ(desk.opened.size(), 2U);
+
+    // A day's graves stand in the order of their numbers, whatever order they were stored in.
+    add(u"(15000, 1, '2008-03-16')"_s);
+    form.nextPage(desk);
+    EXPECT_TRUE(numbers().endsWith(u"31 15000 20000"_s));
+    // All that was due from the page on is moved on: others are still due.
+    execute(u"UPDATE tbl_ohaka SET tblhak_kanri_nxymd = '2010-01-01' WHERE tblhak_kanri_nxymd >= '2008-03-15'"_s);
+    desk.opened.front().closed();
+    EXPECT_TRUE(numbers().startsWith(u"1 2 "_s));
 }
 
 TEST_F(FeeNotices, PrintALabelAGraveAndMarkNothing) {

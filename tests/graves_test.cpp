@@ -5,6 +5,7 @@
 
 #include "support/register_fixture.h"
 #include "support/test_desk.h"
+#include "values/dates.h"
 
 using namespace Qt::StringLiterals;
 
@@ -142,6 +143,13 @@ TEST_F(Graves, MarkerPickerListsEveryNamedGraveInTheOrderOfTheNames) {
     graves::beginPicker(form, context, desk);
     form.nextPage(desk);
     EXPECT_TRUE(numbers(form).startsWith(u"37 38 "_s));
+    // More graves of one name than a page holds: none is out of reach.
+    execute(u"UPDATE tbl_ohaka SET tblhak_bohyo_mei = '先祖代々之墓' WHERE tblhak_no >= 10"_s);
+    graves::beginPicker(form, context, desk);
+    form.nextPage(desk);
+    EXPECT_TRUE(numbers(form).startsWith(u"10 11 "_s));
+    form.nextPage(desk);
+    EXPECT_TRUE(numbers(form).endsWith(u" 48 49"_s));
 }
 
 // ---- the grave screen

@@ -170,6 +170,14 @@ TEST_F(Reservations, LoseNoneOfAnHour) {
               deceased().section(u'|', 1, 1) + cells(form.frm21_tbl, 2).section(u'|', 12, 12));
     desk.opened.back().closed();
     EXPECT_EQ(deceased(), page);
+    // A booking taken back leaves the page, and none behind it does, though the next day begins at an earlier hour.
+    click(form, 1);
+    openReservedService(form, context, desk);
+    execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_rs = 0 WHERE tblhoy_zokunameg = '%1'"_s.arg(context.kak_zokunameg));
+    desk.opened.back().closed();
+    EXPECT_TRUE(deceased().startsWith(page.section(u'|', 1, 20)));
+    form.nextPage(desk);
+    EXPECT_TRUE(deceased().endsWith(u"|096"_s) || (form.nextPage(desk), deceased().endsWith(u"|096"_s)));
 }
 
 TEST_F(Reservations, RefuseAWrongRange) {

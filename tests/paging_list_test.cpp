@@ -42,6 +42,7 @@ struct Bench {
     void open() { list.showFirstPage(source(), grid, desk); }
     void next() { list.nextPage(source(), grid, desk); }
     void previous() { list.previousPage(source(), grid, desk); }
+    void back() { list.pageBefore(source(), grid, desk); }
     const int* click(int row) {
         grid.clickedRow = row;
         return list.click(grid, desk);
@@ -102,6 +103,27 @@ TEST(PagingList, PagesThroughNextAndPrevious) {
     }
 }
 
+TEST(PagingList, WheelAndKeyFindBackFromAnyPage) {
+    Bench bench(upTo(360));
+    bench.open();
+    std::vector<std::string> pages{bench.page()};
+    for (int page = 2; page <= 14; ++page) {
+        bench.next();
+        pages.push_back(bench.page());
+    }
+    EXPECT_EQ(pages.back(), "360-360"); // the described repetition of the last row
+    bench.back();
+    EXPECT_EQ(bench.page(), "331-360");
+    EXPECT_EQ(bench.list.firstNumber(), 331);
+    for (const char* page : {"302-331", "273-302"}) {
+        bench.back();
+        EXPECT_EQ(bench.page(), page);
+    }
+    while (bench.list.firstNumber() > 1)
+        bench.back();
+    EXPECT_EQ(bench.page(), "1-30");
+}
+
 TEST(PagingList, FiftySlotsReachBackFromTheFiftiethPage) {
     Bench bench(upTo(2000), {}, 50);
     bench.open();
@@ -139,10 +161,20 @@ TEST(PagingList, NoRecordOrAFailingSourceLeavesEverythingAsItWas) {
         take(99);
         throw std::runtime_error("gone");
     };
-    EXPECT_THROW(bench.list.nextPage(broken, bench.grid, bench.desk), std::runtime_error);
+    const auto broke = [&](auto turn) {
+        EXPECT_THROW((bench.list.*turn)(broken, bench.grid, bench.desk), std::runtime_error);
+        EXPECT_EQ(bench.page(), "30-59");
+        EXPECT_EQ(bench.list.position(), 59);
+        EXPECT_EQ(bench.list.rowCounter(), 31);
+    };
+    broke(&List::nextPage);
+    broke(&List::previousPage);
+    broke(&List::showFirstPage);
+    bench.records = upTo(61);
+    bench.next();
+    EXPECT_EQ(bench.page(), "59-61");
+    bench.previous();
     EXPECT_EQ(bench.page(), "30-59");
-    EXPECT_EQ(bench.list.position(), 59);
-    EXPECT_EQ(bench.list.rowCounter(), 31);
 }
 
 TEST(PagingList, ReadsNoFurtherThanTheThirtyFirstListedRow) {

@@ -260,6 +260,8 @@ TEST_F(Services, ABookingIsTakenBackAndNothingElse) {
     const std::pair<QString, QString> refused[] = {
         {u"tblhoy_kaiki_s = 1"_s, u"実施済みの法要です。予約は取り消せません"_s},
         {u"tblhoy_kaiki_mei = '納骨'"_s, u"回忌外の法要です。予約を取り消すときは「削除」を使って下さい"_s},
+        // It bears an anniversary's name, but not its day.
+        {u"tblhoy_meiymd = '2023-01-05'"_s, u"回忌外の法要です。予約を取り消すときは「削除」を使って下さい"_s},
         {{}, changedElsewhere}};
     for (const auto& [state, message] : refused) {
         execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_rs = 1, tblhoy_kaiki_rymd = '2027-02-14'"_s);
@@ -273,7 +275,7 @@ TEST_F(Services, ABookingIsTakenBackAndNothingElse) {
         desk.expect(message, detailTitle);
         cancelDetail(form, context, desk);
         EXPECT_EQ(query(u"SELECT tblhoy_kaiki_rs FROM tbl_hohyo"_s), u"1"_s);
-        execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_s = 0, tblhoy_kaiki_mei = '3回忌'"_s);
+        execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_s = 0, tblhoy_kaiki_mei = '3回忌', tblhoy_meiymd = '2024-01-05'"_s);
     }
 }
 

@@ -24,6 +24,8 @@ QString plain(QStringView text) {
             c = u'.';
         else if (c == u'・' || c == u'･')
             c = u'/';
+        else if (c == u'ー' || c == u'ｰ')
+            c = u'-';
     }
     return result;
 }

@@ -5,6 +5,7 @@
 #include "desk/paging_list.h"
 #include "desk/screen_context.h"
 
+#include <algorithm>
 #include <exception>
 #include <optional>
 
@@ -25,7 +26,9 @@ struct AnyList {
 
     virtual void nextPage(Desk& desk) = 0;
     virtual void previousPage(Desk& desk) = 0;
-    // The same for wheel and key: the first page is not filled again, so that the row chosen stays marked.
+    // The same for wheel and key: they stop at both ends of the list, where the row chosen stays marked, and find back
+    // from any page.
+    virtual void scrollOn(Desk& desk) { nextPage(desk); }
     virtual void scrollBack(Desk& desk) { previousPage(desk); }
     // The user clicked into the grid.
     virtual void click(ScreenContext& context, Desk& desk) = 0;
@@ -119,24 +122,44 @@ template <class Row, class Key> struct ListForm : AnyList {
         list.fillFromKey(key, source(), frm21_tbl, desk);
         countAnew();
     }
+    // The page shown, read anew where its rows may have left the list: from its first row that is still there.
+    void showPageAnew(Desk& desk) {
+        const auto stays = std::ranges::find_if(list.rows(), [this](const Row& row) {
+            bool found = false;
+            read(list.key(row), [&](const Row& first) {
+                found = list.key(first) == list.key(row);
+                return false;
+            });
+            return found;
+        });
+        showFrom(stays == list.rows().end() ? list.start() : list.key(*stays), desk);
+    }
     void nextPage(Desk& desk) override {
         const std::optional<Key> before = firstKey();
-        list.nextPage(source(), frm21_tbl, desk);
-        turned(before, list.isAtEnd() ? noRowsText(true)
-                                      : QStringLiteral("　並び順の同じ行が続くため、これより後は表示できません。"));
+        const bool found = list.nextPage(source(), frm21_tbl, desk);
+        turned(before, !found           ? QString()
+                       : list.isAtEnd() ? noRowsText(true)
+                                        : QStringLiteral("　並び順の同じ行が続くため、これより後は表示できません。"));
     }
     void previousPage(Desk& desk) override {
         const std::optional<Key> before = firstKey();
         list.previousPage(source(), frm21_tbl, desk);
         turned(before, noRowsText(false));
     }
+    void scrollOn(Desk& desk) override {
+        if (list.rowCounter() > pageRows)
+            nextPage(desk);
+        else
+            tell(noRowsText(true));
+    }
     void scrollBack(Desk& desk) override {
-        if (list.firstNumber() != 1) {
-            previousPage(desk);
+        if (list.firstNumber() == 1) {
+            tell(noRowsText(false));
             return;
         }
-        tell();
-        件数表示.text += noRowsText(false);
+        const std::optional<Key> before = firstKey();
+        list.pageBefore(source(), frm21_tbl, desk);
+        turned(before, noRowsText(false));
     }
     void click(ScreenContext& context, Desk& desk) override {
         if (const Row* row = list.click(frm21_tbl, desk)) {
@@ -189,6 +212,7 @@ template <class Row, class Key> struct ListForm : AnyList {
         if (list.rowCounter() <= pageRows && (list.firstNumber() == 1 || list.rowsShown() == 0))
             total_ = list.rowsShown();
         counted_ = total_.has_value();
+        countedRange_ = range();
         tell();
     }
 
@@ -205,19 +229,18 @@ template <class Row, class Key> struct ListForm : AnyList {
         // The register may have changed since it was counted.
         const int last = list.firstNumber() + list.rowsShown() - 1;
         const bool agrees = total_ && list.firstNumber() && (list.isAtEnd() ? last == *total_ : last <= *total_);
-        if (!agrees && !list.rows().empty())
+        if ((!agrees || countedRange_ != range()) && !list.rows().empty())
             countAnew();
-        tell();
-        if (before && before == firstKey())
-            件数表示.text += stays;
+        tell(before && before == firstKey() ? stays : QString());
     }
 
-    void tell() {
+    void tell(const QString& remark = {}) {
         const int first = list.firstNumber();
-        件数表示.text = listPlace(first, first + list.rowsShown() - 1, total_);
+        件数表示.text = listPlace(first, first + list.rowsShown() - 1, total_) + remark;
     }
 
     std::optional<int> total_;
+    QString countedRange_;
     bool counted_ = true;
 };
 

@@ -6,8 +6,10 @@
 #include <QString>
 
 #include <algorithm>
+#include <deque>
 #include <functional>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -110,9 +112,11 @@ template <class Row, class Key> class PagingList {
 
     // Forgets the pages seen and fills the first one.
     bool showFirstPage(const Source& source, Grid& grid, Desk& desk) {
-        clearTables();
-        position_ = start_;
-        return fillFrom(position_, 1, source, grid, desk);
+        return keepingPlace([&] {
+            clearTables();
+            position_ = start_;
+            return fillFrom(position_, 1, source, grid, desk);
+        });
     }
 
     // Fills the page that begins at the position's place; a page of one place is filled again. Returns false, with
@@ -129,22 +133,23 @@ template <class Row, class Key> class PagingList {
     // Forgets the pages seen and fills the page from the key on, the first one where no record lies there any more.
     // Where the list has none at all the grid is emptied; nothing is said of it.
     void fillFromKey(const Key& from, const Source& source, Grid& grid, Desk& desk) {
-        clearTables();
-        if (!(from == start_) && fillFrom(from, 0, source, grid, desk, Nothing::silent)) {
-            firstNumber_ = 0;
-            std::ranges::fill(startNumbers_, 0);
-        } else if (!fillFrom(start_, 1, source, grid, desk, Nothing::silent)) {
-            setUp(grid);
-            rows_.clear();
-            rowCounter_ = 0;
-            position_ = start_;
-        }
+        keepingPlace([&] {
+            clearTables();
+            if (!(from == start_) && fillFrom(from, 0, source, grid, desk, Nothing::silent)) {
+                firstNumber_ = 0;
+                std::ranges::fill(startNumbers_, 0);
+            } else if (!fillFrom(start_, 1, source, grid, desk, Nothing::silent)) {
+                setUp(grid);
+                rows_.clear();
+                rowCounter_ = 0;
+                position_ = start_;
+            }
+            return true;
+        });
     }
 
-    void nextPage(const Source& source, Grid& grid, Desk& desk) {
-        if (!isAtEnd())
-            turn(source, grid, desk);
-    }
+    // Returns false when no record lies ahead, which is told.
+    bool nextPage(const Source& source, Grid& grid, Desk& desk) { return isAtEnd() || turn(source, grid, desk); }
 
     // On a page beyond the page tables the position stays, so that the list moves forward.
     void previousPage(const Source& source, Grid& grid, Desk& desk) {
@@ -155,10 +160,37 @@ template <class Row, class Key> class PagingList {
         }
         const auto before = here - ends_.begin() - 1;
         const bool first = !*here || before < 0 || !starts_[static_cast<std::size_t>(before)];
-        position_ = first ? start_ : *starts_[static_cast<std::size_t>(before)];
-        // That the list has nothing was said when it was asked for.
-        fillFrom(position_, first ? 1 : startNumbers_[static_cast<std::size_t>(before)], source, grid, desk,
-                 !*here && toldNothing_ ? Nothing::silent : Nothing::told);
+        keepingPlace([&] {
+            position_ = first ? start_ : *starts_[static_cast<std::size_t>(before)];
+            // That the list has nothing was said when it was asked for.
+            return fillFrom(position_, first ? 1 : startNumbers_[static_cast<std::size_t>(before)], source, grid, desk,
+                            !*here && toldNothing_ ? Nothing::silent : Nothing::told);
+        });
+    }
+
+    // The page before the one shown, however many were turned: where the page tables do not know it, the list is read
+    // from its start.
+    void pageBefore(const Source& source, Grid& grid, Desk& desk) {
+        if (rows_.empty() || std::ranges::find(ends_, Slot(position_)) != ends_.end()) {
+            previousPage(source, grid, desk);
+            return;
+        }
+        std::deque<Key> before;
+        int number = 0;
+        eachListed(source, [&](const Row& row) {
+            const Key here = description_.key(row);
+            if (here == description_.key(rows_.front()))
+                return false;
+            before.push_back(here);
+            ++number;
+            if (before.size() == pageRows)
+                before.pop_front();
+            return true;
+        });
+        if (before.empty())
+            showFirstPage(source, grid, desk);
+        else
+            fillFrom(before.front(), number - static_cast<int>(before.size()) + 1, source, grid, desk);
     }
 
     // The rows of the whole list from its start on, completed as those of a page are.
@@ -272,8 +304,19 @@ template <class Row, class Key> class PagingList {
     }
 
     // Forward to the page that follows the one shown.
-    void turn(const Source& source, Grid& grid, Desk& desk) {
-        fillFrom(isOfOnePlace() ? position_ : place(), 0, source, grid, desk);
+    bool turn(const Source& source, Grid& grid, Desk& desk) {
+        return fillFrom(isOfOnePlace() ? position_ : place(), 0, source, grid, desk);
+    }
+
+    // What the source throws leaves the place in the list as it was.
+    template <class Fill> bool keepingPlace(const Fill& fill) {
+        const std::tuple before(position_, starts_, ends_, startNumbers_);
+        try {
+            return fill();
+        } catch (...) {
+            std::tie(position_, starts_, ends_, startNumbers_) = before;
+            throw;
+        }
     }
 
     // Hands over the rows listed, from the key on, until refused.

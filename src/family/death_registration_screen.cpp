@@ -34,7 +34,7 @@ std::unique_ptr<ui::Screen> 過去登(ui::Workplace& workplace) {
         .kanaOf(u"frm11_zoknameg"_s)
         .row(u"生年月日"_s)
         .dates({u"生年元号"_s, u"生年"_s, u"生年月"_s, u"生年日"_s, u"生年YMD"_s}, form.生年,
-               calendar::dateHelp(screen->desk(), form.生年, calendar::DateOf::birth))
+               calendar::dateHelp(screen->desk(), form.生年)) // no age: he does not grow older
         .row(u"命日"_s)
         .dates({u"命日元号"_s, u"命日年"_s, u"命日月"_s, u"命日付"_s, u"命日YMD"_s}, form.命日,
                calendar::dateHelp(screen->desk(), form.命日))

@@ -94,8 +94,9 @@ std::string お墓通Form::condition() const {
 
 bool お墓通Form::read(const BillingKey& key, const Take& take) const {
     store::Database database;
-    store::Selection<store::tbl_ohaka> graves(database, condition() + "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC;",
-                                              std::max(beginning().billing, key.billing), lastListed());
+    store::Selection<store::tbl_ohaka> graves(
+        database, condition() + "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC, tbl_ohaka.tblhak_no ASC;",
+        std::max(beginning().billing, key.billing), lastListed());
     bool found = false;
     while (graves.next()) {
         found = found || graves.row().tblhak_no >= key.grave;
@@ -160,12 +161,18 @@ BillingKey お墓通Form::firstNotChosen() const {
 }
 
 void お墓通Form::goOn(desk::Desk& desk) {
+    const BillingKey place{list.position().billing, 0};
     if (owedBefore.isValid()) {
-        showFrom({list.position().billing, 0}, desk);
+        showFrom(place, desk);
+        return;
+    }
+    // The grave opened may have been the last one due: the list then begins anew, or has come to nothing.
+    if (!read(place, [](const ListedGrave&) { return false; })) {
+        showFirstPage(desk);
         return;
     }
     list.clearTables();
-    list.setPosition({list.position().billing, 0});
+    list.setPosition(place);
     refill(desk);
 }
 

@@ -79,21 +79,26 @@ void chooseSection(紐区画Form& form, desk::ScreenContext&, desk::Desk& desk) 
                   .nothing = nothingFound,
                   .columns = pickerColumns(
                       {Align::right, Align::left, Align::left, Align::right, Align::left, Align::center, Align::left}),
-                  .key = [](const store::tbl_ohaka& grave) { return grave.tblhak_bohyo_mei; }},
+                  .key =
+                      [](const store::tbl_ohaka& grave) {
+                          return MarkerKey{grave.tblhak_bohyo_mei, grave.tblhak_no};
+                      },
+                  .place = [](const MarkerKey& key) { return MarkerKey{key.name}; }},
                  {}) {}
 
-bool 紐墓標Form::read(const QString& from, const Take& take) const {
-    const bool atStart = from.isEmpty();
+bool 紐墓標Form::read(const MarkerKey& from, const Take& take) const {
+    const bool atStart = from.name.isEmpty();
     store::Database database;
-    store::Selection<store::tbl_ohaka> graves(database,
-                                              std::string("WHERE tbl_ohaka.tblhak_bohyo_mei ") +
-                                                  (atStart ? ">" : ">=") +
-                                                  " ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC;",
-                                              atStart ? beforeMarkers : from);
+    store::Selection<store::tbl_ohaka> graves(
+        database,
+        std::string("WHERE tbl_ohaka.tblhak_bohyo_mei ") + (atStart ? ">" : ">=") +
+            " ? ORDER BY tbl_ohaka.tblhak_bohyo_mei ASC, tbl_ohaka.tblhak_no ASC;",
+        atStart ? beforeMarkers : from.name);
     bool found = false;
     while (graves.next()) {
-        found = true;
-        if (!take(graves.row()))
+        const store::tbl_ohaka& grave = graves.row();
+        found = found || grave.tblhak_bohyo_mei != from.name || grave.tblhak_no >= from.grave;
+        if (found && !take(grave))
             break;
     }
     return found;

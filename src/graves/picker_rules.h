@@ -30,12 +30,18 @@ struct 紐区画Form : PickerList<PlaceKey> {
     int total() const override;
 };
 
-// Position: the marker name.
-struct 紐墓標Form : PickerList<QString> {
+struct MarkerKey {
+    QString name; // tblhak_bohyo_mei
+    std::int16_t grave = 0;
+
+    bool operator==(const MarkerKey&) const = default;
+};
+
+struct 紐墓標Form : PickerList<MarkerKey> {
     紐墓標Form();
 
   protected:
-    bool read(const QString& from, const Take& take) const override;
+    bool read(const MarkerKey& from, const Take& take) const override;
     int total() const override;
 };
 

@@ -11,8 +11,6 @@ namespace households {
 
 namespace {
 
-const QString title = u"檀家 登録"_s;
-
 bool sameAddress(const store::tbl_danka& one, const store::tbl_danka& other) {
     return one.tbldnk_yubin == other.tbldnk_yubin && one.tbldnk_jyusho1 == other.tbldnk_jyusho1 &&
            one.tbldnk_jyusho2 == other.tbldnk_jyusho2;
@@ -56,21 +54,27 @@ std::vector<store::tbl_kazoku> followers(store::Database& database, const store:
     return members;
 }
 
-void correctFamily(檀家登Form& form, const store::tbl_danka& before, desk::Desk& desk) {
-    store::Database database;
-    const auto moved = moveFamily(database, form.held, before, householdRefusal(), desk);
-    if (moved)
-        offerCopies(form, before, desk, u"家族%1人の住所・電話番号を直しました"_s.arg(*moved));
+store::Renamed renamed(const store::tbl_danka& before) {
+    return {before.tbldnk_no1, before.tbldnk_no2, before.tbldnk_nameg, before.tbldnk_namek};
 }
 
-void correctNames(檀家登Form& form, const store::tbl_danka& before, desk::Desk& desk) {
-    if (!desk::copyBefore(desk, title)) {
-        offerCopies(form, before, desk);
+void correctFamily(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
+                   const desk::Refusal& words, desk::Desk& desk) {
+    store::Database database;
+    const auto moved = moveFamily(database, household, before, words, desk);
+    if (moved)
+        offerCopies(household, before, words, desk, u"家族%1人の住所・電話番号を直しました"_s.arg(*moved));
+}
+
+void correctNames(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
+                  const desk::Refusal& words, desk::Desk& desk) {
+    if (!desk::copyBefore(desk, words.title)) {
+        offerCopies(household, before, words, desk);
         return;
     }
     store::Database database;
-    const auto found = store::findNameCopies(database, before.tbldnk_no1);
-    const auto left = store::writeNameCopies(database, before.tbldnk_no1);
+    const auto found = store::findNameCopies(database, renamed(before));
+    const auto left = store::writeNameCopies(database, renamed(before));
     if (!left.empty()) {
         QStringList lines;
         for (const store::NameCopy& copy : left)
@@ -79,13 +83,13 @@ void correctNames(檀家登Form& form, const store::tbl_danka& before, desk::Des
             u"次の写しは直せませんでした。同じ名前の記録がほかにあるか、どの檀家のものか決められません。画面で確"
             "かめて下さい。\n\n"_s +
                 lines.join(u'\n'),
-            title);
+            words.title);
     }
     // Those left were told of: they are not offered again.
     store::tbl_danka named = before;
-    named.tbldnk_nameg = form.held->tbldnk_nameg;
-    named.tbldnk_namek = form.held->tbldnk_namek;
-    offerCopies(form, named, desk, u"写し%1件の檀家名を直しました"_s.arg(found.size() - left.size()));
+    named.tbldnk_nameg = household->tbldnk_nameg;
+    named.tbldnk_namek = household->tbldnk_namek;
+    offerCopies(household, named, words, desk, u"写し%1件の檀家名を直しました"_s.arg(found.size() - left.size()));
 }
 
 } // namespace
@@ -122,9 +126,10 @@ std::optional<int> moveFamily(store::Database& database, const desk::Held<store:
     return static_cast<int>(members.size());
 }
 
-void offerCopies(檀家登Form& form, const store::tbl_danka& before, desk::Desk& desk, const QString& done) {
+void offerCopies(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
+                 const desk::Refusal& words, desk::Desk& desk, const QString& done) {
     store::Database database;
-    const store::tbl_danka& after = form.held.row();
+    const store::tbl_danka& after = household.row();
     QStringList texts;
     if (!done.isEmpty())
         texts << done;
@@ -132,13 +137,13 @@ void offerCopies(檀家登Form& form, const store::tbl_danka& before, desk::Desk
     if (const int members = membersLeftBehind(database, before, after)) {
         texts << u"家族%1人の住所・電話番号が前のままです"_s.arg(members);
         offers.push_back({u"家族も直す"_s, u"家族%1人も直す"_s.arg(members), u'F',
-                          [&form, &desk, before] { correctFamily(form, before, desk); }});
+                          [&household, &desk, before, words] { correctFamily(household, before, words, desk); }});
     }
     if (!sameNames(before, after)) {
-        if (const auto copies = store::findNameCopies(database, after.tbldnk_no1).size()) {
+        if (const auto copies = store::findNameCopies(database, renamed(before)).size()) {
             texts << u"家族・過去帳・法要・お墓の写し%1件の檀家名が前のままです"_s.arg(copies);
             offers.push_back({u"写しも直す"_s, u"写し%1件の檀家名も直す"_s.arg(copies), u'N',
-                              [&form, &desk, before] { correctNames(form, before, desk); }});
+                              [&household, &desk, before, words] { correctNames(household, before, words, desk); }});
         }
     }
     if (!texts.isEmpty())

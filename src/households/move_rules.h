@@ -18,10 +18,11 @@ int membersLeftBehind(store::Database& database, const store::tbl_danka& before,
 std::optional<int> moveFamily(store::Database& database, const desk::Held<store::tbl_danka>& household,
                               const store::tbl_danka& before, const desk::Refusal& words, desk::Desk& desk);
 
-// After a 更新 of 檀家登: offers in the bar what concerns the members left behind (家族n人も直す) and, where the
-// household's names changed, the rows that still bear the former ones (写しn件の檀家名も直す: after a copy of the
+// After a household was rewritten: offers in the bar what concerns the members left behind (家族n人も直す) and, where
+// the household's names changed, the rows that still bear the former ones (写しn件の檀家名も直す: after a copy of the
 // register, what hoshiren-db names --write does, for this household). Says done before. Offers nothing where nothing is
-// left.
-void offerCopies(檀家登Form& form, const store::tbl_danka& before, desk::Desk& desk, const QString& done = {});
+// left. The household must outlive the offers; messages bear the title of the words.
+void offerCopies(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
+                 const desk::Refusal& words, desk::Desk& desk, const QString& done = {});
 
 } // namespace households

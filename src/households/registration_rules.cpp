@@ -283,7 +283,7 @@ void UpdateHousehold(檀家登Form& form, desk::ScreenContext& context, desk::De
     context.publishHousehold(household);
     desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
     masters::CMB設定(database, masters::Category::地区, form.frm01_地区);
-    offerCopies(form, before, desk);
+    offerCopies(form.held, before, householdRefusal(), desk);
 }
 
 void DeleteHousehold(檀家登Form& form, desk::ScreenContext&, desk::Desk& desk) {

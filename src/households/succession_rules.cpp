@@ -1,6 +1,7 @@
 #include "households/succession_rules.h"
 
 #include "desk/save_attempt.h"
+#include "households/move_rules.h"
 #include "masters/master_rules.h"
 #include "store/row_rules.h"
 #include "store/table.h"
@@ -211,10 +212,16 @@ void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk:
         family.release();
         return desk::refused(standing, form.newHead, {title, notAMember}, desk);
     };
+    const store::tbl_danka before = form.held.row();
     // Compare both rows with the file before the first of the two writes.
     if (memberRefused() || !desk::change(form.held, database, {title, noHousehold}, desk,
                                          [&](store::tbl_danka& row) { writeHousehold(household, row); }))
         return;
+    // The names only: the address is the new head's own, the others' stay.
+    store::tbl_danka formerlyNamed = form.held.row();
+    formerlyNamed.tbldnk_nameg = before.tbldnk_nameg;
+    formerlyNamed.tbldnk_namek = before.tbldnk_namek;
+    offerCopies(form.held, formerlyNamed, {title, noHousehold}, desk);
     desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
     if (!desk::change(form.newHead, database, {title, notAMember}, desk,
                       [&](store::tbl_kazoku& row) { writeNewHead(household, row, desk.today()); }))

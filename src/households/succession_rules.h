@@ -34,7 +34,7 @@ struct Differences {
 Differences differences(const 代替当Form& form);
 // 更新: after a Yes writes the household that was opened in tbl_danka, then, as a second write, the new head's row of
 // tbl_kazoku; neither where household or member is other than read. Emptied optional fields (second address line, fax,
-// district, remarks) leave what is stored.
+// district, remarks) leave what is stored. After a change of names the bar offers to bring their copies into step.
 void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 家族一覧: hands the shown household over and opens its family list.
 void openFamilyOfSuccession(代替当Form& form, desk::ScreenContext& context, desk::Desk& desk);

@@ -96,7 +96,9 @@ BookingState bookingState(store::Database& database, const ServiceForm& form, co
 
 bool isScheduled(const store::tbl_hohyo& memorial) {
     return std::ranges::any_of(AnniversaryTable, [&](const Anniversary& anniversary) {
-        return memorial.tblhoy_kaiki_mei == QStringView(anniversary.label);
+        return memorial.tblhoy_kaiki_mei == QStringView(anniversary.label) &&
+               (!memorial.tblhoy_meiymd.isValid() ||
+                memorial.tblhoy_kaiki_yymd == anniversaryDate(anniversary, memorial.tblhoy_meiymd));
     });
 }
 

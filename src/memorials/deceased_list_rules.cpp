@@ -45,12 +45,14 @@ std::vector<ListedMemorial> memorialsOf(store::Database& database, const desk::S
 
 void fill(store::Database& database, 法要個Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     std::vector<ListedMemorial> memorials = memorialsOf(database, context);
+    calendar::EraTexts eras(database, desk);
+    for (ListedMemorial& row : memorials)
+        fillEraTexts(eras, row);
+    // Nothing is read from here on: the list is shown whole or stays as it was.
     form.frm21_tbl.rows.clear();
     form.frm21_tbl.highlighted = 0;
     form.scheduled.clear();
-    calendar::EraTexts eras(database, desk);
-    for (ListedMemorial& row : memorials) {
-        fillEraTexts(eras, row);
+    for (const ListedMemorial& row : memorials) {
         QStringList& cells = form.frm21_tbl.rows.emplace_back();
         for (const MemorialColumn& column : columns())
             cells << column.cell(row);

@@ -154,10 +154,7 @@ void openReservedService(法要一Form& form, desk::ScreenContext& context, desk
     if (!row)
         return;
     publishMemorial(*row, context);
-    desk.open(u"法要明"_s, desk::Opening::modal, [&form, &desk] {
-        // A booking taken back there would stay at the end of the first page, from where that page goes on.
-        form.list.firstNumber() == 1 ? form.showFirstPage(desk) : form.refill(desk);
-    });
+    desk.open(u"法要明"_s, desk::Opening::modal, [&form, &desk] { form.showPageAnew(desk); });
 }
 
 void openReservationHousehold(法要一Form& form, desk::ScreenContext& context, desk::Desk& desk) {

@@ -80,6 +80,7 @@ void layOutHolding(ui::Layout& layout, ui::Screen& screen, ServiceForm& form, co
         .button(u"実施日"_s, u"予約通り実施"_s, std::move(asBooked), u"実施日が予約日と同じ時に押して下さい"_s)
         .row(u"施主"_s)
         .list(listName, form.施主, 12, 5)
+        .isInput()
         .row(u"施主の続柄"_s)
         .combo(HOSHIREN_CONTROL(form, frm31_続柄), 8)
         .row(offeringLabel)
@@ -140,7 +141,8 @@ std::unique_ptr<ui::Screen> 法要外(ui::Workplace& workplace) {
         .text(HOSHIREN_CONTROL(form, frm31_hohyo_mei), 14)
         .row(u"法要日"_s)
         .shown(HOSHIREN_CONTROL(form, frm31_ygymd), 14);
-    layOutBooking(layout, *screen, form, u"予約日"_s, [] { return nullptr; });
+    layOutBooking(layout, *screen, form, u"予約日"_s,
+                  [raw] { return raw->form().registered ? &raw->form().registered.row() : nullptr; });
     layOutHolding(layout, *screen, form, u"関係者"_s, u"お布施"_s, [raw] { holdAsBooked(raw->form()); });
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerExtra))
         .gap()

@@ -12,7 +12,7 @@ struct Holder {
     QString kind;
     const char* table;
     const char* number;
-    const char* branch; // null where the rows of all branches are one
+    const char* branch; // null where no row tells its branch
     const char* nameg;
     const char* namek;
     const char* kanaidx;
@@ -30,14 +30,15 @@ const Holder holders[] = {
      "tblhak_no"},
 };
 
-// A row's household is every branch of its number or, where the row has a branch number that is there, that branch.
+// A row's household is every branch of its number or, where the row bears a branch number that is there, that branch.
+// The main household's 0 tells nothing: it stands in the rows of a branch's members, too.
 std::string selection(const Holder& holder, std::optional<std::int16_t> household) {
     const std::string nameg = std::string("ifnull(c.") + holder.nameg + ", '')";
     const std::string namek = std::string("ifnull(c.") + holder.namek + ", '')";
     std::string join = std::string("d.tbldnk_no1 = c.") + holder.number;
     if (holder.branch)
-        join += std::string(" AND (d.tbldnk_no2 = c.") + holder.branch +
-                " OR NOT EXISTS (SELECT 1 FROM tbl_danka WHERE tbldnk_no1 = c." + holder.number +
+        join += std::string(" AND (d.tbldnk_no2 = c.") + holder.branch + " OR ifnull(c." + holder.branch +
+                ", 0) = 0 OR NOT EXISTS (SELECT 1 FROM tbl_danka WHERE tbldnk_no1 = c." + holder.number +
                 " AND tbldnk_no2 = c." + holder.branch + "))";
     return std::string("SELECT c.rowid, c.") + holder.number + ", " + holder.name + ", " + nameg + ", " + namek +
            ", count(DISTINCT g || char(31) || k), min(g), min(k) FROM " + holder.table +
@@ -59,7 +60,13 @@ QString together(const QString& nameg, const QString& namek) {
     return u"%1（%2）"_s.arg(nameg, namek);
 }
 
-std::vector<Found> find(Database& database, std::optional<std::int16_t> household) {
+std::vector<Found> find(Database& database, const std::optional<Renamed>& renamed) {
+    std::optional<std::int16_t> household;
+    std::optional<tbl_danka> named; // as it is now
+    if (renamed) {
+        household = renamed->household;
+        named = find(database, idxdnk_no, renamed->household, renamed->branch);
+    }
     std::vector<Found> all;
     for (const Holder& holder : holders) {
         SQLite::Statement rows(database.engine(), selection(holder, household));
@@ -67,13 +74,16 @@ std::vector<Found> find(Database& database, std::optional<std::int16_t> househol
             return QString::fromUtf8(rows.getColumn(column).getText(), rows.getColumn(column).getBytes());
         };
         while (rows.executeStep()) {
-            const bool ambiguous = rows.getColumn(5).getInt() > 1;
+            const bool itsOwn = named && text(3) == renamed->nameg && text(4) == renamed->namek;
+            const bool ambiguous = !itsOwn && rows.getColumn(5).getInt() > 1;
+            const QString nameg = itsOwn ? named->tbldnk_nameg : text(6);
+            const QString namek = itsOwn ? named->tbldnk_namek : text(7);
             all.push_back({{holder.kind, text(2), rows.getColumn(1).getInt(), together(text(3), text(4)),
-                            ambiguous ? QString() : together(text(6), text(7)), ambiguous},
+                            ambiguous ? QString() : together(nameg, namek), ambiguous},
                            &holder,
                            rows.getColumn(0).getInt64(),
-                           text(6),
-                           text(7)});
+                           nameg,
+                           namek});
         }
     }
     std::stable_sort(all.begin(), all.end(),
@@ -90,17 +100,17 @@ QStringList kindsOfNameCopies() {
     return kinds;
 }
 
-std::vector<NameCopy> findNameCopies(Database& database, std::optional<std::int16_t> household) {
+std::vector<NameCopy> findNameCopies(Database& database, const std::optional<Renamed>& renamed) {
     std::vector<NameCopy> copies;
-    for (Found& found : find(database, household))
+    for (Found& found : find(database, renamed))
         copies.push_back(std::move(found.copy));
     return copies;
 }
 
-std::vector<NameCopy> writeNameCopies(Database& database, std::optional<std::int16_t> household) {
+std::vector<NameCopy> writeNameCopies(Database& database, const std::optional<Renamed>& renamed) {
     std::vector<NameCopy> left;
     Write write(database);
-    for (Found& found : find(database, household)) {
+    for (Found& found : find(database, renamed)) {
         const Holder& holder = *found.holder;
         bool written = false;
         if (!found.copy.ambiguous) {

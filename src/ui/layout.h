@@ -108,6 +108,8 @@ class Layout {
     // chosen runs on a click and on Enter.
     Layout& list(const QString& name, desk::List& value, int width, int lines, const Operation& chosen = {},
                  const QString& heading = {});
+    // What is chosen in the list declared last belongs to the record: unsaved it is kept as what is typed.
+    Layout& isInput();
     // The last lists scroll together and show the same line as chosen; only the first of them is in the tab order.
     Layout& parallel(int lists);
     // With a button 今日 (F2 in any of the boxes; not in the tab order, where Enter would press it) and a label that

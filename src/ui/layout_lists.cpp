@@ -31,6 +31,16 @@ class ListBox : public QListWidget {
     }
 
   protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        QListWidget::mousePressEvent(event);
+        pressed_ = chosenRow();
+    }
+    // A mouse that slips to another line between press and release chooses that one without a click.
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        QListWidget::mouseReleaseEvent(event);
+        if (chosen && chosenRow() >= 0 && chosenRow() != pressed_)
+            chosen();
+    }
     void keyPressEvent(QKeyEvent* event) override {
         const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
         if (enter && chosen && currentRow() >= 0) {
@@ -42,6 +52,9 @@ class ListBox : public QListWidget {
         if (chosen && chosenRow() >= 0 && chosenRow() != before)
             chosen();
     }
+
+  private:
+    int pressed_ = -1;
 };
 
 } // namespace
@@ -96,6 +109,13 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
     }
     lists_.push_back(box);
     last_ = box;
+    return *this;
+}
+
+Layout& Layout::isInput() {
+    auto& list = static_cast<desk::List&>(*screen_.lastBinding().control);
+    screen_.lastBinding().typed = [&list] { return list.currentText(); };
+    screen_.lastBinding().type = [&list](const QString& text) { list.choose(text); };
     return *this;
 }
 

@@ -52,7 +52,7 @@ void addList(Layout& layout, Screen& screen, desk::AnyList& list, const Operatio
     layout.frame().row().grid(HOSHIREN_CONTROL(list, frm21_tbl),
                               {.clicked = [&screen, &list] { list.click(screen.context(), screen.desk()); },
                                .opened = opened,
-                               .nextPage = next(screen, list),
+                               .nextPage = [&screen, &list] { list.scrollOn(screen.desk()); },
                                .previousPage = [&screen, &list] { list.scrollBack(screen.desk()); }},
                               desk::pageRows);
     addPlace(layout, screen, list);

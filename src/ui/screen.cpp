@@ -170,10 +170,11 @@ void Screen::askForRecord(const Operation& part) {
     part();
 }
 
-void Screen::operate(const Operation& operation) {
+bool Screen::operate(const Operation& operation) {
     if (busy_)
-        return;
+        return false;
     busy_ = true;
+    bool done = true;
     handedOver_ = false;
     informed_.clear();
     offers_.clear();
@@ -186,6 +187,7 @@ void Screen::operate(const Operation& operation) {
     try {
         operation();
     } catch (const std::exception& failure) {
+        done = false;
         const bool partly = store::writesCommitted() != writes;
         desk_->notify(partly ? store::explainAfterWrite(failure) : store::explain(failure), title_,
                       desk::Icon::exclamation);
@@ -212,6 +214,7 @@ void Screen::operate(const Operation& operation) {
     refreshBar();
     if (closing_)
         close();
+    return done;
 }
 
 void Screen::applyTabOrder() {

@@ -70,7 +70,8 @@ class Screen : public QWidget {
     void searchedBy(SearchBox* box) { searchBox_ = box; }
     SearchBox* searchBox() const { return searchBox_; }
     // Runs an operation. During one, further events of the screen are left out and it refuses to close.
-    void operate(const Operation& operation);
+    // False when it failed, which was told, or was left out.
+    bool operate(const Operation& operation);
     bool operating() const { return busy_; }
     // What changes in the widgets now is what the form holds.
     bool filling() const { return filling_; }

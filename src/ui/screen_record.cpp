@@ -343,7 +343,15 @@ void Screen::barPressed(NoticeAction action) {
 
 void Screen::offerTaken(const Operation& run) {
     const int shown = subject_.record ? subject_.record().showing() : 0;
-    operate(run);
+    QString offeredWith = informed_;
+    std::vector<desk::Offer> offers = offers_;
+    if (!operate(run)) {
+        // It was not carried out: it can be tried again.
+        informed_ = std::move(offeredWith);
+        offers_ = std::move(offers);
+        refreshBar();
+        return;
+    }
     if (!subject_.record || subject_.record().showing() == shown)
         return;
     // The record stands again, or as it was: it is read anew with all that the screen shows of it.
