@@ -198,6 +198,12 @@ TEST_F(GraveScreens, AReceiptTakesFourPresses) {
     QTest::mouseDClick(view.viewport(), Qt::LeftButton, {}, tick);
     EXPECT_EQ(ticks(1), u"☐☑"_s);
     EXPECT_FALSE(workplace->find(u"お墓登"_s));
+    // Ticks that would lie out of sight stand in front.
+    for (const auto& [width, place] : {std::pair(500, 1), {3000, 14}, {500, 1}}) {
+        view.setFixedWidth(width);
+        QTRY_COMPARE(view.horizontalHeader()->visualIndex(14), place);
+        EXPECT_EQ(ticks(1), u"☐☑"_s);
+    }
 }
 
 TEST_F(GraveScreens, CopyButtonsAndMarksWork) {
