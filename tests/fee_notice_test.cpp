@@ -165,12 +165,11 @@ TEST_F(FeeNotices, AReceiptMovesTwoDatesOfTheTickedGravesAndCanBeTakenBack) {
     EXPECT_EQ(desk.informed, (QStringList{u"管理番号 4は廃棄したお墓のため、受領にできません。"_s,
                                           u"管理番号 5は檀家さんに紐付いていないため、受領にできません。"_s}));
     form.count();
-    EXPECT_EQ(form.合計表示.text,
-              u"合計 48,000円（金額の登録がないお墓 1件）　受領 2件 12,000円（金額の登録がないお墓 1件）"_s);
+    EXPECT_EQ(form.合計表示.text, u"合計 48,000円（金額なし 1件）　受領 2件 12,000円（金額なし 1件）"_s);
     const QString rest = u"SELECT tblhak_no, tblhak_dnk_no, tblhak_shiyo_jrymd, tblhak_kanri_ryokin, "
                          "tblhak_haiki_kbn, tblhak_biko, tblhak_add_ymd FROM tbl_ohaka ORDER BY 1"_s;
     const QString before = query(rest);
-    const QString two = u"2件、合計 12,000円（金額の登録がないお墓 1件）"_s;
+    const QString two = u"2件、合計 12,000円（金額なし 1件）"_s;
     desk.answer(two + asked, title, false);
     receiveFees(form, context, desk);
     EXPECT_EQ(receipts(), QString());

@@ -39,7 +39,7 @@ void FeeSum::add(const store::tbl_ohaka& grave) {
 
 QString sumText(const FeeSum& sum) {
     const QString yen = values::moneyText(sum.yen) + u'円';
-    return sum.without == 0 ? yen : yen + u"（金額の登録がないお墓 %1件）"_s.arg(sum.without);
+    return sum.without == 0 ? yen : yen + u"（金額なし %1件）"_s.arg(sum.without);
 }
 
 QString whyNotReceived(const store::tbl_ohaka& grave) {

@@ -1,5 +1,6 @@
 #include "ui/grid_view.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
 
@@ -47,6 +48,21 @@ void GridView::keyPressEvent(QKeyEvent* event) {
         grid_.tickColumns, [this](int column) { return cell(grid_.highlighted, column) != desk::noTick; });
     const bool last = event->modifiers().testFlag(Qt::ShiftModifier) || first == grid_.tickColumns.end();
     clickRow(grid_.highlighted, last ? grid_.tickColumns.back() : *first);
+}
+
+// Runs whenever the view or a column has got another width.
+void GridView::updateGeometries() {
+    RowTable::updateGeometries();
+    QHeaderView& header = *horizontalHeader();
+    if (header.count() != std::ssize(grid_.columns))
+        return;
+    const bool inFront = header.length() > viewport()->width();
+    int place = inFront ? 0 : header.count() - static_cast<int>(grid_.tickColumns.size());
+    for (const int column : grid_.tickColumns) {
+        if (header.visualIndex(column) != place)
+            header.moveSection(header.visualIndex(column), place);
+        ++place;
+    }
 }
 
 // The second click on a tick is one more click, and opens nothing.

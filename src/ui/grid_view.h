@@ -5,7 +5,8 @@
 
 namespace ui {
 
-// Shows a desk::Grid, its blank rows included.
+// Shows a desk::Grid, its blank rows included. Where the columns are wider than the view, the ticks stand in front of
+// the others, so that a row is ticked and read without scrolling.
 class GridView : public RowTable {
   public:
     using RowTable::RowTable;
@@ -20,6 +21,7 @@ class GridView : public RowTable {
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void updateGeometries() override;
 
   private:
     desk::Grid grid_;

@@ -1,5 +1,6 @@
 #include "ui/list_view.h"
 
+#include "ui/plain_text.h"
 #include "ui/printed_list.h"
 
 #include <QLabel>
@@ -19,15 +20,18 @@ Operation previous(Screen& screen, desk::AnyList& list) {
     return [&screen, &list] { list.previousPage(screen.desk()); };
 }
 
+QLabel* addText(Layout& layout, const QString& name) {
+    QLabel* text = plainLabel();
+    text->setObjectName(name);
+    layout.widget(text);
+    return text;
+}
+
 // Shows the total once the page stands on the screen: counting may take longer than reading a page.
 void addPlace(Layout& layout, Screen& screen, desk::AnyList& list) {
-    layout.row().note({}, u"件数表示"_s);
-    auto* label = static_cast<QLabel*>(layout.last());
-    QLabel* sum = nullptr;
-    if (list.sumsUp()) {
-        layout.note({}, u"合計表示"_s);
-        sum = static_cast<QLabel*>(layout.last());
-    }
+    layout.row();
+    QLabel* label = addText(layout, u"件数表示"_s);
+    QLabel* sum = list.sumsUp() ? addText(layout, u"合計表示"_s) : nullptr;
     const auto show = [label, sum, &list] {
         label->setText(list.件数表示.text);
         if (sum)
