@@ -115,6 +115,11 @@ class Screen::ScreenDesk : public desk::Desk {
     void offer(const QString& text, std::vector<desk::Offer> offers) override {
         screen_.informed_ = text;
         screen_.offers_ = std::move(offers);
+        screen_.about_.clear();
+    }
+    void hint(const QString& text, std::vector<const desk::Control*> about, std::vector<desk::Offer> offers) override {
+        offer(text, std::move(offers));
+        screen_.about_ = std::move(about);
     }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
@@ -134,6 +139,10 @@ class Screen::ScreenDesk : public desk::Desk {
         screen_.showForm();
         if (!screen_.isVisible())
             screen_.show();
+        if (screen_.informed_.isEmpty())
+            return;
+        screen_.refreshBar();
+        screen_.layout()->activate();
     }
 
     Screen& screen_;
@@ -177,6 +186,7 @@ void Screen::operate(const Operation& operation) {
     handedOver_ = false;
     informed_.clear();
     offers_.clear();
+    about_.clear();
     readForm();
     for (const auto& prepare : prepare_)
         prepare();
@@ -230,6 +240,11 @@ void Screen::open() {
 
 void Screen::bind(Binding binding) {
     binding.widget->installEventFilter(this);
+    if (auto* edit = qobject_cast<QLineEdit*>(binding.widget))
+        connect(edit, &QLineEdit::textChanged, this, [this, control = binding.control] {
+            if (!busy_ && !filling_ && std::ranges::find(about_, control) != about_.end())
+                say({});
+        });
     bindings_.push_back(std::move(binding));
 }
 
@@ -306,11 +321,13 @@ void Screen::operateQuietly(const Operation& run) {
     const auto before = marks();
     QString told = informed_;
     std::vector<desk::Offer> offers = offers_;
+    std::vector<const desk::Control*> about = about_;
     operate(run);
     if (!informed_.isEmpty() || marks() != before)
         return;
     informed_ = std::move(told);
     offers_ = std::move(offers);
+    about_ = std::move(about);
     refreshBar();
 }
 

@@ -202,7 +202,8 @@ class Screen : public QWidget {
     std::optional<Asked> asked_;
     desk::AskedRecord listed_; // what a screen without a record of its own lists
     QString informed_;
-    std::vector<desk::Offer> offers_;  // beside what was told
+    std::vector<desk::Offer> offers_;         // beside what was told
+    std::vector<const desk::Control*> about_; // boxes that what was told holds for as they are
     QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;
