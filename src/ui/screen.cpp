@@ -220,7 +220,7 @@ void Screen::operate(const Operation& operation) {
     if (std::exchange(lookAgain_, false))
         lookAtFile();
     refreshBar();
-    if (closing_)
+    if (std::exchange(closing_, false) && (!mayClose_ || mayClose_()))
         close();
 }
 
@@ -356,11 +356,19 @@ bool Screen::event(QEvent* event) {
             refreshBar();
         }
     }
+    if (event->type() == QEvent::WindowDeactivate)
+        showAltKeys(false);
+    followAlt(event);
     return QWidget::event(event);
 }
 
 void Screen::closeEvent(QCloseEvent* event) {
     if (busy_) {
+        event->ignore();
+        return;
+    }
+    // By the window's frame, as 終了 does it.
+    if (event->spontaneous() && mayClose_ && !mayClose_()) {
         event->ignore();
         return;
     }
@@ -372,9 +380,17 @@ void Screen::closeEvent(QCloseEvent* event) {
 }
 
 bool Screen::eventFilter(QObject* watched, QEvent* event) {
+    followAlt(event);
     switch (event->type()) {
     case QEvent::InputMethod:
         watched->setProperty("composing", !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty());
+        break;
+    case QEvent::ShortcutOverride:
+        // While the input method composes, every key is its own.
+        if (composing(watched)) {
+            event->accept();
+            return true;
+        }
         break;
     case QEvent::FocusIn:
         // What the mouse reaches is in sight, and must not move away under it.
