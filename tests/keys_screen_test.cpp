@@ -141,7 +141,7 @@ TEST_F(Keys, EscapeEndsWhatIsInFrontAndLosesNothing) {
     EXPECT_EQ(workplace->drafts.all().size(), 1U);
 
     // The last window with an unsaved input.
-    const QString question = u"保存していない入力があります。終了すると消えます。終了しますか？"_s;
+    const QString question = u"保存していない入力があります。\n終了すると消えます。終了しますか？"_s;
     auto& search = control<QLineEdit>(menu, u"さがす"_s);
     search.setEnabled(true);
     search.setFocus();

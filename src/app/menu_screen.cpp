@@ -247,7 +247,7 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
         bool close = !workplace.isLast(*menu) || workplace.drafts.all().empty();
         if (!close)
             menu->operate([menu, &close] {
-                close = menu->desk().ask(u"保存していない入力があります。終了すると消えます。終了しますか？"_s,
+                close = menu->desk().ask(u"保存していない入力があります。\n終了すると消えます。終了しますか？"_s,
                                          menu->title(), desk::Preset::no);
             });
         return close;

@@ -48,6 +48,7 @@ const QString others = u"1234567890QACEGHIJKLMPSTUWXY"_s;
 // Those of the bar at the top, and of what is offered in it: B D F N O R V Z.
 
 constexpr int side = 7;  // between the badge and the button's edge
+constexpr int plate = 3; // around a character; it stands as far to the right as it can
 constexpr int apart = 4; // at least, between caption and badge
 
 QColor mixed(const QColor& one, const QColor& other, double share) {
@@ -132,9 +133,10 @@ void KeyButton::paintEvent(QPaintEvent*) {
     caption.rect = style()->subElementRect(QStyle::SE_PushButtonContents, &option, this);
     // The caption stays in the middle where there is room beside it, and else gives way to the left.
     const int width = badgeWidth();
+    const int edge = characterShown_ ? plate + 1 : side;
     const int free = (this->width() - textWidth()) / 2;
     if (width > 0)
-        caption.rect.translate(-std::clamp(width + side + apart - free, 0, std::max(0, free - apart)), 0);
+        caption.rect.translate(-std::clamp(width + edge + apart - free, 0, std::max(0, free - plate)), 0);
     painter.drawControl(QStyle::CE_PushButtonLabel, caption);
     if (option.state & QStyle::State_HasFocus) {
         QStyleOptionFocusRect focus;
@@ -145,15 +147,14 @@ void KeyButton::paintEvent(QPaintEvent*) {
     if (width == 0)
         return;
     const int height = QFontMetrics(badgeFont()).height();
-    QRect place(this->width() - side - width, (this->height() - height) / 2, width, height);
+    QRect place(this->width() - edge - width, (this->height() - height) / 2, width, height);
     painter.setFont(badgeFont());
     const QColor text = palette().color(QPalette::ButtonText);
     if (characterShown_) {
-        const QRect plate = place.adjusted(-3, -1, 3, 0);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setBrush(QColor(255, 246, 214));
         painter.setPen(QColor(170, 150, 90));
-        painter.drawRoundedRect(plate, 3, 3);
+        painter.drawRoundedRect(place.adjusted(-plate, -1, plate, 0), 3, 3);
         painter.setPen(isEnabled() ? QColor(60, 48, 0) : text);
     } else {
         painter.setPen(mixed(text, palette().color(QPalette::Button), 0.7));

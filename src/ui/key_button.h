@@ -12,6 +12,8 @@ namespace ui {
 class KeyButton : public QPushButton {
   public:
     explicit KeyButton(const QString& caption);
+    // Shows a key that somebody else sees to.
+    KeyButton(const QString& caption, Qt::Key key) : QPushButton(caption), key_(key) {}
 
     // Whether what the caption says has keys of its own on every screen.
     bool isKnown() const { return !known_.isNull(); }
