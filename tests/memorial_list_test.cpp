@@ -252,6 +252,37 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     EXPECT_TRUE(context.kak_handedOver);
 }
 
+TEST_F(MemorialLists, TheFirstRowThatIsDueComesIntoSight) {
+    execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '山田', '故人')"_s);
+    context.publishHousehold(7);
+    context.nameDeceased(u"山田"_s, u"故人"_s);
+    const QString past = u"(7, '故人', '2025-01-01', NULL, '1', 0, 0, NULL, NULL)"_s;
+    const QString heldEarly = u", (7, '故人', '2026-12-01', '2026-11-01', '1', 9, 0, '2026-11-01', NULL)"_s;
+    const struct {
+        QString rows;
+        int row;
+    } cases[] = {
+        {past, 0},
+        {past + heldEarly, 0},
+        {past + heldEarly + u", (7, '故人', '2027-01-01', NULL, '1', 0, 0, NULL, NULL)"_s, 3},
+        {past + u", (7, '故人', '2026-11-22', NULL, '1', 0, 0, NULL, NULL)"_s, 2},
+        // Booked for a day to come, though its own has passed.
+        {past + heldEarly + u", (7, '故人', '2026-11-01', '2026-12-06', '1', 9, 0, NULL, NULL)"_s, 2},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.rows.toStdString());
+        execute(u"DELETE FROM tbl_hohyo"_s);
+        add(one.rows);
+        法要個Form ofDeceased;
+        beginDeceasedMemorials(ofDeceased, context, desk);
+        EXPECT_EQ(ofDeceased.frm21_tbl.inSight, one.row);
+        法要檀Form ofHousehold;
+        beginHouseholdMemorials(ofHousehold, context, desk);
+        EXPECT_EQ(ofHousehold.frm21_tbl.inSight, one.row);
+        EXPECT_EQ(ofHousehold.frm21_tbl.highlighted + ofDeceased.frm21_tbl.highlighted, 0);
+    }
+}
+
 TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {
     const QString title = u"檀家法要一覧"_s;
     const QString none = u"照会の檀家に法要はありません。登録内容を確認して下さい"_s;

@@ -118,6 +118,37 @@ TEST_F(MemorialScreens, TheThirteenthAnniversariesTakeFewPresses) {
     EXPECT_EQ(cell(list, u"frm21_tbl"_s, 2, 9) + cell(list, u"frm21_tbl"_s, 3, 9), u"☐－"_s);
 }
 
+TEST_F(MemorialScreens, TheNextDueRowIsInSightAndNotChosen) {
+    execute(uR"(DELETE FROM tbl_hohyo;
+        WITH RECURSIVE n(i, day) AS (SELECT 1, '2024-06-22' UNION ALL SELECT i + 1, date(day, '+1 month') FROM n
+          WHERE i < 60) INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_yymd)
+          SELECT 7, '山田', i, day FROM n)"_s);
+    workplace->context.publishHousehold(7);
+    const QString name = u"法要檀"_s;
+    ui::Screen& shown = open(name);
+    auto& grid = control<QTableView>(name, u"frm21_tbl"_s);
+    const auto inSight = [&](int row) {
+        return grid.viewport()->rect().contains(grid.visualRect(grid.model()->index(row - 1, 0)));
+    };
+    // The thirtieth month is November 2026.
+    for (const int height : {500, 380}) {
+        shown.resize(shown.width(), height);
+        EXPECT_TRUE(inSight(30)) << height;
+        EXPECT_FALSE(inSight(1));
+    }
+    EXPECT_FALSE(grid.currentIndex().isValid());
+    EXPECT_EQ(cell(name, u"frm21_tbl"_s, 1, 0), u"1"_s);
+    // Whoever reads on by keys begins each page at its top, whoever has scrolled stays there.
+    grid.setFocus();
+    for (int key = 0; key < 9 && cell(name, u"frm21_tbl"_s, 1, 0) == u"1"_s; ++key)
+        QTest::keyClick(&grid, Qt::Key_PageDown);
+    EXPECT_EQ(cell(name, u"frm21_tbl"_s, 1, 0), u"30"_s);
+    EXPECT_TRUE(inSight(1));
+    QTest::keyClick(&grid, Qt::Key_End);
+    shown.resize(shown.width(), 400);
+    EXPECT_FALSE(inSight(1));
+}
+
 TEST_F(MemorialScreens, AScreenLeftOpenKeepsItsDeceased) {
     const QString extra = u"法要外"_s;
     workplace->context.publishHousehold(7);

@@ -2,6 +2,7 @@
 
 #include "calendar/eras.h"
 #include "store/database.h"
+#include "ui/key_button.h"
 #include "ui/layout.h"
 #include "ui/plain_text.h"
 #include "ui/search_box.h"
@@ -12,7 +13,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -91,17 +91,17 @@ QFont scaled(const QWidget& widget, double factor) {
 }
 
 // Large where there is room for it.
-class MenuButtonWidget : public QPushButton {
+class MenuButtonWidget : public ui::KeyButton {
   public:
-    MenuButtonWidget(const QString& name, const QString& caption, const QFont& font) : QPushButton(caption) {
+    MenuButtonWidget(const QString& name, const QString& caption, const QFont& font) : KeyButton(caption) {
         setObjectName(name);
         setFont(font);
         setAutoDefault(false);
         setMinimumHeight(38);
         setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
     }
-    QSize sizeHint() const override { return QPushButton::sizeHint().expandedTo({210, 48}); }
-    QSize minimumSizeHint() const override { return QPushButton::sizeHint().expandedTo({150, 38}); }
+    QSize sizeHint() const override { return KeyButton::sizeHint().expandedTo({210, 48}); }
+    QSize minimumSizeHint() const override { return KeyButton::sizeHint().expandedTo({150, 38}); }
 };
 
 // The groups of buttons: four across with one button in a line, and where the window does not hold them, two across.
@@ -123,6 +123,7 @@ class Groups : public QWidget {
                     menu.operate([&menu, target] { menu.desk().open(target); });
                 });
                 menu.addToTabOrder(widget);
+                menu.addKeyButton(widget);
                 group.buttons.push_back(widget);
             }
             groups_.push_back(std::move(group));
@@ -241,6 +242,16 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     menu->asksForNoRecord();
     menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); }, [&workplace] { workplace.showDraft(); });
+    // Unsaved inputs last as long as the program runs: with Esc, a key is enough to end it.
+    menu->onClosing([menu, &workplace] {
+        bool close = !workplace.isLast(*menu) || workplace.drafts.all().empty();
+        if (!close)
+            menu->operate([menu, &close] {
+                close = menu->desk().ask(u"保存していない入力があります。\n終了すると消えます。終了しますか？"_s,
+                                         menu->title(), desk::Preset::no);
+            });
+        return close;
+    });
     menu->onOpen([menu] {
         menu->context().G初期値();
         menu->context().dnk_no1 = 0;

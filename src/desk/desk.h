@@ -9,6 +9,8 @@
 
 namespace desk {
 
+struct Control;
+
 enum class Icon { none, exclamation };
 enum class Opening { modeless, modal };
 // The answer of a question that Enter gives: いいえ where はい would destroy something.
@@ -44,6 +46,12 @@ class Desk {
     virtual void inform(const QString& text) = 0;
     // The same with what follows from it, if the user likes; a desk without buttons only tells.
     virtual void offer(const QString& text, [[maybe_unused]] std::vector<Offer> offers) { inform(text); }
+
+    // The same about what stands in some boxes: it goes as soon as one of them is typed into.
+    virtual void hint(const QString& text, [[maybe_unused]] std::vector<const Control*> about,
+                      std::vector<Offer> offers) {
+        offer(text, std::move(offers));
+    }
 
     virtual QDate today() const = 0;
 

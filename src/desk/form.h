@@ -77,6 +77,7 @@ struct Grid : Control {
     std::vector<QStringList> rows; // data rows written
     int blankRows = 30;            // rows shown at least, empty ones included
     int highlighted = 0;           // row on the highlight colour (128, 255, 128), 0 none
+    int inSight = 0;               // row that is scrolled into sight when the rows are shown, not chosen; 0 none
     int clickedRow = 0;            // of the user's last click; a click below the last row counts as the row after it
     int clickedColumn = 0;
     // Their cells are ticks. Space on the highlighted row is a click on its first tick that can be turned over, Shift

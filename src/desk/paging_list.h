@@ -58,9 +58,17 @@ template <class Row, class Key> struct ListDescription {
     std::function<void(const std::vector<Row>&)> shown = {};
     // Whether the file still holds the row; asked at each fill of the one selected, which is let go when it does not.
     std::function<bool(const Row&)> exists = {};
+    // Whether a row is still to come on this day: the first of them on a page is scrolled into sight.
+    std::function<bool(const Row&, QDate)> due = {};
     std::size_t tableSlots = 10; // of each page table
     QString outOfRange = QStringLiteral("有功範囲外を指定しています。やり直して下さい");
 };
+
+// Counted from 1; 0 where none is due.
+template <class Row, class Due> int firstDue(const std::vector<Row>& rows, const Due& due, QDate today) {
+    const auto first = std::ranges::find_if(rows, [&](const Row& row) { return due(row, today); });
+    return first == rows.end() ? 0 : static_cast<int>(first - rows.begin()) + 1;
+}
 
 // A selection shown thirty rows a page. Between pages only key values are held: every fill reads anew, from the first
 // record at or after the position. Each page after the first begins with the last row of the page before.
@@ -93,7 +101,7 @@ template <class Row, class Key> class PagingList {
         for (std::size_t at = 0; at < description_.ticks.size(); ++at)
             grid.tickColumns.push_back(static_cast<int>(firstTicks() + at));
         grid.rows.clear();
-        grid.highlighted = 0;
+        grid.highlighted = grid.inSight = 0;
     }
 
     // Sets where the list begins and puts the position there.
@@ -353,6 +361,8 @@ template <class Row, class Key> class PagingList {
         setUp(grid);
         for (const Row& row : page)
             grid.rows.push_back(cells(row));
+        if (description_.due)
+            grid.inSight = firstDue(page, description_.due, desk.today());
         toldNothing_ = false;
         firstNumber_ = number ? number : numberFromPageShown(page);
         rows_ = std::move(page);

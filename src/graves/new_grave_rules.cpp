@@ -60,6 +60,18 @@ void beginNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk
     lookUpGrave(form, context, desk);
 }
 
+void newGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    desk::ScreenContext nothing = context;
+    nothing.hak_no = 0;
+    お墓新Form empty;
+    beginNewGrave(empty, nothing, desk);
+    // The number is issued by 登録.
+    empty.frm13_haka_no.keyboard = false;
+    empty.frm13_banchi1.keyboard = true;
+    context = std::move(nothing);
+    form = std::move(empty);
+}
+
 void lookUpGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     store::Database database;
     const auto grave = findGrave(database, form.frm13_haka_no);

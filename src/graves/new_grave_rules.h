@@ -14,6 +14,8 @@ struct お墓新Form : GraveFields {
 
 // Shows the context's grave (hak_no) when it is not 0.
 void beginNewGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 新規: empties the screen as for an opening without a grave, hak_no included.
+void newGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 照会; sets hak_no.
 void lookUpGrave(お墓新Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // 登録: proposes a number (number box, hak_no), checks, asks, writes the grave and commits the number. A number that is

@@ -20,6 +20,7 @@ std::unique_ptr<ui::Screen> お墓新(ui::Workplace& workplace) {
                    screen->run(lookUpGrave));
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(registerGrave))
         .updating(u"更新"_s, u"更新"_s, screen->run(updateGrave))
+        .action(u"新規"_s, u"新規"_s, screen->run(newGrave))
         .gap()
         .action(u"削除"_s, u"削除"_s, screen->run(removeGrave))
         .closing()

@@ -11,6 +11,8 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace households {
@@ -109,6 +111,39 @@ std::optional<std::int16_t> proposedNumber(store::Database& database, desk::Desk
     }
 }
 
+QString digitsOf(const QString& text) {
+    QString digits;
+    for (const QChar c : text) {
+        if (c.digitValue() >= 0)
+            digits += QString::number(c.digitValue());
+    }
+    return digits;
+}
+
+// Tells in the bar of a household with the same name and, digit by digit, the same telephone. Names are not indexed: of
+// some ten thousand rows each is looked at, but only those of the name are read.
+void tellOfSame(store::Database& database, 檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    const QString telephone = digitsOf(form.frm01_tel.text);
+    if (telephone.isEmpty())
+        return;
+    std::vector<store::tbl_danka> same =
+        store::selectAll<store::tbl_danka>(database, "WHERE tbldnk_nameg = ?", form.frm01_dankag.text);
+    std::erase_if(same, [&](const store::tbl_danka& row) { return digitsOf(row.tbldnk_tel) != telephone; });
+    if (same.empty())
+        return;
+    const store::tbl_danka& first = same.front();
+    const QString more = same.size() > 1 ? u"（ほか%1件）"_s.arg(same.size() - 1) : QString();
+    desk.hint(u"同じ檀家名と電話番号の檀家があります：%1 %2 %3%4"_s.arg(desk::labelOf(first), first.tbldnk_nameg,
+                                                                        first.tbldnk_toshug, more),
+              {&form.frm01_dankag, &form.frm01_tel},
+              {{u"同じ檀家"_s, u"表示"_s, u'O',
+                [&form, &context, &desk, numbers = Numbers{first.tbldnk_no1, first.tbldnk_no2}] {
+                    form.frm01_no.text = QString::number(numbers.no1);
+                    form.frm01_eno.text = QString::number(numbers.no2);
+                    LoadHousehold(form, context, desk);
+                }}});
+}
+
 } // namespace
 
 desk::Refusal householdRefusal() {
@@ -203,6 +238,18 @@ void loadBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& d
         LoadHousehold(form, context, desk);
 }
 
+void newHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
+    desk::ScreenContext nothing = context;
+    nothing.publishHousehold(desk::HouseholdBlock());
+    檀家登Form empty;
+    loadBranch(empty, nothing, desk);
+    // The number is issued by 登録.
+    empty.frm01_no.keyboard = empty.frm01_no.whole = false;
+    empty.frm01_dankag.keyboard = true;
+    context = std::move(nothing);
+    form = std::move(empty);
+}
+
 void LoadHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk) {
     const auto numbers = numbersOf(form);
     if (!numbers) {
@@ -230,8 +277,10 @@ void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::
         return;
     form.frm01_no.text = QString::number(*number);
     form.frm01_eno.text = u"0"_s;
-    if (!checked(form, context, desk) ||
-        !desk.ask(u"入力された内容で檀家さんを登録します。内容を確認して下さい。"_s, title))
+    if (!checked(form, context, desk))
+        return;
+    tellOfSame(database, form, context, desk);
+    if (!desk.ask(u"入力された内容で檀家さんを登録します。内容を確認して下さい。"_s, title))
         return;
     context.publishHousehold(typedHousehold(form, {*number, 0}));
 

@@ -51,7 +51,10 @@ void loadBranch(檀家登Form& form, desk::ScreenContext& context, desk::Desk& d
 // 照会: reads the household of frm01_no and frm01_eno, which are then shown as plain numbers and become dnk_no1 and
 // dnk_no2, into form and context, and lists its graves in use. When there is none the form keeps what it showed.
 void LoadHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
-// 登録: issues a number, inserts the household and says so in the bar.
+// 新規: empties the screen as for an opening without a household; the context names none.
+void newHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
+// 登録: issues a number, inserts the household and says so in the bar. Where a household has the same name and
+// telephone already, the bar tells of it before the question.
 void RegisterHousehold(檀家登Form& form, desk::ScreenContext& context, desk::Desk& desk);
 // The words in which 檀家登 refuses a household that is other than held.
 desk::Refusal householdRefusal();

@@ -74,6 +74,7 @@ std::unique_ptr<ui::Screen> 檀家登(ui::Workplace& workplace) {
     };
     layout.mainAction(u"登録"_s, u"登録"_s, screen->run(RegisterHousehold))
         .updating(u"更新"_s, u"更新"_s, screen->run(UpdateHousehold))
+        .action(u"新規"_s, u"新規"_s, screen->run(newHousehold))
         .gap()
         .action(u"家族一覧"_s, u"家族一覧"_s, opener(u"家族一"_s))
         .action(u"家族登録"_s, u"家族登録"_s, opener(u"家族登"_s))

@@ -58,6 +58,7 @@ void fill(store::Database& database, 法要個Form& form, desk::ScreenContext& c
             cells << column.cell(row);
         form.scheduled.push_back(row.tblhoy_kaiki_yymd);
     }
+    form.frm21_tbl.inSight = desk::firstDue(memorials, isDue, desk.today());
     form.count();
     if (form.selected.isValid() && std::ranges::find(form.scheduled, form.selected) == form.scheduled.end()) {
         form.selected = {};

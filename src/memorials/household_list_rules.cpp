@@ -63,6 +63,7 @@ bool publishSelected(const 法要檀Form& form, desk::ScreenContext& context) {
                 .key = [](ListedRow row) { return row.tblhoy_kaiki_yymd; },
                 .complete = complete,
                 .exists = [](ListedRow row) { return memorialExists(row); },
+                .due = isDue,
                 .tableSlots = pagesRemembered},
                QDate(values::firstYear, 1, 1)) {}
 

@@ -27,6 +27,11 @@ bool memorialExists(const store::tbl_hohyo& row) {
         .has_value();
 }
 
+bool isDue(const store::tbl_hohyo& row, QDate today) {
+    return !store::isHeld(row) &&
+           (row.tblhoy_kaiki_yymd >= today || (store::isReserved(row) && row.tblhoy_kaiki_rymd >= today));
+}
+
 QString startTimeText(const store::tbl_hohyo& row) {
     const int minute = row.tblhoy_kaiki_mint.value_or(0);
     return u"%1 %2：%3"_s.arg(row.tblhoy_kaiki_ampm == store::codes::morning ? u"AM"_s : u"PM"_s)

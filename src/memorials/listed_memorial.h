@@ -37,6 +37,9 @@ struct MemorialTie {
 // Whether the register still holds the memorial.
 bool memorialExists(const store::tbl_hohyo& row);
 
+// Whether it is still to come: not held, and scheduled or booked for the day or later.
+bool isDue(const store::tbl_hohyo& row, QDate today);
+
 // "AM 10：30", a full minute as "00".
 QString startTimeText(const store::tbl_hohyo& row);
 

@@ -78,7 +78,8 @@ bool checkTo(法要一Form& form, desk::Desk& desk) {
                 .listed = store::isAwaited,
                 .complete = [](std::vector<ListedMemorial>& page,
                                desk::Desk& desk) { fillEraTextsAndHouseholds(page, title, desk); },
-                .exists = [](ListedRow row) { return memorialExists(row); }},
+                .exists = [](ListedRow row) { return memorialExists(row); },
+                .due = [](ListedRow row, QDate today) { return row.tblhoy_kaiki_rymd >= today; }},
                {}) {}
 
 bool 法要一Form::read(const ReservationKey& key, const Take& take) const {

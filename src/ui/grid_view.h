@@ -16,6 +16,7 @@ class GridView : public RowTable {
     int filledRows() const override { return static_cast<int>(grid_.rows.size()); }
     int pickedRow() const override { return grid_.highlighted; }
     int shownRows() const override { return std::max(grid_.blankRows, filledRows()); }
+    int rowInSight() const override { return grid_.inSight; }
     QString cell(int row, int column) const override { return grid_.cell(row, column); }
 
   protected:

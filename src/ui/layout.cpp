@@ -73,6 +73,7 @@ void Layout::finish() {
     screen_.area_ = area;
     screen_.buttons_ = bar_;
     screen_.showAccent();
+    screen_.giveKeys();
 }
 
 Layout& Layout::frame(const QString& name, const QString& title) {

@@ -22,6 +22,7 @@ namespace ui {
 
 class BandLayout;
 class FlowLayout;
+class KeyButton;
 class LiveLabel;
 
 struct OptionItem {
@@ -147,7 +148,7 @@ class Layout {
     void label(QWidget* widget);
     void speak(QWidget* widget, const QString& name);
     int pixels(int width) const;
-    QPushButton* makeButton(const QString& name, const QString& caption, Operation operation, const QString& tooltip);
+    KeyButton* makeButton(const QString& name, const QString& caption, Operation operation, const QString& tooltip);
 
     Screen& screen_;
     QWidget* body_;

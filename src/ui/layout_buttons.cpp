@@ -1,16 +1,15 @@
 // Buttons: inside rows, and those in the row at the bottom of a screen.
 #include "ui/flow_layout.h"
+#include "ui/key_button.h"
 #include "ui/layout.h"
-
-#include <QPushButton>
 
 using namespace Qt::StringLiterals;
 
 namespace ui {
 
-QPushButton* Layout::makeButton(const QString& name, const QString& caption, Operation operation,
-                                const QString& tooltip) {
-    auto* button = new QPushButton(caption);
+KeyButton* Layout::makeButton(const QString& name, const QString& caption, Operation operation,
+                              const QString& tooltip) {
+    auto* button = new KeyButton(caption);
     button->setObjectName(name);
     button->setToolTip(tooltip);
     button->setAutoDefault(false);
@@ -21,7 +20,10 @@ QPushButton* Layout::makeButton(const QString& name, const QString& caption, Ope
 }
 
 Layout& Layout::button(const QString& name, const QString& caption, Operation operation, const QString& tooltip) {
-    place(makeButton(name, caption, std::move(operation), tooltip));
+    KeyButton* button = makeButton(name, caption, std::move(operation), tooltip);
+    if (button->isKnown())
+        screen_.addKeyButton(button);
+    place(button);
     return *this;
 }
 
@@ -38,7 +40,8 @@ Layout& Layout::updating(const QString& name, const QString& caption, Operation 
 }
 
 Layout& Layout::action(const QString& name, const QString& caption, Operation operation, const QString& tooltip) {
-    QPushButton* button = makeButton(name, caption, std::move(operation), tooltip);
+    KeyButton* button = makeButton(name, caption, std::move(operation), tooltip);
+    screen_.addKeyButton(button);
     const QSize hint = button->sizeHint();
     button->setMinimumSize(std::max(pixels(4), hint.width()), std::max(hint.height(), 34));
     // As high as the highest of its line.

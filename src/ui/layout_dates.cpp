@@ -1,11 +1,11 @@
 // Date groups and date ranges.
 #include "ui/flow_layout.h"
+#include "ui/key_button.h"
 #include "ui/layout.h"
 #include "ui/live_label.h"
 
 #include <QComboBox>
 #include <QKeyEvent>
-#include <QPushButton>
 #include <QTimer>
 
 #include <tuple>
@@ -74,13 +74,13 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, desk::Date
     note(u"西暦"_s).shown(names.western, value.western, 6).named(what + u"　西暦"_s);
 
     // Nothing that Enter could reach on its way from box to box: it would put today over the date just typed.
-    auto* today = new QPushButton(u"今日"_s);
+    auto* today = new KeyButton(u"今日"_s, Qt::Key_F2);
     today->setObjectName(names.era + u"今日"_s);
     today->setAccessibleName(what + u"　今日"_s);
     today->setToolTip(u"今日の日付を入れます。日付の欄で F2 を押しても同じです"_s);
     today->setFocusPolicy(Qt::NoFocus);
     today->setAutoDefault(false);
-    today->setFixedWidth(pixels(2) + 8); // four groups of a screen have one each
+    today->setFixedWidth(pixels(3) + 8); // four groups of a screen have one each
     QObject::connect(today, &QPushButton::clicked, &screen_,
                      [screen = &screen_, run = help.today] { screen->operate(run); });
     // In a line of their own: behind the boxes they would make each frame with a date wider. What the screen declares

@@ -164,7 +164,22 @@ void RowTable::showRows() {
         shareWidth();
     markPicked();
     scrollToTop();
+    inSight_ = rowInSight();
+    scrolledTo_ = verticalScrollBar()->value();
+    keepInSight();
     updateGeometry();
+}
+
+// What is in sight is known once the table has its size; it gets others while its window opens.
+void RowTable::keepInSight() {
+    if (inSight_ == 0 || !isVisible())
+        return;
+    if (verticalScrollBar()->value() != scrolledTo_) {
+        inSight_ = 0;
+        return;
+    }
+    scrollTo(model()->index(inSight_ - 1, std::max(columnAt(0), 0)));
+    scrolledTo_ = verticalScrollBar()->value();
 }
 
 void RowTable::showPicked(int former) {
@@ -314,7 +329,12 @@ void RowTable::turn(bool forward) {
     const auto watch = connect(model_, &QAbstractItemModel::modelReset, this, [&other] { other = true; });
     turnPage(forward);
     disconnect(watch);
-    if (other && !forward && filledRows() > 0)
+    if (!other)
+        return;
+    inSight_ = 0;
+    if (forward)
+        scrollToTop();
+    else if (filledRows() > 0)
         scrollTo(model()->index(filledRows() - 1, std::max(columnAt(0), 0)));
 }
 
@@ -380,6 +400,7 @@ void RowTable::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     if (event->size().width() != event->oldSize().width())
         shareWidth();
+    keepInSight();
 }
 
 void RowTable::changeEvent(QEvent* event) {
@@ -396,6 +417,7 @@ void RowTable::showEvent(QShowEvent* event) {
     QTableView::showEvent(event);
     if (!measured_)
         shareWidth();
+    keepInSight();
 }
 
 } // namespace ui

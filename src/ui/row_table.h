@@ -30,6 +30,8 @@ class RowTable : public QTableView {
     // Rows shown, blank ones below those that bear a record included.
     virtual int shownRows() const { return filledRows(); }
     virtual QString cell(int row, int column) const = 0; // rows from 1
+    // The row that is in sight when the rows have been shown, the first one included where there is room; 0: none.
+    virtual int rowInSight() const { return 0; }
     const std::vector<desk::GridColumn>& columns() const { return columns_; }
 
     // A click as the mouse would make it.
@@ -38,7 +40,7 @@ class RowTable : public QTableView {
     // Takes the place of all columns. Their twips are the widths to begin with for text of 9 points; what is
     // right-aligned is a number, which must not lose its end.
     void setColumns(std::vector<desk::GridColumn> columns);
-    // Shows the rows as they are now, from the first one on.
+    // Shows the rows as they are now, from the first one on or so that rowInSight() is in sight.
     void showRows();
     // Another row than `former` is picked now.
     void showPicked(int former);
@@ -73,6 +75,7 @@ class RowTable : public QTableView {
     void measure() const;
     void shareWidth();
     void markPicked();
+    void keepInSight();
     bool isAtEnd(bool forward) const;
     void movePage(bool forward);
     void turn(bool forward);
@@ -81,6 +84,8 @@ class RowTable : public QTableView {
     std::vector<desk::GridColumn> columns_;
     mutable std::vector<int> needed_; // by the widest contents so far: columns do not jump from page to page
     mutable bool measured_ = false;   // since the rows changed
+    int inSight_ = 0;                 // row to be kept in sight until somebody scrolls
+    int scrolledTo_ = 0;              // for it
     bool pulled_ = false;             // the user has set a width
     bool sharing_ = false;
     int turning_ = 0; // eighths of a degree that the wheel has turned at the end of the page

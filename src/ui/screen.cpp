@@ -115,6 +115,11 @@ class Screen::ScreenDesk : public desk::Desk {
     void offer(const QString& text, std::vector<desk::Offer> offers) override {
         screen_.informed_ = text;
         screen_.offers_ = std::move(offers);
+        screen_.about_.clear();
+    }
+    void hint(const QString& text, std::vector<const desk::Control*> about, std::vector<desk::Offer> offers) override {
+        offer(text, std::move(offers));
+        screen_.about_ = std::move(about);
     }
     QDate today() const override { return screen_.workplace_.today(); }
     void open(const QString& screen, desk::Opening how, std::function<void()> closed) override {
@@ -134,6 +139,10 @@ class Screen::ScreenDesk : public desk::Desk {
         screen_.showForm();
         if (!screen_.isVisible())
             screen_.show();
+        if (screen_.informed_.isEmpty())
+            return;
+        screen_.refreshBar();
+        screen_.layout()->activate();
     }
 
     Screen& screen_;
@@ -178,6 +187,7 @@ bool Screen::operate(const Operation& operation) {
     handedOver_ = false;
     informed_.clear();
     offers_.clear();
+    about_.clear();
     readForm();
     for (const auto& prepare : prepare_)
         prepare();
@@ -212,7 +222,7 @@ bool Screen::operate(const Operation& operation) {
     if (std::exchange(lookAgain_, false))
         lookAtFile();
     refreshBar();
-    if (closing_)
+    if (std::exchange(closing_, false) && (!mayClose_ || mayClose_()))
         close();
     return done;
 }
@@ -233,6 +243,11 @@ void Screen::open() {
 
 void Screen::bind(Binding binding) {
     binding.widget->installEventFilter(this);
+    if (auto* edit = qobject_cast<QLineEdit*>(binding.widget))
+        connect(edit, &QLineEdit::textChanged, this, [this, control = binding.control] {
+            if (!busy_ && !filling_ && std::ranges::find(about_, control) != about_.end())
+                say({});
+        });
     bindings_.push_back(std::move(binding));
 }
 
@@ -309,11 +324,13 @@ void Screen::operateQuietly(const Operation& run) {
     const auto before = marks();
     QString told = informed_;
     std::vector<desk::Offer> offers = offers_;
+    std::vector<const desk::Control*> about = about_;
     operate(run);
     if (!informed_.isEmpty() || marks() != before)
         return;
     informed_ = std::move(told);
     offers_ = std::move(offers);
+    about_ = std::move(about);
     refreshBar();
 }
 
@@ -342,11 +359,19 @@ bool Screen::event(QEvent* event) {
             refreshBar();
         }
     }
+    if (event->type() == QEvent::WindowDeactivate)
+        showAltKeys(false);
+    followAlt(event);
     return QWidget::event(event);
 }
 
 void Screen::closeEvent(QCloseEvent* event) {
     if (busy_) {
+        event->ignore();
+        return;
+    }
+    // By the window's frame, as 終了 does it.
+    if (event->spontaneous() && mayClose_ && !mayClose_()) {
         event->ignore();
         return;
     }
@@ -358,9 +383,17 @@ void Screen::closeEvent(QCloseEvent* event) {
 }
 
 bool Screen::eventFilter(QObject* watched, QEvent* event) {
+    followAlt(event);
     switch (event->type()) {
     case QEvent::InputMethod:
         watched->setProperty("composing", !static_cast<QInputMethodEvent*>(event)->preeditString().isEmpty());
+        break;
+    case QEvent::ShortcutOverride:
+        // While the input method composes, every key is its own.
+        if (composing(watched)) {
+            event->accept();
+            return true;
+        }
         break;
     case QEvent::FocusIn:
         // What the mouse reaches is in sight, and must not move away under it.

@@ -19,6 +19,7 @@ class QScrollArea;
 
 namespace ui {
 
+class KeyButton;
 class NoticeBar;
 class SearchBox;
 class Workplace;
@@ -121,6 +122,12 @@ class Screen : public QWidget {
     void onLeave(QWidget* widget, Operation operation);
     // Runs on the form that each operation finds, before it.
     void beforeOperations(std::function<void()> prepare) { prepare_.push_back(std::move(prepare)); }
+    // Buttons that are pressed with keys as well, in screen order; giveKeys() gives each its own once all are known.
+    void addKeyButton(KeyButton* button) { keyButtons_.push_back(button); }
+    void giveKeys();
+    const std::vector<KeyButton*>& keyButtons() const { return keyButtons_; }
+    // Asked before the user closes the screen; false: it stays.
+    void onClosing(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
     // Runs on Enter in the control, which then does not move on to the next one.
     void onEnter(QWidget* widget, Operation operation);
 
@@ -169,6 +176,9 @@ class Screen : public QWidget {
     void showAccent();
     void lookAtFile();
     void focusMoved(QWidget* from, QWidget* to);
+    void pressWithKey(KeyButton* button);
+    void showAltKeys(bool shown);
+    void followAlt(QEvent* event);
 
     Workplace& workplace_;
     QString title_;
@@ -203,7 +213,10 @@ class Screen : public QWidget {
     std::optional<Asked> asked_;
     desk::AskedRecord listed_; // what a screen without a record of its own lists
     QString informed_;
-    std::vector<desk::Offer> offers_;  // beside what was told
+    std::vector<desk::Offer> offers_;         // beside what was told
+    std::vector<const desk::Control*> about_; // boxes that what was told holds for as they are
+    std::vector<KeyButton*> keyButtons_;
+    std::function<bool()> mayClose_;
     QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;

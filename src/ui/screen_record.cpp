@@ -261,6 +261,7 @@ void Screen::lookAtFile() {
 void Screen::say(const QString& text) {
     informed_ = text;
     offers_.clear();
+    about_.clear();
     refreshBar();
 }
 
@@ -269,7 +270,10 @@ void Screen::refreshBar() {
     const bool was = bar_->isVisibleTo(this);
     const Draft* draft = subject_.record && !busy_ ? workplace_.drafts.find(objectName(), offeredKey()) : nullptr;
     const QString idle = idleText_ ? idleText_() : QString();
-    if (standing_ != desk::Standing::asRead && replaced_)
+    // A message box is about to open: what is told now belongs to it.
+    if (busy_ && !informed_.isEmpty())
+        bar_->tell(informed_, {}, offers_);
+    else if (standing_ != desk::Standing::asRead && replaced_)
         bar_->tell(u"登録簿が入れ替わりました。画面を開き直して下さい"_s);
     else if (standing_ == desk::Standing::gone)
         bar_->tell(u"この記録はほかの画面で削除されています。"_s);

@@ -45,6 +45,9 @@ class Workplace {
     // The open screen of this name, null when it is not open.
     Screen* find(const QString& name) const;
 
+    // Whether no screen but this one is open.
+    bool isLast(const Screen& screen) const { return open_.size() == 1 && open_.contains(screen.objectName()); }
+
     // Whether a screen is in the middle of an operation, or waits in one for an answer.
     bool operating() const;
 
