@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QPainter>
 #include <QPixmap>
 #include <QPrinterInfo>
 #include <QScopeGuard>
@@ -54,10 +55,46 @@ class Tour : public drive::ScreenDriver {
         require(failures_.isEmpty(), what + u": "_s + failures_.join(u'\n'));
         QTextStream(stdout) << "-- " << what << Qt::endl;
     }
-    void save(QWidget& window, const QString& file) {
+    // The window down to this height, where one is given.
+    void save(QWidget& window, const QString& file, int height = -1) {
         QCoreApplication::processEvents();
+        write(window.grab(QRect(0, 0, window.width(), height < 0 ? window.height() : height)), file);
+    }
+    void write(const QPixmap& picture, const QString& file) {
         const QString path = folder_.filePath(file + u".png"_s);
-        require(window.grab().save(path), u"the picture cannot be written: "_s + path);
+        require(picture.save(path), u"the picture cannot be written: "_s + path);
+    }
+    // A number beside a control, so far before its left edge.
+    struct Step {
+        QString control;
+        int number;
+        int before;
+    };
+    // The screen with the numbers that the steps of a text have.
+    void saveNumbered(const QString& screenName, const QString& file, const std::vector<Step>& steps) {
+        QCoreApplication::processEvents();
+        QPixmap picture = screen(screenName).grab();
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QFont font = painter.font();
+        font.setPixelSize(24);
+        font.setBold(true);
+        painter.setFont(font);
+        for (const Step& step : steps) {
+            const QPoint corner = control(screenName, step.control).mapTo(&screen(screenName), QPoint(0, 0));
+            const QRect place(corner - QPoint(step.before, 3), QSize(34, 34));
+            painter.setBrush(QColor(0xb0, 0x30, 0x20));
+            painter.setPen(QPen(Qt::white, 2));
+            painter.drawEllipse(place);
+            painter.drawText(place, Qt::AlignCenter, QString::number(step.number));
+        }
+        painter.end();
+        write(picture, file);
+    }
+    // How far down a control of the screen reaches.
+    int bottomOf(const QString& screenName, const QString& name) {
+        const QWidget& box = control(screenName, name);
+        return box.mapTo(&screen(screenName), QPoint(0, box.height())).y();
     }
     void picture(const QString& screenName) {
         save(screen(screenName), u"%1-%2"_s.arg(++pictures_, 2, 10, QChar(u'0')).arg(screenName));
@@ -149,6 +186,9 @@ void Tour::member(const QString& memberName, const QString& kana, const QStringL
 void Tour::death() {
     const QString name = u"過去登"_s;
     const QString title = u"過去帳登録"_s;
+    close(u"檀家登"_s);
+    searchFor(u"山田"_s);
+    QTest::keyClick(&control(u"メニュー"_s, u"さがす"_s), Qt::Key_Return);
     press(u"檀家登"_s, u"過去帳登録"_s);
     clickLine(name, u"frm11_kazoku"_s, u"山田　キヨ"_s);
     date(name, {u"命日元号"_s, u"命日年"_s, u"命日月"_s, u"命日付"_s}, {u"令和"_s, u"8"_s, u"11"_s, u"3"_s});
@@ -156,6 +196,8 @@ void Tour::death() {
                 {u"frm11_kaimyouk"_s, u"ジコウイントクウンジョウシンダイシ"_s},
                 {u"frm11_kankeisha"_s, u"山田　太郎"_s},
                 {u"frm11_続柄"_s, u"母"_s}});
+    saveNumbered(name, u"はじめに-過去帳登録"_s,
+                 {{u"frm11_kazoku"_s, 2, 72}, {u"命日元号"_s, 3, 96}, {u"frm11_kaimyoug"_s, 4, 96}, {u"登録"_s, 5, 9}});
     answer(u"入力された内容で過去帳の登録をします。内容を確認して下さい。"_s, title, true);
     expect(u"入力された内容で過去帳は登録されました。"_s, title);
     answer(u"法要等の登録も行いますか？"_s, title, true);
@@ -346,6 +388,7 @@ void Tour::documents() {
     save(screen(u"メニュー"_s), u"menu"_s);
     searchFor(u"さいとう 東"_s);
     save(screen(u"メニュー"_s), u"search"_s);
+    save(screen(u"メニュー"_s), u"はじめに-さがす"_s, bottomOf(u"メニュー"_s, u"さがす結果"_s) + 34);
     QTest::keyClick(&control(u"メニュー"_s, u"さがす"_s), Qt::Key_Escape);
     workplace->context.publishHousehold(3);
     open(u"檀家登"_s);
@@ -404,6 +447,7 @@ void Tour::documents() {
     expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
     press(u"檀家登"_s, u"削除"_s);
     save(screen(u"檀家登"_s), u"元に戻す"_s);
+    save(screen(u"檀家登"_s), u"はじめに-元に戻す"_s, bottomOf(u"檀家登"_s, u"元に戻す"_s) + 5);
     done(u"the documents' other pictures"_s);
 }
 

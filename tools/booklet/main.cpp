@@ -1,0 +1,333 @@
+// hoshiren-booklet: a document in Markdown as a PDF of A4 pages, to be printed.
+//
+//     hoshiren-booklet [--points N] [--dots N] [--pages N] TEXT.md BOOKLET.pdf
+//
+// Its pictures lie beside the text. A list of contents that links to headings is given their pages. Exit status 1 where
+// a picture or a heading that is linked to is missing, or where the pages are other than so many; nothing is written
+// then.
+#include "booklet/phrases.h"
+#include "printing/pdf_names_painter.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QBuffer>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QImage>
+#include <QPageSize>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QRegularExpression>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <QTextList>
+#include <QTextStream>
+#include <QTextTable>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int dotsAnInch = 600;
+constexpr double documentDots = 96; // the measure of a document's own lengths, whatever its device
+constexpr double millimetresAnInch = 25.4;
+constexpr double margin = 14; // millimetres
+constexpr QSizeF paper(210, 297);
+
+constexpr double dots(double millimetres) {
+    return millimetres / millimetresAnInch * dotsAnInch;
+}
+constexpr double lengths(double millimetres) {
+    return millimetres / millimetresAnInch * documentDots;
+}
+
+class Booklet {
+  public:
+    Booklet(const QString& path, double points, double pictureDots)
+        : points_(points), font_(u"Noto Sans CJK JP"_s), writer_(&pdf_) {
+        if (!QFontDatabase::hasFamily(font_.family()))
+            throw std::runtime_error("there is no font " + font_.family().toStdString());
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            throw std::runtime_error(path.toStdString() + ": " + file.errorString().toStdString());
+        pdf_.open(QIODevice::WriteOnly);
+        writer_.setResolution(dotsAnInch);
+        writer_.setPageSize(QPageSize(QPageSize::A4));
+        writer_.setPageMargins(QMarginsF());
+        QFont body = font_;
+        body.setPointSizeF(points);
+        text_.setDefaultFont(body);
+        text_.documentLayout()->setPaintDevice(&writer_);
+        text_.setUseDesignMetrics(true);
+        text_.setDocumentMargin(0);
+        text_.setIndentWidth(lengths(7));
+        text_.setMarkdown(booklet::phrasesHeld(QString::fromUtf8(file.readAll())),
+                          QTextDocument::MarkdownDialectGitHub);
+        QTextCursor whole(&text_);
+        whole.beginEditBlock(); // laid out once
+        setTexts();
+        setTables();
+        placePictures(QFileInfo(path).path(), pictureDots);
+        whole.endEditBlock();
+        text_.setPageSize(QSizeF(dots(paper.width() - 2 * margin), dots(paper.height() - 2 * margin - footHeight)));
+        paginate();
+        numberContents();
+    }
+
+    int pages() const { return text_.pageCount(); }
+
+    QByteArray pdf() {
+        writer_.setTitle(title_);
+        QPainter painter(&writer_);
+        for (int page = 0; page < pages(); ++page) {
+            if (page > 0)
+                writer_.newPage();
+            const QRectF part(0, page * height(), text_.pageSize().width(), height());
+            painter.save();
+            painter.translate(dots(margin), dots(margin) - part.top());
+            painter.setClipRect(part.adjusted(-dots(2), 0, dots(2), -dots(0.2)));
+            QAbstractTextDocumentLayout::PaintContext context;
+            context.clip = part;
+            context.palette.setColor(QPalette::Text, Qt::black);
+            text_.documentLayout()->draw(&painter, context);
+            painter.restore();
+            foot(painter, page);
+        }
+        painter.end();
+        printing::nameCharacters(pdf_.buffer(), font_);
+        return pdf_.data();
+    }
+
+  private:
+    static constexpr double footHeight = 6; // millimetres
+
+    double height() const { return text_.pageSize().height(); }
+    int pageOf(double y) const { return static_cast<int>(std::floor(y / height())); }
+
+    void foot(QPainter& painter, int page) const {
+        QFont font = font_;
+        font.setPointSizeF(9);
+        painter.setFont(font);
+        const QRectF place(dots(margin), dots(paper.height() - margin - 6), text_.pageSize().width(), dots(6));
+        painter.drawText(place, Qt::AlignRight | Qt::AlignBottom,
+                         u"%1　%2／%3"_s.arg(title_).arg(page + 1).arg(pages()));
+    }
+
+    template <class Each> void eachBlock(const Each& each) {
+        for (QTextBlock block = text_.begin(); block.isValid(); block = block.next())
+            each(block);
+    }
+
+    // Headings stand out by size and room; the first is the title.
+    void setTexts() {
+        static constexpr std::array sizes{1.7, 1.25, 1.08};
+        eachBlock([this](const QTextBlock& block) {
+            QTextCursor cursor(block);
+            QTextBlockFormat format = block.blockFormat();
+            format.setLineHeight(108, QTextBlockFormat::ProportionalHeight);
+            format.setTopMargin(0);
+            const bool goesOn = block.textList() && block.next().textList() == block.textList();
+            format.setBottomMargin(goesOn || cursor.currentTable() ? 0 : lengths(1.6));
+            if (const int level = format.headingLevel(); level > 0) {
+                const auto depth = static_cast<std::size_t>(std::min(level, 3) - 1);
+                static constexpr std::array room{0.0, 3.0, 2.0};
+                format.setTopMargin(lengths(room[depth]));
+                format.setBottomMargin(lengths(1.4));
+                if (level == 2)
+                    format.setBackground(QColor(0xe8, 0xec, 0xf2));
+                if (level == 1 && title_.isEmpty())
+                    title_ = block.text().remove(QChar(u'\u2060'));
+                QTextCharFormat letters;
+                letters.setFontPointSize(points_ * sizes[depth]);
+                letters.setFontWeight(QFont::Bold);
+                cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+                cursor.setCharFormat(letters);
+            }
+            cursor.setBlockFormat(format);
+        });
+        // What leads somewhere on a screen leads nowhere on paper; commands are set as wide as they are read.
+        QTextCursor all(&text_);
+        all.select(QTextCursor::Document);
+        QTextCharFormat plain;
+        plain.setForeground(Qt::black);
+        plain.setFontUnderline(false);
+        plain.setFontFamilies(font_.families());
+        all.mergeCharFormat(plain);
+    }
+
+    void setTables() {
+        for (QTextFrame* frame : text_.rootFrame()->childFrames()) {
+            auto* table = qobject_cast<QTextTable*>(frame);
+            if (!table)
+                continue;
+            QTextTableFormat format = table->format();
+            format.setBorderCollapse(true);
+            format.setBorder(1);
+            format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+            format.setBorderBrush(Qt::gray);
+            format.setCellPadding(lengths(0.8));
+            format.setCellSpacing(0);
+            format.setTopMargin(lengths(0.5));
+            format.setBottomMargin(lengths(2.5));
+            format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
+            table->setFormat(format);
+        }
+    }
+
+    void placePictures(const QString& folder, double pictureDots) {
+        eachBlock([&](const QTextBlock& block) {
+            for (auto at = block.begin(); !at.atEnd(); ++at) {
+                QTextImageFormat format = at.fragment().charFormat().toImageFormat();
+                if (!format.isValid())
+                    continue;
+                const QString name = QUrl::fromPercentEncoding(format.name().toUtf8());
+                const QImage picture(folder + u'/' + name);
+                if (picture.isNull())
+                    throw std::runtime_error("no picture: " + name.toStdString());
+                text_.addResource(QTextDocument::ImageResource, QUrl(format.name()), picture);
+                const double width =
+                    std::min(picture.width() / pictureDots * documentDots, lengths(paper.width() - 2 * margin));
+                format.setWidth(width);
+                format.setHeight(width * picture.height() / picture.width());
+                QTextCursor cursor(block);
+                cursor.setPosition(at.fragment().position());
+                cursor.movePosition(QTextCursor::NextCharacter, QTextCursor::KeepAnchor);
+                cursor.setCharFormat(format);
+                QTextBlockFormat line = block.blockFormat();
+                line.setLineHeight(0, QTextBlockFormat::SingleHeight);
+                cursor.setBlockFormat(line);
+                break;
+            }
+        });
+    }
+
+    // The pages on which the first and the last line of a block stand, and how many lines stand on the first one.
+    struct Stand {
+        int first = 0;
+        int last = 0;
+        int linesOnFirst = 0;
+        int lines = 0;
+    };
+    Stand standOf(const QTextBlock& block) const {
+        Stand stand;
+        const double top = text_.documentLayout()->blockBoundingRect(block).top();
+        const QTextLayout& layout = *block.layout();
+        stand.lines = layout.lineCount();
+        for (int line = 0; line < stand.lines; ++line) {
+            const int page = pageOf(top + layout.lineAt(line).y() + layout.lineAt(line).height() / 2);
+            if (line == 0)
+                stand.first = page;
+            stand.last = page;
+            stand.linesOnFirst += page == stand.first ? 1 : 0;
+        }
+        return stand;
+    }
+
+    // Moves what should not end a page to the next one, from the top until everything stands well.
+    void paginate() {
+        text_.pageCount(); // lays out to the end: a change on the way would leave holes
+        for (QTextBlock block = text_.begin(); block.isValid(); block = block.next()) {
+            QTextCursor cursor(block);
+            const Stand stand = standOf(block);
+            const QTextBlock next = block.next();
+            const bool leads = block.blockFormat().headingLevel() > 0 && next.isValid();
+            const bool torn = stand.first != stand.last && !cursor.currentTable() &&
+                              (stand.linesOnFirst < 2 || stand.lines - stand.linesOnFirst < 2);
+            if (!torn && !(leads && standOf(next).first != stand.last))
+                continue;
+            QTextBlock from = block;
+            while (from.previous().isValid() && from.previous().blockFormat().headingLevel() > 0 &&
+                   standOf(from.previous()).first == stand.first)
+                from = from.previous();
+            QTextBlockFormat format = from.blockFormat();
+            if (format.pageBreakPolicy() == QTextFormat::PageBreak_AlwaysBefore)
+                continue;
+            format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+            QTextCursor(from).setBlockFormat(format);
+            text_.pageCount();
+        }
+    }
+
+    // As the place where the documents are read makes a heading's address.
+    static QString addressOf(QString heading) {
+        static const QRegularExpression dropped(u"[^\\w\\s-]"_s, QRegularExpression::UseUnicodePropertiesOption);
+        heading.remove(QChar(u'\u2060')).replace(QChar(QChar::Nbsp), u' ');
+        return u'#' + heading.toLower().remove(dropped).replace(u' ', u'-');
+    }
+
+    // The page of a heading goes behind an entry of a list that is nothing but a link to it.
+    void numberContents() {
+        QHash<QString, int> headings;
+        eachBlock([&](const QTextBlock& block) {
+            if (block.blockFormat().headingLevel() > 0)
+                headings.insert(addressOf(block.text()), standOf(block).first + 1);
+        });
+        std::vector<std::pair<QTextBlock, int>> entries;
+        eachBlock([&](const QTextBlock& block) {
+            for (auto at = block.begin(); !at.atEnd(); ++at) {
+                const QString target = at.fragment().charFormat().anchorHref();
+                if (!target.startsWith(u'#'))
+                    continue;
+                if (!headings.contains(target))
+                    throw std::runtime_error("no heading: " + target.toStdString());
+                if (block.textList() && at.fragment().length() == block.length() - 1)
+                    entries.emplace_back(block, headings.value(target));
+            }
+        });
+        for (const auto& [block, page] : entries) {
+            QTextCursor cursor(block);
+            QTextBlockFormat format = block.blockFormat();
+            format.setTabPositions({QTextOption::Tab(lengths(150), QTextOption::RightTab)});
+            cursor.setBlockFormat(format);
+            cursor.movePosition(QTextCursor::EndOfBlock);
+            cursor.insertText(u'\t' + QString::number(page));
+        }
+    }
+
+    const double points_;
+    const QFont font_;
+    QString title_;
+    QBuffer pdf_;
+    QPdfWriter writer_;
+    QTextDocument text_;
+};
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QGuiApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(u"Makes a PDF of A4 pages of a document in Markdown."_s);
+    parser.addHelpOption();
+    const QCommandLineOption points(u"points"_s, u"Size of the text."_s, u"N"_s, u"11"_s);
+    const QCommandLineOption pictureDots(u"dots"_s, u"Dots of the pictures to an inch."_s, u"N"_s, u"160"_s);
+    const QCommandLineOption pages(u"pages"_s, u"It must have as many pages."_s, u"N"_s);
+    parser.addOptions({points, pictureDots, pages});
+    parser.addPositionalArgument(u"TEXT.md"_s, u"The document."_s);
+    parser.addPositionalArgument(u"BOOKLET.pdf"_s, u"Where it goes."_s);
+    parser.process(application);
+    const QStringList files = parser.positionalArguments();
+    if (files.size() != 2)
+        parser.showHelp(2);
+    try {
+        Booklet made(files[0], parser.value(points).toDouble(), parser.value(pictureDots).toDouble());
+        const QByteArray pdf = made.pdf();
+        if (parser.isSet(pages) && made.pages() != parser.value(pages).toInt())
+            throw std::runtime_error(files[0].toStdString() + " makes " + std::to_string(made.pages()) +
+                                     " pages, not " + parser.value(pages).toStdString());
+        QFile file(files[1]);
+        if (!file.open(QIODevice::WriteOnly) || file.write(pdf) != pdf.size() || !file.flush())
+            throw std::runtime_error(files[1].toStdString() + ": " + file.errorString().toStdString());
+        return 0;
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "hoshiren-booklet: %s\n", failure.what());
+        return 1;
+    }
+}
