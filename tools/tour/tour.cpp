@@ -275,8 +275,18 @@ void Tour::notice() {
     require(cell(name, u"frm21_tbl"_s, 1, 3) == u"100ｹ日"_s && cell(name, u"frm21_tbl"_s, 2, 3) == u"1周忌"_s,
             u"the list of notices is wrong"_s);
     picture(name);
+    press(name, u"宛名設定"_s);
+    const QString labels12 = text(u"宛名設定"_s, u"用紙"_s);
+    type(u"宛名設定"_s, u"用紙"_s, u"はがき　宛名縦書き"_s);
+    press(u"宛名設定"_s, u"設定"_s);
+    press(name, u"印刷プレビュー"_s);
+    auto* card = screen(name).findChild<QDialog*>(u"宛名プレビュー"_s);
+    require(card, u"there is no preview of a postcard"_s);
+    save(*card, u"はがき"_s);
+    card->close();
     // Four labels of the sheet are used up.
     press(name, u"宛名設定"_s);
+    type(u"宛名設定"_s, u"用紙"_s, labels12);
     QTest::keyClick(&control(u"宛名設定"_s, u"開始位置"_s), Qt::Key_Down);
     QTest::keyClick(&control(u"宛名設定"_s, u"開始位置"_s), Qt::Key_Down);
     require(text(u"宛名設定"_s, u"開始番号"_s) == u"5"_s, u"the fifth label is not the first free one"_s);
@@ -430,6 +440,12 @@ void Tour::documents() {
             clickLine(name, u"frm01_toshug"_s, control<QListWidget>(name, u"frm01_toshug"_s).item(1)->text());
         save(screen(name), name);
     }
+    const QString death = u"過去登"_s;
+    open(death);
+    clickLine(death, u"frm11_kazoku"_s, control<QListWidget>(death, u"frm11_kazoku"_s).item(1)->text());
+    expect(u"命日に正しく入力して下さい"_s, u"過去帳登録"_s);
+    press(death, u"登録"_s);
+    save(screen(death), u"間違い"_s, bottomOf(death, u"frm11_続柄"_s) + 6);
     store::makeBackup(store::Database::registerPath(), store::BackupKind::daily, QDateTime(today, QTime(9, 0)));
     {
         store::Database database;
