@@ -229,27 +229,87 @@ class Booklet {
         return stand;
     }
 
-    // Moves what should not end a page to the next one, from the top until everything stands well.
+    static bool isPicture(const QTextBlock& block) {
+        return block.isValid() && block.begin() != block.end() && block.begin().fragment().charFormat().isImageFormat();
+    }
+
+    // Whether a block makes no sense without the one that follows.
+    bool leads(const QTextBlock& block) const {
+        if (block.blockFormat().headingLevel() > 0)
+            return true;
+        const QTextBlock next = block.next();
+        const bool toPicture = isPicture(next) && !isPicture(block);
+        const bool toTable = next.isValid() && QTextCursor(next).currentTable() && !QTextCursor(block).currentTable();
+        return (toPicture || toTable) && block.layout()->lineCount() <= 2;
+    }
+
+    // Has this block begin a page, with what leads to it.
+    void breakBefore(QTextBlock block) {
+        const int page = standOf(block).first;
+        while (block.previous().isValid() && leads(block.previous()) && standOf(block.previous()).first >= page - 1 &&
+               !QTextCursor(block.previous()).currentTable())
+            block = block.previous();
+        QTextBlockFormat format = block.blockFormat();
+        format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+        QTextCursor(block).setBlockFormat(format);
+        text_.pageCount();
+    }
+
+    // Moves what should not be torn or end a page to the next one, from the top until everything stands well.
     void paginate() {
         text_.pageCount(); // lays out to the end: a change on the way would leave holes
         for (QTextBlock block = text_.begin(); block.isValid(); block = block.next()) {
-            QTextCursor cursor(block);
+            if (QTextTable* table = QTextCursor(block).currentTable()) {
+                paginate(*table);
+                block = text_.findBlock(table->lastPosition());
+                continue;
+            }
             const Stand stand = standOf(block);
-            const QTextBlock next = block.next();
-            const bool leads = block.blockFormat().headingLevel() > 0 && next.isValid();
-            const bool torn = stand.first != stand.last && !cursor.currentTable() &&
-                              (stand.linesOnFirst < 2 || stand.lines - stand.linesOnFirst < 2);
-            if (!torn && !(leads && standOf(next).first != stand.last))
+            const bool torn =
+                stand.first != stand.last && (stand.linesOnFirst < 2 || stand.lines - stand.linesOnFirst < 2);
+            const bool left = leads(block) && block.next().isValid() && standOf(block.next()).first != stand.last;
+            if ((torn || left) && block.blockFormat().pageBreakPolicy() != QTextFormat::PageBreak_AlwaysBefore)
+                breakBefore(block);
+        }
+    }
+
+    int firstPage(const QTextTable& table, int row) const {
+        return standOf(table.cellAt(row, 0).firstCursorPosition().block()).first;
+    }
+    int lastPage(const QTextTable& table, int row) const {
+        int last = 0;
+        for (int column = 0; column < table.columns(); ++column)
+            last = std::max(last, standOf(table.cellAt(row, column).lastCursorPosition().block()).last);
+        return last;
+    }
+
+    // A small table is not torn, and none behind its headings. A row that would be torn begins the next page: the one
+    // above it grows to the end of its own.
+    void paginate(QTextTable& table) {
+        const int apart = table.rows() <= 7 ? table.rows() - 1 : 1;
+        if (lastPage(table, apart) != firstPage(table, 0)) {
+            const QTextBlock before = text_.findBlock(table.firstPosition()).previous();
+            if (before.isValid() && leads(before)) {
+                breakBefore(before);
+            } else {
+                QTextTableFormat format = table.format();
+                format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+                table.setFormat(format);
+                text_.pageCount();
+            }
+        }
+        for (int row = 1; row < table.rows(); ++row) {
+            const QTextBlock begin = table.cellAt(row, 0).firstCursorPosition().block();
+            const double top = text_.documentLayout()->blockBoundingRect(begin).top();
+            const double free = (pageOf(top) + 1) * height() - top;
+            if (lastPage(table, row) == pageOf(top) || free > height() / 3)
                 continue;
-            QTextBlock from = block;
-            while (from.previous().isValid() && from.previous().blockFormat().headingLevel() > 0 &&
-                   standOf(from.previous()).first == stand.first)
-                from = from.previous();
-            QTextBlockFormat format = from.blockFormat();
-            if (format.pageBreakPolicy() == QTextFormat::PageBreak_AlwaysBefore)
-                continue;
-            format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
-            QTextCursor(from).setBlockFormat(format);
+            for (int column = 0; column < table.columns(); ++column) {
+                QTextTableCell cell = table.cellAt(row - 1, column);
+                QTextTableCellFormat format = cell.format().toTableCellFormat();
+                format.setBottomPadding(table.format().cellPadding() + free / dotsAnInch * documentDots);
+                cell.setFormat(format);
+            }
             text_.pageCount();
         }
     }

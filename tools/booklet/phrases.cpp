@@ -38,6 +38,8 @@ bool insideName(const QString& text, qsizetype place) {
 bool holdsTogether(const QString& text, qsizetype place) {
     const QChar before = text[place - 1];
     const QChar after = text[place];
+    if (after.isLowSurrogate())
+        return false; // one character
     if (insideName(text, place))
         return true;
     if (before.unicode() < 0x80 || after.unicode() < 0x80) // the toolkit knows how to break what is not Japanese
@@ -60,17 +62,19 @@ bool holdsTogether(const QString& text, qsizetype place) {
 
 QString phrasesHeld(const QString& markdown) {
     static const QRegularExpression untouched(u"\\]\\([^)]*\\)|`[^`]*`"_s);
+    static const QRegularExpression mark(u"^ *(?:(?:#+|[0-9]+\\.|[-*>]) )?"_s); // of a heading or an item
     QStringList lines = markdown.split(u'\n');
     for (QString& line : lines) {
         QString held;
         qsizetype done = 0;
+        const qsizetype marked = mark.match(line).capturedLength();
         const auto hold = [&](qsizetype end) {
             for (; done < end; ++done) {
-                if (done > 0 && holdsTogether(line, done))
+                if (done > marked && holdsTogether(line, done))
                     held += u'\u2060';
                 // A word joiner does not hold at a blank, a blank that does not break does.
-                const bool blank = line[done] == u' ' && done > 0 && done + 1 < line.size() &&
-                                   (isHiragana(line[done + 1]) || insideName(line, done));
+                const bool blank = done > marked && line[done] == u' ' && done + 1 < line.size() &&
+                                   line[done - 1] != u'|' && (isHiragana(line[done + 1]) || insideName(line, done));
                 held += blank ? QChar(QChar::Nbsp) : line[done];
             }
         };
