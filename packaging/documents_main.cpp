@@ -33,7 +33,7 @@ int openDocument(const QString& name) {
     if (!QFileInfo::exists(path))
         return failed(u"「%1」がありません。Hoshiren を入れ直して下さい。\n%2"_s.arg(name, shownPath));
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        return failed(u"「%1」を開けません。PDF を見るプログラムを入れて下さい。\n%2"_s.arg(name, shownPath));
+        return failed(u"「%1」を開けません。\nPDF を見るプログラムを入れて下さい。\n%2"_s.arg(name, shownPath));
     return 0;
 }
 
