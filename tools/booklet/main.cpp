@@ -85,6 +85,7 @@ class Booklet {
     QByteArray pdf() {
         writer_.setTitle(title_);
         QPainter painter(&writer_);
+        painter.setRenderHint(QPainter::LosslessImageRendering);
         for (int page = 0; page < pages(); ++page) {
             if (page > 0)
                 writer_.newPage();
