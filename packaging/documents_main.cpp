@@ -1,7 +1,5 @@
 // hoshiren-documents: starts Hoshiren on the register in the user's own folder. The desktop's menu entry calls it,
 // since a menu entry knows no current directory. Offers to bring an older register to the program's layout.
-//
-//     hoshiren-documents --open NAME    shows one of the documents that are installed with the program
 #include "app/application.h"
 #include "app/first_start.h"
 #include "desk/desk.h"
@@ -25,7 +23,7 @@ int failed(const QString& message) {
     return 1;
 }
 
-// In the desktop's own program for PDF files.
+// --open NAME: one of the documents that are installed with the program, in the desktop's own program for PDF files.
 int openDocument(const QString& name) {
     const QDir programs(QCoreApplication::applicationDirPath());
     const QString path = QDir::cleanPath(programs.filePath(u"../share/doc/hoshiren/%1.pdf"_s.arg(name)));
@@ -56,6 +54,9 @@ int main(int argc, char* argv[]) {
     const QString program = QDir(QCoreApplication::applicationDirPath()).filePath(u"hoshiren"_s);
     if (QProcess::startDetached(program, {}, folder))
         return 0;
-    return failed(
-        u"プログラム「%1」を起動できません。Hoshiren を入れ直して下さい。"_s.arg(QDir::toNativeSeparators(program)));
+    ui::showMessage(
+        nullptr,
+        u"プログラム「%1」を起動できません。Hoshiren を入れ直して下さい。"_s.arg(QDir::toNativeSeparators(program)),
+        u"Hoshiren"_s, desk::Icon::exclamation);
+    return 1;
 }
