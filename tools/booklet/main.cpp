@@ -3,8 +3,8 @@
 //     hoshiren-booklet [--points N] [--dots N] [--pages N] TEXT.md BOOKLET.pdf
 //
 // Its pictures lie beside the text. A list of contents that links to headings is given their pages. Exit status 1 where
-// a picture or a heading that is linked to is missing, or where the pages are other than so many; nothing is written
-// then.
+// a picture or a heading that is linked to is missing, or where it does not come to so many pages, even with smaller
+// pictures; nothing is written then.
 #include "booklet/phrases.h"
 #include "printing/pdf_names_painter.h"
 
@@ -29,6 +29,7 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -369,7 +370,7 @@ int main(int argc, char* argv[]) {
     parser.addHelpOption();
     const QCommandLineOption points(u"points"_s, u"Size of the text."_s, u"N"_s, u"11"_s);
     const QCommandLineOption pictureDots(u"dots"_s, u"Dots of the pictures to an inch."_s, u"N"_s, u"160"_s);
-    const QCommandLineOption pages(u"pages"_s, u"It must have as many pages."_s, u"N"_s);
+    const QCommandLineOption pages(u"pages"_s, u"It has as many pages; pictures are made smaller for it."_s, u"N"_s);
     parser.addOptions({points, pictureDots, pages});
     parser.addPositionalArgument(u"TEXT.md"_s, u"The document."_s);
     parser.addPositionalArgument(u"BOOKLET.pdf"_s, u"Where it goes."_s);
@@ -378,11 +379,15 @@ int main(int argc, char* argv[]) {
     if (files.size() != 2)
         parser.showHelp(2);
     try {
-        Booklet made(files[0], parser.value(points).toDouble(), parser.value(pictureDots).toDouble());
-        const QByteArray pdf = made.pdf();
-        if (parser.isSet(pages) && made.pages() != parser.value(pages).toInt())
-            throw std::runtime_error(files[0].toStdString() + " makes " + std::to_string(made.pages()) +
-                                     " pages, not " + parser.value(pages).toStdString());
+        const double wanted = parser.value(pictureDots).toDouble();
+        const int room = parser.value(pages).toInt();
+        std::unique_ptr<Booklet> made;
+        for (double smaller = 1; !made || (room > 0 && made->pages() > room && smaller < 1.3); smaller += 0.03)
+            made = std::make_unique<Booklet>(files[0], parser.value(points).toDouble(), wanted * smaller);
+        if (room > 0 && made->pages() != room)
+            throw std::runtime_error(files[0].toStdString() + " makes " + std::to_string(made->pages()) +
+                                     " pages, not " + std::to_string(room));
+        const QByteArray pdf = made->pdf();
         QFile file(files[1]);
         if (!file.open(QIODevice::WriteOnly) || file.write(pdf) != pdf.size() || !file.flush())
             throw std::runtime_error(files[1].toStdString() + ": " + file.errorString().toStdString());
