@@ -23,8 +23,8 @@
 #include <QTextDocument>
 #include <QTextFrame>
 #include <QTextList>
-#include <QTextStream>
 #include <QTextTable>
+#include <QUrl>
 
 #include <array>
 #include <cmath>
