@@ -303,8 +303,14 @@ void Tour::notice() {
     require(labels.size() == 1 && QFileInfo(folder_.filePath(labels.constFirst())).size() > 0, u"there is no label"_s);
     require(count("tbl_hohyo WHERE tblhoy_tsuchi_s = 1 AND tblhoy_tsuchi_ymd = '2026-11-22'") == 2,
             u"the memorials are not marked as announced"_s);
-    close(name);
     done(u"the labels of the notices are in "_s + folder_.filePath(labels.constFirst()));
+
+    answer(u"2026/11/22の通知処理を取り消します。\n2件の法要を通知前に戻します。よろしいですか？"_s, u"法要通知"_s,
+           true);
+    press(name, u"通知取消"_s);
+    require(count("tbl_hohyo WHERE tblhoy_tsuchi_s = 1") == 0, u"the notices are not taken back"_s);
+    close(name);
+    done(u"and are taken back"_s);
 }
 
 QDialog& Tour::previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes) {
