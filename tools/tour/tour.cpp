@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
+#include <QPainter>
 #include <QPixmap>
 #include <QPrinterInfo>
 #include <QScopeGuard>
@@ -54,10 +55,46 @@ class Tour : public drive::ScreenDriver {
         require(failures_.isEmpty(), what + u": "_s + failures_.join(u'\n'));
         QTextStream(stdout) << "-- " << what << Qt::endl;
     }
-    void save(QWidget& window, const QString& file) {
+    // The window down to this height, where one is given.
+    void save(QWidget& window, const QString& file, int height = -1) {
         QCoreApplication::processEvents();
+        write(window.grab(QRect(0, 0, window.width(), height < 0 ? window.height() : height)), file);
+    }
+    void write(const QPixmap& picture, const QString& file) {
         const QString path = folder_.filePath(file + u".png"_s);
-        require(window.grab().save(path), u"the picture cannot be written: "_s + path);
+        require(picture.save(path), u"the picture cannot be written: "_s + path);
+    }
+    // A number beside a control, so far before its left edge.
+    struct Step {
+        QString control;
+        int number;
+        int before;
+    };
+    // The screen with the numbers that the steps of a text have.
+    void saveNumbered(const QString& screenName, const QString& file, const std::vector<Step>& steps) {
+        QCoreApplication::processEvents();
+        QPixmap picture = screen(screenName).grab();
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QFont font = painter.font();
+        font.setPixelSize(24);
+        font.setBold(true);
+        painter.setFont(font);
+        for (const Step& step : steps) {
+            const QPoint corner = control(screenName, step.control).mapTo(&screen(screenName), QPoint(0, 0));
+            const QRect place(corner - QPoint(step.before, 3), QSize(34, 34));
+            painter.setBrush(QColor(0xb0, 0x30, 0x20));
+            painter.setPen(QPen(Qt::white, 2));
+            painter.drawEllipse(place);
+            painter.drawText(place, Qt::AlignCenter, QString::number(step.number));
+        }
+        painter.end();
+        write(picture, file);
+    }
+    // How far down a control of the screen reaches.
+    int bottomOf(const QString& screenName, const QString& name) {
+        const QWidget& box = control(screenName, name);
+        return box.mapTo(&screen(screenName), QPoint(0, box.height())).y();
     }
     void picture(const QString& screenName) {
         save(screen(screenName), u"%1-%2"_s.arg(++pictures_, 2, 10, QChar(u'0')).arg(screenName));
@@ -149,6 +186,9 @@ void Tour::member(const QString& memberName, const QString& kana, const QStringL
 void Tour::death() {
     const QString name = u"過去登"_s;
     const QString title = u"過去帳登録"_s;
+    close(u"檀家登"_s);
+    searchFor(u"山田"_s);
+    QTest::keyClick(&control(u"メニュー"_s, u"さがす"_s), Qt::Key_Return);
     press(u"檀家登"_s, u"過去帳登録"_s);
     clickLine(name, u"frm11_kazoku"_s, u"山田　キヨ"_s);
     date(name, {u"命日元号"_s, u"命日年"_s, u"命日月"_s, u"命日付"_s}, {u"令和"_s, u"8"_s, u"11"_s, u"3"_s});
@@ -156,6 +196,8 @@ void Tour::death() {
                 {u"frm11_kaimyouk"_s, u"ジコウイントクウンジョウシンダイシ"_s},
                 {u"frm11_kankeisha"_s, u"山田　太郎"_s},
                 {u"frm11_続柄"_s, u"母"_s}});
+    saveNumbered(name, u"はじめに-過去帳登録"_s,
+                 {{u"frm11_kazoku"_s, 2, 72}, {u"命日元号"_s, 3, 96}, {u"frm11_kaimyoug"_s, 4, 96}, {u"登録"_s, 5, 9}});
     answer(u"入力された内容で過去帳の登録をします。内容を確認して下さい。"_s, title, true);
     expect(u"入力された内容で過去帳は登録されました。"_s, title);
     answer(u"法要等の登録も行いますか？"_s, title, true);
@@ -233,8 +275,18 @@ void Tour::notice() {
     require(cell(name, u"frm21_tbl"_s, 1, 3) == u"100ｹ日"_s && cell(name, u"frm21_tbl"_s, 2, 3) == u"1周忌"_s,
             u"the list of notices is wrong"_s);
     picture(name);
+    press(name, u"宛名設定"_s);
+    const QString labels12 = text(u"宛名設定"_s, u"用紙"_s);
+    type(u"宛名設定"_s, u"用紙"_s, u"はがき　宛名縦書き"_s);
+    press(u"宛名設定"_s, u"設定"_s);
+    press(name, u"印刷プレビュー"_s);
+    auto* card = screen(name).findChild<QDialog*>(u"宛名プレビュー"_s);
+    require(card, u"there is no preview of a postcard"_s);
+    save(*card, u"はがき"_s);
+    card->close();
     // Four labels of the sheet are used up.
     press(name, u"宛名設定"_s);
+    type(u"宛名設定"_s, u"用紙"_s, labels12);
     QTest::keyClick(&control(u"宛名設定"_s, u"開始位置"_s), Qt::Key_Down);
     QTest::keyClick(&control(u"宛名設定"_s, u"開始位置"_s), Qt::Key_Down);
     require(text(u"宛名設定"_s, u"開始番号"_s) == u"5"_s, u"the fifth label is not the first free one"_s);
@@ -251,8 +303,14 @@ void Tour::notice() {
     require(labels.size() == 1 && QFileInfo(folder_.filePath(labels.constFirst())).size() > 0, u"there is no label"_s);
     require(count("tbl_hohyo WHERE tblhoy_tsuchi_s = 1 AND tblhoy_tsuchi_ymd = '2026-11-22'") == 2,
             u"the memorials are not marked as announced"_s);
-    close(name);
     done(u"the labels of the notices are in "_s + folder_.filePath(labels.constFirst()));
+
+    answer(u"2026/11/22の通知処理を取り消します。\n2件の法要を通知前に戻します。よろしいですか？"_s, u"法要通知"_s,
+           true);
+    press(name, u"通知取消"_s);
+    require(count("tbl_hohyo WHERE tblhoy_tsuchi_s = 1") == 0, u"the notices are not taken back"_s);
+    close(name);
+    done(u"and are taken back"_s);
 }
 
 QDialog& Tour::previewOf(const QString& report, const std::vector<std::pair<QString, QString>>& boxes) {
@@ -346,6 +404,7 @@ void Tour::documents() {
     save(screen(u"メニュー"_s), u"menu"_s);
     searchFor(u"さいとう 東"_s);
     save(screen(u"メニュー"_s), u"search"_s);
+    save(screen(u"メニュー"_s), u"はじめに-さがす"_s, bottomOf(u"メニュー"_s, u"さがす結果"_s) + 34);
     QTest::keyClick(&control(u"メニュー"_s, u"さがす"_s), Qt::Key_Escape);
     workplace->context.publishHousehold(3);
     open(u"檀家登"_s);
@@ -387,6 +446,12 @@ void Tour::documents() {
             clickLine(name, u"frm01_toshug"_s, control<QListWidget>(name, u"frm01_toshug"_s).item(1)->text());
         save(screen(name), name);
     }
+    const QString death = u"過去登"_s;
+    open(death);
+    clickLine(death, u"frm11_kazoku"_s, control<QListWidget>(death, u"frm11_kazoku"_s).item(1)->text());
+    expect(u"命日に正しく入力して下さい"_s, u"過去帳登録"_s);
+    press(death, u"登録"_s);
+    save(screen(death), u"間違い"_s, bottomOf(death, u"frm11_続柄"_s) + 6);
     store::makeBackup(store::Database::registerPath(), store::BackupKind::daily, QDateTime(today, QTime(9, 0)));
     {
         store::Database database;
@@ -404,6 +469,7 @@ void Tour::documents() {
     expect(u"指定された檀家さんは削除されました。"_s, u"檀家 登録"_s);
     press(u"檀家登"_s, u"削除"_s);
     save(screen(u"檀家登"_s), u"元に戻す"_s);
+    save(screen(u"檀家登"_s), u"はじめに-元に戻す"_s, bottomOf(u"檀家登"_s, u"元に戻す"_s) + 5);
     done(u"the documents' other pictures"_s);
 }
 
