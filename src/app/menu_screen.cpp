@@ -242,8 +242,9 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     menu->asksForNoRecord();
     menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); }, [&workplace] { workplace.showDraft(); });
-    // Unsaved inputs last as long as the program runs: with Esc, a key is enough to end it.
-    menu->onClosing([menu, &workplace] {
+    // Unsaved inputs last as long as the program runs, and the bar lists them; a key pressed once too often does not
+    // end it.
+    menu->onKeyClosing([menu, &workplace] {
         bool close = !workplace.isLast(*menu) || workplace.drafts.all().empty();
         if (!close)
             menu->operate([menu, &close] {

@@ -222,7 +222,7 @@ bool Screen::operate(const Operation& operation) {
     if (std::exchange(lookAgain_, false))
         lookAtFile();
     refreshBar();
-    if (std::exchange(closing_, false) && (!mayClose_ || mayClose_()))
+    if (std::exchange(closing_, false) && (!keyPressed_ || !mayClose_ || mayClose_()))
         close();
     return done;
 }
@@ -367,11 +367,6 @@ bool Screen::event(QEvent* event) {
 
 void Screen::closeEvent(QCloseEvent* event) {
     if (busy_) {
-        event->ignore();
-        return;
-    }
-    // By the window's frame, as 終了 does it.
-    if (event->spontaneous() && mayClose_ && !mayClose_()) {
         event->ignore();
         return;
     }

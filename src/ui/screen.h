@@ -126,8 +126,8 @@ class Screen : public QWidget {
     void addKeyButton(KeyButton* button) { keyButtons_.push_back(button); }
     void giveKeys();
     const std::vector<KeyButton*>& keyButtons() const { return keyButtons_; }
-    // Asked before the user closes the screen; false: it stays.
-    void onClosing(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
+    // Asked before a key closes the screen; false: it stays.
+    void onKeyClosing(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
     // Runs on Enter in the control, which then does not move on to the next one.
     void onEnter(QWidget* widget, Operation operation);
 
@@ -217,6 +217,7 @@ class Screen : public QWidget {
     std::vector<const desk::Control*> about_; // boxes that what was told holds for as they are
     std::vector<KeyButton*> keyButtons_;
     std::function<bool()> mayClose_;
+    bool keyPressed_ = false; // a key presses a button now
     QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;

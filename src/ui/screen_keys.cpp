@@ -32,8 +32,11 @@ void Screen::pressWithKey(KeyButton* button) {
     if (button->focusPolicy() & Qt::ClickFocus)
         button->setFocus(Qt::ShortcutFocusReason);
     QTimer::singleShot(0, button, [this, button] {
-        if (!busy_ && button->isVisible())
-            button->click();
+        if (busy_ || !button->isVisible())
+            return;
+        keyPressed_ = true;
+        button->click();
+        keyPressed_ = false;
     });
 }
 
