@@ -209,7 +209,7 @@ template <class Row, class Key> struct ListForm : AnyList {
     // The page shown may belong to another list now: what is known of the whole list holds no more.
     virtual void countAnew() {
         total_.reset();
-        if (list.rowCounter() <= pageRows && (list.firstNumber() == 1 || list.rowsShown() == 0))
+        if (list.rowCounter() <= pageRows && list.firstNumber() == 1)
             total_ = list.rowsShown();
         counted_ = total_.has_value();
         countedRange_ = range();

@@ -8,7 +8,6 @@
 #include "values/dates.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -78,8 +77,18 @@ void readAgain(ChosenGraves& chosen, const std::vector<ListedGrave>& page) {
 
 QString お墓通Form::range() const {
     if (owedBefore.isValid())
-        return u"未納（次回請求日が%1より前）"_s.arg(values::dateText(owedBefore));
+        return u"未納（次回請求日が%1より前）"_s.arg(values::dateText(owedBefore)) +
+               (sum_ ? u"　合計 "_s + sumText(*sum_) : QString());
     return values::dateText(from) + u'～' + values::dateText(to);
+}
+
+void お墓通Form::setListed(const Listed& what) {
+    static_cast<Listed&>(*this) = what;
+    choice->rests =
+        owedBefore.isValid()
+            ? u"未納のみの一覧では、宛名を印刷できません。『未納のみ』を外すと、期間の宛名を印刷できます。"_s
+            : QString();
+    list.setStart(beginning());
 }
 
 void お墓通Form::click(desk::ScreenContext& context, desk::Desk& desk) {
@@ -196,10 +205,7 @@ void leaveFeesTo(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
 namespace {
 
 void showOwed(お墓通Form& form, desk::Desk& desk) {
-    form.owedBefore = desk.today();
-    form.choice->rests =
-        u"未納のみの一覧では、宛名を印刷できません。『未納のみ』を外すと、期間の宛名を印刷できます。"_s;
-    form.list.setStart(form.beginning());
+    form.setListed({form.from, form.to, desk.today()});
     form.showFrom(form.beginning(), desk);
     if (form.list.rows().empty())
         desk.notify(u"未納のお墓はありません。"_s, title);
@@ -212,11 +218,8 @@ void showRange(お墓通Form& form, desk::Desk& desk) {
         form.未納のみ.chosen = form.owedBefore.isValid(); // what is listed stays
         return;
     }
-    form.from = *from;
-    form.to = *to;
-    const bool wasOwed = std::exchange(form.owedBefore, {}).isValid();
-    form.choice->rests.clear();
-    form.list.setStart(form.beginning());
+    const bool wasOwed = form.owedBefore.isValid();
+    form.setListed({*from, *to, {}});
     if (!wasOwed) {
         form.showFirstPage(desk);
         return;
@@ -227,13 +230,42 @@ void showRange(お墓通Form& form, desk::Desk& desk) {
         desk.notify(nothing, title);
 }
 
+// All of them or none; gives the graves that are other than they were.
+std::vector<desk::Other<store::tbl_ohaka>> write(const std::vector<Receipt>& receipts) {
+    store::Database database;
+    return desk::rewriteAll(database, receipts);
+}
+
+// what: how many they are and what they come to. place: where the list stood.
+void offerToTakeBack(お墓通Form& form, const std::vector<Receipt>& receipts, const QString& what,
+                     const BillingKey& place, desk::Desk& desk) {
+    const auto takeBack = [&form, receipts, what, place, &desk] {
+        if (const auto others = write(takenBack(receipts)); !others.empty()) {
+            desk.notify(u"受領のあとで変わったお墓があるため、元に戻せません。何も書き込まれていません。\n\n"_s +
+                            changesText(others),
+                        title);
+            return;
+        }
+        for (const Receipt& receipt : receipts)
+            form.chosen->emplace(receipt.from.tblhak_no, receipt.from);
+        form.showFrom(place, desk);
+        desk.inform(what + u"の受領を元に戻しました"_s);
+    };
+    desk.offer(what + u"の管理費を受領済みにしました"_s, {{u"元に戻す"_s, u"元に戻す"_s, u'Z', takeBack}});
+}
+
 } // namespace
 
 void showFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
-    const auto listed = [&form] { return std::tuple(form.from, form.to, form.owedBefore); };
-    const auto before = listed();
-    (form.未納のみ.chosen ? showOwed : showRange)(form, desk);
-    if (listed() != before)
+    const Listed before = form;
+    try {
+        (form.未納のみ.chosen ? showOwed : showRange)(form, desk);
+    } catch (...) {
+        form.setListed(before);
+        form.未納のみ.chosen = before.owedBefore.isValid();
+        throw;
+    }
+    if (form != before)
         form.chosen->clear();
     form.showChosen();
 }
@@ -255,10 +287,6 @@ void receiveFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     const BillingKey place = form.list.rows().empty() ? form.beginning() : form.list.key(form.list.rows().front());
     const BillingKey next = form.firstNotChosen();
     const std::vector<Receipt> receipts = receiptsOf(*form.chosen, desk.today());
-    const auto write = [](const std::vector<Receipt>& rows) {
-        store::Database database;
-        return desk::rewriteAll(database, rows);
-    };
     if (const auto others = write(receipts); !others.empty()) {
         for (const auto& grave : others)
             form.chosen->erase(grave.read.tblhak_no);
@@ -269,20 +297,8 @@ void receiveFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
         return;
     }
     form.chosen->clear();
+    offerToTakeBack(form, receipts, what, place, desk);
     form.showFrom(next, desk);
-    const auto takeBack = [&form, &desk, receipts, place, write, what] {
-        if (const auto others = write(takenBack(receipts)); !others.empty()) {
-            desk.notify(u"受領のあとで変わったお墓があるため、元に戻せません。何も書き込まれていません。\n\n"_s +
-                            changesText(others),
-                        title);
-            return;
-        }
-        for (const Receipt& receipt : receipts)
-            form.chosen->emplace(receipt.from.tblhak_no, receipt.from);
-        form.showFrom(place, desk);
-        desk.inform(what + u"の受領を元に戻しました"_s);
-    };
-    desk.offer(what + u"の管理費を受領済みにしました"_s, {{u"元に戻す"_s, u"元に戻す"_s, u'Z', takeBack}});
 }
 
 void openFeeGrave(お墓通Form& form, desk::ScreenContext& context, desk::Desk& desk) {

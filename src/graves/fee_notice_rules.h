@@ -21,14 +21,18 @@ struct BillingKey {
     bool operator==(const BillingKey&) const = default;
 };
 
-struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
+struct Listed {
+    QDate from; // of the opening or of the last 表示 that passed its checks
+    QDate to;
+    QDate owedBefore; // not the range is listed but what was due before this day; absent: the range
+
+    bool operator==(const Listed&) const = default;
+};
+
+struct お墓通Form : desk::ListForm<ListedGrave, BillingKey>, Listed {
     desk::Text frm21_from;
     desk::Text frm21_to;
     desk::Check 未納のみ;
-    QDate from; // of the opening or of the last 表示 that passed its checks
-    QDate to;
-    // What is listed is not the range but what has been owed since before this day; absent: the range.
-    QDate owedBefore;
     std::shared_ptr<printing::LabelChoice> choice;
     std::shared_ptr<ChosenGraves> chosen; // ticked for 受領
 
@@ -40,6 +44,8 @@ struct お墓通Form : desk::ListForm<ListedGrave, BillingKey> {
     bool isCounted() const override { return summed_ && ListForm::isCounted(); }
     void count() override;
 
+    // What is listed from now on; nothing is shown yet.
+    void setListed(const Listed& what);
     // Where the list begins.
     BillingKey beginning() const { return {owedBefore.isValid() ? QDate(values::firstYear, 1, 1) : from, 0}; }
     // The first row from the page's first one on that is not chosen for 受領; the list's beginning where there is none.
