@@ -153,7 +153,9 @@ TEST_F(HouseholdScreens, ANewHeadIsChosenWithHisRelationship) {
     const auto& heads = control<QListWidget>(u"代替当"_s, u"frm01_toshug"_s);
     const auto middle = [&heads](int line) { return heads.visualItemRect(heads.item(line)).center(); };
     QTest::mousePress(heads.viewport(), Qt::LeftButton, {}, middle(0));
-    QTest::mouseMove(heads.viewport(), middle(1));
+    QMouseEvent slip(QEvent::MouseMove, middle(1), heads.viewport()->mapToGlobal(middle(1)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QApplication::sendEvent(heads.viewport(), &slip);
     QTest::mouseRelease(heads.viewport(), Qt::LeftButton, {}, middle(1));
     ASSERT_EQ(heads.currentItem()->text(), u"次郎"_s);
     EXPECT_EQ(control<QListWidget>(u"代替当"_s, u"frm01_tsh_zkgr"_s).currentRow(), 1);

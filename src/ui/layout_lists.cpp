@@ -129,7 +129,9 @@ Layout& Layout::parallel(int count) {
                              &QScrollBar::setValue);
             QObject::connect(leader, &QListWidget::itemSelectionChanged, follower, [leader, follower] {
                 const QSignalBlocker quiet(follower);
-                follower->setCurrentRow(leader->selectedItems().isEmpty() ? -1 : leader->currentRow());
+                // Qt selects the line before it makes it the current one.
+                const auto selected = leader->selectedItems();
+                follower->setCurrentRow(selected.isEmpty() ? -1 : leader->row(selected.front()));
             });
         }
         if (leader == together.front())
