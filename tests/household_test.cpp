@@ -74,34 +74,6 @@ TEST_F(Household, ANumberTakenOrNoCounterIsRefused) {
     households::RegisterHousehold(form, context, desk);
 }
 
-TEST_F(Household, RegisteringTellsOfTheSameNameAndTelephone) {
-    store(sampleHousehold(7)); // 山田, 03-1234-5678
-    auto other = sampleHousehold(8);
-    other.tbldnk_no2 = 1;
-    store(other);
-    const QString told = u"同じ檀家名と電話番号の檀家があります：7 山田 山田　太郎（ほか1件）"_s;
-    const struct {
-        QString name;
-        QString telephone;
-        QString told;
-    } cases[] = {
-        {u"山田"_s, u"03-1234-5678"_s, told}, {u"山田"_s, u"０３（１２３４）５６７８"_s, told},
-        {u"山田"_s, u"03-1234-567"_s, {}},    {u"山\uFA19"_s, u"03-1234-5678"_s, {}},
-        {u"山田 "_s, u"03-1234-5678"_s, {}},  {u"山田"_s, u"なし"_s, {}},
-    };
-    for (const auto& one : cases) {
-        SCOPED_TRACE((one.name + one.telephone).toStdString());
-        lookUp(u"7"_s);
-        form.frm01_dankag.text = one.name;
-        form.frm01_tel.text = one.telephone;
-        desk.informed.clear();
-        desk.whileAsked = [&] { EXPECT_EQ(desk.informed.join(u'|'), one.told); };
-        desk.answer(registerQuestion, title, false);
-        households::RegisterHousehold(form, context, desk);
-        desk.finish();
-    }
-}
-
 TEST_F(Household, LookUpShowsTheHouseholdAndItsGravesInUse) {
     auto row = sampleHousehold(5);
     row.tbldnk_dnkkbn = u"一般"_s;

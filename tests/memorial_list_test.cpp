@@ -216,6 +216,7 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
     beginDeceasedMemorials(form, context, desk);
     EXPECT_EQ(form.frm21_meigymd.text, u"慶長5年9月15日"_s);
     EXPECT_EQ(column(form.frm21_tbl, 2), u"嘉永2年2月2日|"_s);
+    EXPECT_EQ(form.frm21_tbl.inSight, 2);
     EXPECT_EQ(cells(form.frm21_tbl, 2),
               u"3回忌|令和9年1月10日||令和8年10月1日|令和8年12月1日|AM 9：00|施主|本堂|備考"_s);
     for (const int row : {0, 3}) {
@@ -253,34 +254,22 @@ TEST_F(MemorialLists, TheDeceasedsMemorialsAreAllInOneGrid) {
 }
 
 TEST_F(MemorialLists, TheFirstRowThatIsDueComesIntoSight) {
-    execute(u"INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (7, '山田', '故人')"_s);
+    add(u"(7, '過', '2025-01-01', NULL, '1', 0, 0, NULL, NULL), "
+        "(7, '実施', '2026-12-01', '2026-11-01', '1', 9, 0, '2026-11-01', NULL), "
+        "(7, '今日', '2026-11-22', NULL, '1', 0, 0, NULL, NULL)"_s);
     context.publishHousehold(7);
-    context.nameDeceased(u"山田"_s, u"故人"_s);
-    const QString past = u"(7, '故人', '2025-01-01', NULL, '1', 0, 0, NULL, NULL)"_s;
-    const QString heldEarly = u", (7, '故人', '2026-12-01', '2026-11-01', '1', 9, 0, '2026-11-01', NULL)"_s;
-    const struct {
-        QString rows;
-        int row;
-    } cases[] = {
-        {past, 0},
-        {past + heldEarly, 0},
-        {past + heldEarly + u", (7, '故人', '2027-01-01', NULL, '1', 0, 0, NULL, NULL)"_s, 3},
-        {past + u", (7, '故人', '2026-11-22', NULL, '1', 0, 0, NULL, NULL)"_s, 2},
-        // Booked for a day to come, though its own has passed.
-        {past + heldEarly + u", (7, '故人', '2026-11-01', '2026-12-06', '1', 9, 0, NULL, NULL)"_s, 2},
+    const auto inSight = [this] {
+        法要檀Form form;
+        beginHouseholdMemorials(form, context, desk);
+        EXPECT_EQ(form.frm21_tbl.highlighted, 0);
+        return form.frm21_tbl.cell(form.frm21_tbl.inSight, 0);
     };
-    for (const auto& one : cases) {
-        SCOPED_TRACE(one.rows.toStdString());
-        execute(u"DELETE FROM tbl_hohyo"_s);
-        add(one.rows);
-        法要個Form ofDeceased;
-        beginDeceasedMemorials(ofDeceased, context, desk);
-        EXPECT_EQ(ofDeceased.frm21_tbl.inSight, one.row);
-        法要檀Form ofHousehold;
-        beginHouseholdMemorials(ofHousehold, context, desk);
-        EXPECT_EQ(ofHousehold.frm21_tbl.inSight, one.row);
-        EXPECT_EQ(ofHousehold.frm21_tbl.highlighted + ofDeceased.frm21_tbl.highlighted, 0);
-    }
+    EXPECT_EQ(inSight(), u"今日"_s);
+    execute(u"DELETE FROM tbl_hohyo WHERE tblhoy_zokunameg = '今日'"_s);
+    EXPECT_EQ(inSight(), QString());
+    // Booked for a day to come, though its own has passed.
+    execute(u"UPDATE tbl_hohyo SET tblhoy_kaiki_rs = 1, tblhoy_kaiki_rymd = '2026-12-06' WHERE tblhoy_kaiki_s = 0"_s);
+    EXPECT_EQ(inSight(), u"過"_s);
 }
 
 TEST_F(MemorialLists, TheHouseholdsMemorialsReturnToTheFirstPage) {

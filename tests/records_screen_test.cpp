@@ -379,55 +379,39 @@ TEST_F(Records, WhatWasTypedIsOfferedAgain) {
 
 // Two drafts of one record are one; those of new records are several; none is typed over without a trace.
 TEST_F(Records, 新規EmptiesTheScreenAndLosesNothing) {
-    const struct {
-        QString screen;
-        std::function<void(desk::ScreenContext&)> choose;
-        QString box;   // typed into
-        QString first; // takes the keyboard
-        QString label;
-    } cases[] = {{u"檀家登"_s, {}, u"frm01_biko"_s, u"frm01_dankag"_s, u"檀家登録 5"_s},
-                 {u"お墓新"_s, [](auto& c) { c.hak_no = 3; }, u"frm13_biko"_s, u"frm13_banchi1"_s, u"お墓登録 3"_s}};
-    for (const auto& one : cases) {
-        SCOPED_TRACE(one.screen.toStdString());
+    for (const auto& [name, box, first, label] :
+         {std::tuple{u"檀家登"_s, u"frm01_biko"_s, u"frm01_dankag"_s, u"檀家登録 5"_s},
+          {u"お墓新"_s, u"frm13_biko"_s, u"frm13_banchi1"_s, u"お墓登録 3"_s}}) {
+        SCOPED_TRACE(name.toStdString());
         fill();
-        const auto shown = [&] {
-            QStringList texts;
-            for (const auto& binding : screen(one.screen).bindings())
-                texts << binding.widget->objectName() + u'=' + (binding.typed ? binding.typed() : QString());
-            return texts.join(u'\n');
+        const auto shown = [&, name = name] {
+            QString texts;
+            for (const auto& binding : screen(name).bindings())
+                texts += binding.typed ? binding.typed() + u'\n' : QString();
+            return texts;
         };
-        const auto ground = [&](const QString& button) {
-            return control(one.screen, button).palette().color(QPalette::Button);
-        };
-        openOn(one.screen, 0);
+        openOn(name, 0);
         const QString empty = shown();
-        close(one.screen);
-
+        close(name);
         open(u"メニュー"_s);
-        openOn(one.screen, 5, one.choose);
+        openOn(name, 5, [](auto& c) { c.hak_no = 3; });
         EXPECT_NE(shown(), empty);
-        type(one.screen, one.box, u"途中"_s);
-        press(one.screen, u"新規"_s);
-        EXPECT_EQ(shown(), empty);
-        EXPECT_EQ(workplace->context.dnk_no1 * (one.choose ? 0 : 1) + workplace->context.hak_no, 0);
-        EXPECT_EQ(screen(one.screen).focusWidget()->objectName(), one.first);
-        EXPECT_NE(ground(u"登録"_s), ground(u"更新"_s));
-        EXPECT_EQ(ground(u"更新"_s), ground(u"終了"_s));
-        EXPECT_EQ(said(u"メニュー"_s), u"保存していない入力があります："_s + one.label);
-
-        type(one.screen, one.box, u"別の途中"_s);
-        press(one.screen, u"新規"_s);
-        EXPECT_EQ(shown(), empty);
-        press(one.screen, u"戻す"_s);
-        EXPECT_EQ(text(one.screen, one.box), u"別の途中"_s);
-
-        // Where the register cannot be read, all stays as it is.
-        const QString before = shown();
+        // Where the register cannot be read, all stays as it is; then what was typed goes, and comes back.
+        type(name, box, u"途中"_s);
         QFile::rename(path(u"Hoshiren.mdb"_s), path(u"away"_s));
-        expectBeginning(u"登録簿ファイル"_s, screen(one.screen).title());
-        press(one.screen, u"新規"_s);
+        expectBeginning(u"登録簿ファイル"_s, screen(name).title());
+        press(name, u"新規"_s);
         QFile::rename(path(u"away"_s), path(u"Hoshiren.mdb"_s));
-        EXPECT_EQ(shown(), before);
+        EXPECT_EQ(text(name, box), u"途中"_s);
+        press(name, u"新規"_s);
+        EXPECT_EQ(shown(), empty);
+        EXPECT_EQ(name == u"檀家登"_s ? workplace->context.dnk_no1 : workplace->context.hak_no, 0);
+        EXPECT_EQ(screen(name).focusWidget()->objectName(), first);
+        EXPECT_EQ(said(u"メニュー"_s), u"保存していない入力があります："_s + label);
+        type(name, box, u"別の途中"_s);
+        press(name, u"新規"_s);
+        press(name, u"戻す"_s);
+        EXPECT_EQ(text(name, box), u"別の途中"_s);
     }
 }
 

@@ -21,8 +21,8 @@ struct Verb {
 
 // Free of what a secretary presses for something else: F4 opens a list, F6, F7 and F10 turn what was typed into other
 // characters. What destroys has no key of its own.
-const std::array<Verb, 19>& verbs() {
-    static const std::array<Verb, 19> all{{{u"照会"_s, Qt::Key_F5, u'S'},
+const std::array<Verb, 18>& verbs() {
+    static const std::array<Verb, 18> all{{{u"照会"_s, Qt::Key_F5, u'S'},
                                            {u"表示"_s, Qt::Key_F5, u'H'},
                                            {u"印刷"_s, Qt::Key_F8, u'P'},
                                            {u"登録"_s, Qt::Key_F9, u'T'},
@@ -30,12 +30,11 @@ const std::array<Verb, 19>& verbs() {
                                            {u"更新"_s, Qt::Key_F12, u'K'},
                                            {u"確定"_s, Qt::Key_F12, u'K'},
                                            {u"終了"_s, Qt::Key_Escape, u'X'},
+                                           {u"前ページ"_s, Qt::Key_unknown, u'J'},
+                                           {u"後ページ"_s, Qt::Key_unknown, u'L'},
                                            {u"プレビュー"_s, Qt::Key_unknown, u'W'},
                                            {u"印刷プレビュー"_s, Qt::Key_unknown, u'W'},
                                            {u"通知処理"_s, Qt::Key_unknown, u'G'},
-                                           {u"実行"_s, Qt::Key_unknown, u'J'},
-                                           {u"紐付け"_s, Qt::Key_unknown, u'L'},
-                                           {u"設定"_s, Qt::Key_unknown, u'Y'},
                                            {u"削除"_s, Qt::Key_unknown, u'E'},
                                            {u"檀家抹消"_s, Qt::Key_unknown, u'M'},
                                            {u"廃棄"_s, Qt::Key_unknown, u'I'},
