@@ -81,11 +81,7 @@ Layout& Layout::frame(const QString& name, const QString& title) {
         band_ = new BandLayout;
         bands_->addLayout(band_);
     }
-    if (next_ != Next::below || !column_) {
-        column_ = new QVBoxLayout;
-        band_->addColumn(column_);
-    }
-    column_->addWidget(box);
+    band_->addFrame(box, next_ == Next::below);
     next_ = Next::band;
     rows_ = new QGridLayout(box);
     shortFrames_.push_back(rows_);

@@ -149,7 +149,6 @@ class Layout {
     QWidget* body_;
     QVBoxLayout* bands_;
     BandLayout* band_ = nullptr;
-    QVBoxLayout* column_ = nullptr;
     QGridLayout* rows_ = nullptr;
     FlowLayout* items_ = nullptr; // of the row
     QLabel* label_ = nullptr;
