@@ -39,12 +39,9 @@ void expectFits(ui::Screen& shown, QSize room) {
 }
 
 TEST_F(Fit, EveryScreenFitsASmallDisplayAndLargeLetters) {
-    const QFont usual = QApplication::font();
-    const auto back = qScopeGuard([&] { QApplication::setFont(usual); });
-    for (const double points : {usual.pointSizeF(), 16.0}) {
-        QFont font = usual;
-        font.setPointSizeF(points);
-        QApplication::setFont(font);
+    const auto back = qScopeGuard([] { ui::useTextSize(ui::TextSize::standard); });
+    for (const ui::TextSize size : {ui::TextSize::standard, ui::TextSize::largest}) {
+        ui::useTextSize(size);
         openEvery([](ui::Screen& shown) {
             for (const QSize room : rooms)
                 expectFits(shown, room);

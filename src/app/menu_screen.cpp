@@ -59,7 +59,8 @@ const std::vector<MenuFrame>& frames() {
          {{u"帳票"_s, u"帳票"_s, u"帳票"_s},
           {u"年号登録"_s, u"年号登録"_s, u"年号登"_s},
           {u"マスター登録"_s, u"マスター登録"_s, u"マスター登"_s},
-          {u"控え"_s, u"控え"_s, u"控え"_s}}}};
+          {u"控え"_s, u"控え"_s, u"控え"_s},
+          {u"設定"_s, u"設定"_s, u"設定"_s}}}};
     return all;
 }
 
@@ -83,19 +84,11 @@ QString draftsText(const ui::Drafts& drafts) {
     return names.isEmpty() ? QString() : u"保存していない入力があります："_s + names.join(u"、"_s);
 }
 
-// No bold face: it would be one more large font to read at the start.
-QFont scaled(const QWidget& widget, double factor) {
-    QFont font = widget.font();
-    font.setPointSizeF(font.pointSizeF() * factor);
-    return font;
-}
-
 // Large where there is room for it.
 class MenuButtonWidget : public QPushButton {
   public:
-    MenuButtonWidget(const QString& name, const QString& caption, const QFont& font) : QPushButton(caption) {
+    MenuButtonWidget(const QString& name, const QString& caption) : QPushButton(caption) {
         setObjectName(name);
-        setFont(font);
         setAutoDefault(false);
         setMinimumHeight(38);
         setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
@@ -111,14 +104,15 @@ class Groups : public QWidget {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
         grid_->setContentsMargins(0, 0, 0, 0);
         grid_->setHorizontalSpacing(12);
-        const QFont buttonFont = scaled(menu, 1.15);
+        // No bold face: it would be one more large font to read at the start.
         for (const MenuFrame& frame : frames()) {
             auto* box = new QGroupBox(frame.title);
             box->setObjectName(frame.name);
-            box->setFont(scaled(menu, 1.1));
+            menu.scaleText(box, 1.1);
             Group group{box, new QGridLayout(box), {}};
             for (const MenuButton& button : frame.buttons) {
-                auto* widget = new MenuButtonWidget(button.name, button.caption, buttonFont);
+                auto* widget = new MenuButtonWidget(button.name, button.caption);
+                menu.scaleText(widget, 1.15);
                 QObject::connect(widget, &QPushButton::clicked, &menu, [&menu, target = button.screen] {
                     menu.operate([&menu, target] { menu.desk().open(target); });
                 });
@@ -128,6 +122,10 @@ class Groups : public QWidget {
             groups_.push_back(std::move(group));
         }
         arrange(shapes.front());
+        menu.sized([this] {
+            if (isVisible())
+                arrange(fitting());
+        });
     }
 
     QSize sizeHint() const override { return sizeOf(shapes.front(), &QWidget::sizeHint); }
@@ -136,12 +134,7 @@ class Groups : public QWidget {
   protected:
     void resizeEvent(QResizeEvent* event) override {
         QWidget::resizeEvent(event);
-        const auto fits = [this](const Shape& shape) {
-            const QSize least = sizeOf(shape, &QWidget::minimumSizeHint);
-            return least.width() <= width() && least.height() <= height();
-        };
-        const auto* shape = std::ranges::find_if(shapes, fits);
-        arrange(shape == shapes.end() ? shapes.back() : *shape);
+        arrange(fitting());
     }
 
   private:
@@ -184,6 +177,15 @@ class Groups : public QWidget {
         return {shape.groups * (across + grid_->horizontalSpacing()) - grid_->horizontalSpacing(), high};
     }
 
+    const Shape& fitting() const {
+        const auto fits = [this](const Shape& shape) {
+            const QSize least = sizeOf(shape, &QWidget::minimumSizeHint);
+            return least.width() <= width() && least.height() <= height();
+        };
+        const auto* shape = std::ranges::find_if(shapes, fits);
+        return shape == shapes.end() ? shapes.back() : *shape;
+    }
+
     void arrange(const Shape& shape) {
         if (shape == shape_)
             return;
@@ -217,10 +219,10 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     auto* head = new QHBoxLayout;
     auto* name = ui::plainLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
-    name->setFont(scaled(*menu, 1.6));
+    menu->scaleText(name, 1.6);
     auto* today = ui::plainLabel(dayText(workplace.today()));
     today->setObjectName(u"今日"_s);
-    today->setFont(scaled(*menu, 1.2));
+    menu->scaleText(today, 1.2);
     head->addWidget(name);
     head->addStretch(1);
     head->addWidget(today);
@@ -235,8 +237,8 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     ui::Layout layout(*menu);
     layout.fill(content).closing();
-    layout.last()->setFont(scaled(*menu, 1.15));
-    layout.last()->setMinimumSize(150, 42);
+    menu->scaleText(layout.last(), 1.15);
+    menu->sized([button = layout.last()] { button->setMinimumSize(150, 42); });
     layout.finish();
 
     menu->asksForNoRecord();

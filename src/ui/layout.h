@@ -142,7 +142,7 @@ class Layout {
     void place(QWidget* widget);
     void label(QWidget* widget);
     void speak(QWidget* widget, const QString& name);
-    int pixels(int width) const;
+    void fixWidth(QWidget* widget, int characters, int more = 0);
     QPushButton* makeButton(const QString& name, const QString& caption, Operation operation, const QString& tooltip);
 
     Screen& screen_;

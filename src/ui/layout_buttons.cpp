@@ -1,6 +1,7 @@
 // Buttons: inside rows, and those in the row at the bottom of a screen.
 #include "ui/flow_layout.h"
 #include "ui/layout.h"
+#include "ui/layout_parts.h"
 
 #include <QPushButton>
 
@@ -39,8 +40,10 @@ Layout& Layout::updating(const QString& name, const QString& caption, Operation 
 
 Layout& Layout::action(const QString& name, const QString& caption, Operation operation, const QString& tooltip) {
     QPushButton* button = makeButton(name, caption, std::move(operation), tooltip);
-    const QSize hint = button->sizeHint();
-    button->setMinimumSize(std::max(pixels(4), hint.width()), std::max(hint.height(), 34));
+    screen_.sized([screen = &screen_, button] {
+        const QSize hint = button->sizeHint();
+        button->setMinimumSize(std::max(widthOf(*screen, 4), hint.width()), std::max(hint.height(), 34));
+    });
     // As high as the highest of its line.
     button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
     buttons_->addWidget(button);
