@@ -100,7 +100,7 @@ class MenuButtonWidget : public QPushButton {
 // The groups of buttons: four across with one button in a line, and where the window does not hold them, two across.
 class Groups : public QWidget {
   public:
-    explicit Groups(ui::Screen& menu) : grid_(new QGridLayout(this)) {
+    explicit Groups(ui::Screen& menu) : grid_(new Grid(*this)) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
         grid_->setContentsMargins(0, 0, 0, 0);
         grid_->setHorizontalSpacing(12);
@@ -129,7 +129,13 @@ class Groups : public QWidget {
     }
 
     QSize sizeHint() const override { return sizeOf(shapes.front(), &QWidget::sizeHint); }
-    QSize minimumSizeHint() const override { return sizeOf(shapes.back(), &QWidget::minimumSizeHint); }
+    // The narrowest shape is not the lowest one.
+    QSize minimumSizeHint() const override {
+        QSize least = sizeHint();
+        for (const Shape& shape : shapes)
+            least = least.boundedTo(sizeOf(shape, &QWidget::minimumSizeHint));
+        return least;
+    }
 
   protected:
     void resizeEvent(QResizeEvent* event) override {
@@ -149,6 +155,25 @@ class Groups : public QWidget {
         QGroupBox* box;
         QGridLayout* grid;
         std::vector<QPushButton*> buttons;
+    };
+
+    // Knows how high the shape is that a width holds.
+    class Grid : public QGridLayout {
+      public:
+        explicit Grid(Groups& groups) : QGridLayout(&groups), groups_(groups) {}
+        bool hasHeightForWidth() const override { return true; }
+        int heightForWidth(int width) const override {
+            if (width >= groups_.sizeHint().width())
+                return groups_.sizeHint().height();
+            const auto holds = [&](const Shape& shape) {
+                return groups_.sizeOf(shape, &QWidget::minimumSizeHint).width() <= width;
+            };
+            const auto* shape = std::ranges::find_if(shapes, holds);
+            return groups_.sizeOf(shape == shapes.end() ? shapes.back() : *shape, &QWidget::minimumSizeHint).height();
+        }
+
+      private:
+        const Groups& groups_;
     };
 
     static int lines(const Group& group, const Shape& shape) {
@@ -202,7 +227,7 @@ class Groups : public QWidget {
         }
     }
 
-    QGridLayout* grid_;
+    Grid* grid_;
     std::vector<Group> groups_;
     Shape shape_{0, 0};
 };
