@@ -93,6 +93,8 @@ TEST_F(UserSettings, AScreenThatIsOpenLooksLikeOneThatIsOpenedAtThatSize) {
     EXPECT_NEAR(QApplication::font().pointSizeF(), usual.pointSizeF() * 1.45, 0.01);
     openEvery(
         [&](ui::Screen& shown) { EXPECT_EQ(differences(switched[shown.objectName()], look(shown)), QStringList()); });
+    // What the program did to the windows is nobody's choice.
+    EXPECT_EQ(desk::userSettings().childGroups(), QStringList{u"appearance"_s});
 }
 
 TEST_F(UserSettings, TheTextSizeHoldsAtTheNextStartAndNothingTypedIsLost) {
