@@ -1,5 +1,6 @@
 // hoshiren-documents: starts Hoshiren on the register in the user's own folder. The desktop's menu entry calls it,
-// since a menu entry knows no current directory. Offers to bring an older register to the program's layout.
+// since a menu entry knows no current directory. Offers to bring an older register to the program's layout. A program
+// that is open on the register already comes forward.
 #include "app/application.h"
 #include "app/first_start.h"
 #include "desk/desk.h"
@@ -52,7 +53,7 @@ int main(int argc, char* argv[]) {
     if (!app::offerRegister(folder) || !app::offerUpgrade(folder))
         return 0;
     const QString program = QDir(QCoreApplication::applicationDirPath()).filePath(u"hoshiren"_s);
-    if (QProcess::startDetached(program, {}, folder))
+    if (QProcess::startDetached(program, {u"--once"_s}, folder))
         return 0;
     ui::showMessage(
         nullptr,

@@ -13,7 +13,8 @@ namespace {
 using Fit = ScreenFixture;
 
 // The free room inside a window frame on a display of 1366 x 768, and of the same one at 150 percent.
-constexpr QSize rooms[] = {{1358, 736}, {903, 480}};
+constexpr QSize office(1358, 736);
+constexpr QSize officeEnlarged(903, 480);
 
 void expectFits(ui::Screen& shown, QSize room) {
     shown.fit(room);
@@ -40,13 +41,23 @@ void expectFits(ui::Screen& shown, QSize room) {
 
 TEST_F(Fit, EveryScreenFitsASmallDisplayAndLargeLetters) {
     const QFont usual = QApplication::font();
-    const auto back = qScopeGuard([&] { QApplication::setFont(usual); });
-    for (const double points : {usual.pointSizeF(), 16.0}) {
-        QFont font = usual;
-        font.setPointSizeF(points);
-        QApplication::setFont(font);
-        openEvery([](ui::Screen& shown) {
-            for (const QSize room : rooms)
+    const auto back = qScopeGuard([&] { ui::beginWithFont(usual); });
+    QFont large = usual;
+    large.setPointSizeF(16);
+    const struct {
+        QFont desktop;
+        ui::TextSize size;
+        std::vector<QSize> rooms;
+    } cases[] = {
+        {usual, ui::TextSize::standard, {office, officeEnlarged}},
+        {usual, ui::TextSize::largest, {office, officeEnlarged}},
+        {large, ui::TextSize::largest, {office}},
+    };
+    for (const auto& each : cases) {
+        ui::beginWithFont(each.desktop);
+        ui::useTextSize(each.size);
+        openEvery([&](ui::Screen& shown) {
+            for (const QSize room : each.rooms)
                 expectFits(shown, room);
         });
     }

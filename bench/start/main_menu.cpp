@@ -2,6 +2,7 @@
 // register.
 #include "app/application.h"
 #include "app/daily_copy.h"
+#include "app/open_program.h"
 #include "app/screens.h"
 #include "quit_when_painted.h"
 #include "search/register_finder.h"
@@ -10,10 +11,13 @@
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     app::prepare(application);
+    app::OpenProgram program(store::Database::registerPath());
+    program.begin();
     store::bringBackToOneFile(store::Database::registerPath());
     ui::Workplace workplace(app::screens());
     workplace.finder = std::make_unique<search::RegisterFinder>([&workplace] { return workplace.operating(); });
     workplace.open(QStringLiteral("メニュー"));
+    program.onAsked([&workplace] { workplace.bringForward(); });
     new QuitWhenPainted(*workplace.find(QStringLiteral("メニュー")));
     std::optional<app::DailyCopy> copy;
     if (!QApplication::arguments().contains(QStringLiteral("--without-copy")))

@@ -1,5 +1,7 @@
 #include "app/application.h"
 
+#include "ui/text_size.h"
+
 #include <QApplication>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -27,7 +29,7 @@ void prepare(QApplication& application) {
     if (font.family().startsWith(u"sans"_s, Qt::CaseInsensitive) || !QRawFont::fromFont(font).supportsCharacter(u'あ'))
         font.setFamilies({japaneseFont, font.family()});
     font.setPointSizeF(std::max(font.pointSizeF(), smallestPointSize));
-    QApplication::setFont(font);
+    ui::beginWithFont(font);
 }
 
 } // namespace app

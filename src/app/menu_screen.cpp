@@ -59,7 +59,8 @@ const std::vector<MenuFrame>& frames() {
          {{u"帳票"_s, u"帳票"_s, u"帳票"_s},
           {u"年号登録"_s, u"年号登録"_s, u"年号登"_s},
           {u"マスター登録"_s, u"マスター登録"_s, u"マスター登"_s},
-          {u"控え"_s, u"控え"_s, u"控え"_s}}}};
+          {u"控え"_s, u"控え"_s, u"控え"_s},
+          {u"設定"_s, u"設定"_s, u"設定"_s}}}};
     return all;
 }
 
@@ -83,19 +84,11 @@ QString draftsText(const ui::Drafts& drafts) {
     return names.isEmpty() ? QString() : u"保存していない入力があります："_s + names.join(u"、"_s);
 }
 
-// No bold face: it would be one more large font to read at the start.
-QFont scaled(const QWidget& widget, double factor) {
-    QFont font = widget.font();
-    font.setPointSizeF(font.pointSizeF() * factor);
-    return font;
-}
-
 // Large where there is room for it.
 class MenuButtonWidget : public ui::KeyButton {
   public:
-    MenuButtonWidget(const QString& name, const QString& caption, const QFont& font) : KeyButton(caption) {
+    MenuButtonWidget(const QString& name, const QString& caption) : KeyButton(caption) {
         setObjectName(name);
-        setFont(font);
         setAutoDefault(false);
         setMinimumHeight(38);
         setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
@@ -107,18 +100,19 @@ class MenuButtonWidget : public ui::KeyButton {
 // The groups of buttons: four across with one button in a line, and where the window does not hold them, two across.
 class Groups : public QWidget {
   public:
-    explicit Groups(ui::Screen& menu) : grid_(new QGridLayout(this)) {
+    explicit Groups(ui::Screen& menu) : grid_(new Grid(*this)) {
         setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
         grid_->setContentsMargins(0, 0, 0, 0);
         grid_->setHorizontalSpacing(12);
-        const QFont buttonFont = scaled(menu, 1.15);
+        // No bold face: it would be one more large font to read at the start.
         for (const MenuFrame& frame : frames()) {
             auto* box = new QGroupBox(frame.title);
             box->setObjectName(frame.name);
-            box->setFont(scaled(menu, 1.1));
+            menu.scaleText(box, 1.1);
             Group group{box, new QGridLayout(box), {}};
             for (const MenuButton& button : frame.buttons) {
-                auto* widget = new MenuButtonWidget(button.name, button.caption, buttonFont);
+                auto* widget = new MenuButtonWidget(button.name, button.caption);
+                menu.scaleText(widget, 1.15);
                 QObject::connect(widget, &QPushButton::clicked, &menu, [&menu, target = button.screen] {
                     menu.operate([&menu, target] { menu.desk().open(target); });
                 });
@@ -129,20 +123,25 @@ class Groups : public QWidget {
             groups_.push_back(std::move(group));
         }
         arrange(shapes.front());
+        menu.sized([this] {
+            if (isVisible())
+                arrange(fitting());
+        });
     }
 
     QSize sizeHint() const override { return sizeOf(shapes.front(), &QWidget::sizeHint); }
-    QSize minimumSizeHint() const override { return sizeOf(shapes.back(), &QWidget::minimumSizeHint); }
+    // The narrowest shape is not the lowest one.
+    QSize minimumSizeHint() const override {
+        QSize least = sizeHint();
+        for (const Shape& shape : shapes)
+            least = least.boundedTo(sizeOf(shape, &QWidget::minimumSizeHint));
+        return least;
+    }
 
   protected:
     void resizeEvent(QResizeEvent* event) override {
         QWidget::resizeEvent(event);
-        const auto fits = [this](const Shape& shape) {
-            const QSize least = sizeOf(shape, &QWidget::minimumSizeHint);
-            return least.width() <= width() && least.height() <= height();
-        };
-        const auto* shape = std::ranges::find_if(shapes, fits);
-        arrange(shape == shapes.end() ? shapes.back() : *shape);
+        arrange(fitting());
     }
 
   private:
@@ -157,6 +156,25 @@ class Groups : public QWidget {
         QGroupBox* box;
         QGridLayout* grid;
         std::vector<QPushButton*> buttons;
+    };
+
+    // Knows how high the shape is that a width holds.
+    class Grid : public QGridLayout {
+      public:
+        explicit Grid(Groups& groups) : QGridLayout(&groups), groups_(groups) {}
+        bool hasHeightForWidth() const override { return true; }
+        int heightForWidth(int width) const override {
+            if (width >= groups_.sizeHint().width())
+                return groups_.sizeHint().height();
+            const auto holds = [&](const Shape& shape) {
+                return groups_.sizeOf(shape, &QWidget::minimumSizeHint).width() <= width;
+            };
+            const auto* shape = std::ranges::find_if(shapes, holds);
+            return groups_.sizeOf(shape == shapes.end() ? shapes.back() : *shape, &QWidget::minimumSizeHint).height();
+        }
+
+      private:
+        const Groups& groups_;
     };
 
     static int lines(const Group& group, const Shape& shape) {
@@ -185,6 +203,15 @@ class Groups : public QWidget {
         return {shape.groups * (across + grid_->horizontalSpacing()) - grid_->horizontalSpacing(), high};
     }
 
+    const Shape& fitting() const {
+        const auto fits = [this](const Shape& shape) {
+            const QSize least = sizeOf(shape, &QWidget::minimumSizeHint);
+            return least.width() <= width() && least.height() <= height();
+        };
+        const auto* shape = std::ranges::find_if(shapes, fits);
+        return shape == shapes.end() ? shapes.back() : *shape;
+    }
+
     void arrange(const Shape& shape) {
         if (shape == shape_)
             return;
@@ -201,7 +228,7 @@ class Groups : public QWidget {
         }
     }
 
-    QGridLayout* grid_;
+    Grid* grid_;
     std::vector<Group> groups_;
     Shape shape_{0, 0};
 };
@@ -218,10 +245,10 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     auto* head = new QHBoxLayout;
     auto* name = ui::plainLabel(QFileInfo(store::Database::registerPath()).completeBaseName());
-    name->setFont(scaled(*menu, 1.6));
+    menu->scaleText(name, 1.6);
     auto* today = ui::plainLabel(dayText(workplace.today()));
     today->setObjectName(u"今日"_s);
-    today->setFont(scaled(*menu, 1.2));
+    menu->scaleText(today, 1.2);
     head->addWidget(name);
     head->addStretch(1);
     head->addWidget(today);
@@ -236,8 +263,8 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     ui::Layout layout(*menu);
     layout.fill(content).closing();
-    layout.last()->setFont(scaled(*menu, 1.15));
-    layout.last()->setMinimumSize(150, 42);
+    menu->scaleText(layout.last(), 1.15);
+    menu->sized([button = layout.last()] { button->setMinimumSize(150, 42); });
     layout.finish();
 
     menu->asksForNoRecord();

@@ -1,6 +1,7 @@
 #include "app/screens.h"
 
 #include "app/menu_screen.h"
+#include "app/settings_screen.h"
 #include "calendar/era_registration_screen.h"
 #include "copies/copies_screen.h"
 #include "family/family_screens.h"
@@ -56,6 +57,8 @@ QHash<QString, ui::ScreenMaker> screens() {
         {u"法要通"_s, memorials::法要通},
 
         {u"帳票"_s, reports::帳票},
+
+        {u"設定"_s, 設定},
     };
     // clang-format on
 }

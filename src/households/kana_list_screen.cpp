@@ -96,6 +96,7 @@ std::unique_ptr<ui::Screen> 檀家一覧(ui::Workplace& workplace) {
     layout.fill(whole);
     for (KanaGrid* grid : grids) {
         raw->addToTabOrder(grid);
+        raw->keepsColumns(*grid, u"DBGrid"_s);
         raw->bind({grid, nullptr, {}, [grid] { grid->show(); }});
     }
     layout.mainAction(u"照会"_s, u"檀家照会"_s, opener(u"檀家登"_s))

@@ -115,7 +115,7 @@ void addAnniversaries(ui::Layout& layout, ui::Screen& screen, 宛名設定Form& 
     auto* list = new QListWidget;
     list->setObjectName(u"回忌選択"_s);
     list->setAccessibleName(u"通知する回忌"_s);
-    list->setMinimumHeight(list->fontMetrics().height() * 9);
+    screen.sized([list] { list->setMinimumHeight(list->fontMetrics().height() * 9); });
     layout.widget(list);
     screen.bind({list, &form.回忌選択,
                  [list, &form] {

@@ -1,5 +1,6 @@
 #include "masters/postal_codes.h"
 
+#include "desk/user_settings.h"
 #include "store/database.h"
 #include "values/cp932.h"
 #include "values/numbers.h"
@@ -8,7 +9,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSettings>
 
 #include <algorithm>
 #include <optional>
@@ -25,10 +25,6 @@ constexpr qsizetype fieldsOfLine = 15;
 enum Field { code = 2, prefecture = 6, city, town };
 
 const QString setting = u"postalCodes/file"_s;
-
-QSettings settings() {
-    return QSettings(u"hoshiren"_s, u"hoshiren"_s);
-}
 
 store::Error refused(const QString& path, const QString& why) {
     return {0,
@@ -170,7 +166,7 @@ std::vector<PostalCodes::Place> PostalCodes::places(int code) const {
 }
 
 QString postalCodesFile() {
-    const QString chosen = settings().value(setting).toString();
+    const QString chosen = desk::userSettings().value(setting).toString();
     if (!chosen.isEmpty() && QFileInfo::exists(chosen))
         return chosen;
     const QDir folder = QFileInfo(store::Database::registerPath()).absoluteDir();
@@ -180,7 +176,7 @@ QString postalCodesFile() {
 
 std::size_t choosePostalCodes(const QString& path) {
     const std::size_t size = PostalCodes::read(path).size();
-    settings().setValue(setting, path);
+    desk::userSettings().setValue(setting, path);
     return size;
 }
 

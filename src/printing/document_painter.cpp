@@ -1,5 +1,6 @@
 #include "printing/document_painter.h"
 
+#include "desk/user_settings.h"
 #include "printing/pdf_names_painter.h"
 #include "printing/print_windows_screen.h"
 #include "store/draft.h"
@@ -19,7 +20,6 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QSettings>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -194,7 +194,7 @@ Queue chosenOf(const std::vector<Queue>& queues, const DocumentFacts& facts, Ser
         return *standard;
     if (queues.size() == 1)
         return queues.front();
-    QSettings kept(u"hoshiren"_s, u"hoshiren"_s);
+    QSettings kept = desk::userSettings();
     const auto known = std::ranges::find(queues, kept.value(chosenQueue).toByteArray(), &Queue::name);
     if (known != queues.end())
         return *known;
@@ -234,7 +234,7 @@ PrintedJob printDocument(const PrintedDocument& document, QWidget* opener, QDate
                 "プリンターが動けば印刷されます。もう一度送る必要はありません。"_s.arg(facts.noun, queue.description,
                                                                                        waiting)};
     } catch (const QueueRefused& refusal) {
-        QSettings kept(u"hoshiren"_s, u"hoshiren"_s);
+        QSettings kept = desk::userSettings();
         if (queue.standard || kept.value(chosenQueue).toByteArray() != queue.name)
             throw;
         kept.remove(chosenQueue);

@@ -1,8 +1,7 @@
 #include "printing/label_stock.h"
 
+#include "desk/user_settings.h"
 #include "values/numbers.h"
-
-#include <QSettings>
 
 #include <vector>
 
@@ -201,7 +200,7 @@ template <class Measures, class Take> void eachMeasure(Measures& own, const Take
 } // namespace
 
 KeptStock keptStock() {
-    const QSettings settings(u"hoshiren"_s, u"hoshiren"_s);
+    const QSettings settings = desk::userSettings();
     KeptStock kept;
     OwnMeasures own;
     eachMeasure(own, [&](const QString& key, QString& value) { value = settings.value(key, value).toString(); });
@@ -219,7 +218,7 @@ LabelStock stockKept() {
 }
 
 void keepStock(const KeptStock& kept) {
-    QSettings settings(u"hoshiren"_s, u"hoshiren"_s);
+    QSettings settings = desk::userSettings();
     settings.setValue(keyOfSheet, kept.key);
     if (kept.key == ownStockKey)
         eachMeasure(kept.own, [&](const QString& key, const QString& value) { settings.setValue(key, value); });

@@ -7,72 +7,92 @@
 namespace ui {
 
 BandLayout::~BandLayout() {
-    // A layout that goes takes itself out of the one it stands in.
-    for (QLayoutItem* item : std::exchange(items_, {}))
-        delete item;
+    for (const Frame& frame : std::exchange(frames_, {}))
+        delete frame.item;
 }
 
-void BandLayout::addColumn(QLayout* column) {
-    addChildLayout(column);
-    addItem(column);
+void BandLayout::addFrame(QWidget* frame, bool below) {
+    addWidget(frame);
+    frames_.back().below = below;
 }
 
 void BandLayout::addItem(QLayoutItem* item) {
-    items_.push_back(item);
+    frames_.push_back({item, false});
     invalidate();
 }
 
 QLayoutItem* BandLayout::itemAt(int index) const {
-    return index >= 0 && index < count() ? items_[static_cast<std::size_t>(index)] : nullptr;
+    return index >= 0 && index < count() ? frames_[static_cast<std::size_t>(index)].item : nullptr;
 }
 
 QLayoutItem* BandLayout::takeAt(int index) {
     if (index < 0 || index >= count())
         return nullptr;
-    QLayoutItem* item = items_[static_cast<std::size_t>(index)];
-    items_.erase(items_.begin() + index);
+    QLayoutItem* item = frames_[static_cast<std::size_t>(index)].item;
+    frames_.erase(frames_.begin() + index);
     invalidate();
     return item;
 }
 
 Qt::Orientations BandLayout::expandingDirections() const {
     Qt::Orientations directions;
-    for (const QLayoutItem* item : items_)
-        directions |= item->expandingDirections();
+    for (const Frame& frame : frames_)
+        directions |= frame.item->expandingDirections();
     return directions;
 }
 
 bool BandLayout::hasHeightForWidth() const {
-    return items_.size() > 1 ||
-           std::ranges::any_of(items_, [](const QLayoutItem* item) { return item->hasHeightForWidth(); });
+    return frames_.size() > 1 ||
+           std::ranges::any_of(frames_, [](const Frame& frame) { return frame.item->hasHeightForWidth(); });
+}
+
+std::vector<BandLayout::Column> BandLayout::columns(bool apart) const {
+    std::vector<Column> all;
+    for (std::size_t at = 0; at < frames_.size(); ++at) {
+        if (frames_[at].below && !apart && !all.empty())
+            all.back().end = at + 1;
+        else
+            all.push_back({at, at + 1});
+    }
+    return all;
+}
+
+QSize BandLayout::sizeOf(const Column& column, QSize (QLayoutItem::*of)() const) const {
+    QSize size(0, -spacing());
+    for (std::size_t at = column.first; at < column.end; ++at) {
+        const QSize one = (frames_[at].item->*of)();
+        size = {std::max(size.width(), one.width()), size.height() + spacing() + one.height()};
+    }
+    return size;
 }
 
 // What is over is shared in proportion to the widths that the columns would like; what lacks is taken from what each of
-// them can give.
-std::vector<BandLayout::Line> BandLayout::linesOf(std::size_t columns, int width) const {
+// them can give. Empty where the width does not hold so many columns.
+std::vector<BandLayout::Line> BandLayout::linesOf(const std::vector<Column>& columns, std::size_t across,
+                                                  int width) const {
     std::vector<Line> all;
-    for (std::size_t first = 0; first < items_.size(); first += columns) {
-        const std::size_t end = std::min(first + columns, items_.size());
+    for (std::size_t first = 0; first < columns.size(); first += across) {
+        const std::size_t end = std::min(first + across, columns.size());
         int liked = 0;
         int least = 0;
         for (std::size_t at = first; at < end; ++at) {
-            liked += items_[at]->sizeHint().width();
-            least += items_[at]->minimumSize().width();
+            liked += sizeOf(columns[at], &QLayoutItem::sizeHint).width();
+            least += sizeOf(columns[at], &QLayoutItem::minimumSize).width();
         }
         const int room = width - spacing() * static_cast<int>(end - first - 1);
-        if (room < least && columns > 1)
+        if (room < least && across > 1)
             return {};
         Line line;
         int left = room;
         for (std::size_t at = first; at < end; ++at) {
-            const int hint = items_[at]->sizeHint().width();
-            const int minimum = items_[at]->minimumSize().width();
+            const int hint = sizeOf(columns[at], &QLayoutItem::sizeHint).width();
+            const int minimum = sizeOf(columns[at], &QLayoutItem::minimumSize).width();
             int share = left;
             if (at + 1 < end && room >= liked)
                 share = hint + (room - liked) * hint / std::max(liked, 1);
             else if (at + 1 < end)
                 share = minimum + (room - least) * (hint - minimum) / std::max(liked - least, 1);
-            line.push_back({at, share});
+            line.push_back({columns[at].first, columns[at].end, share});
             left -= share;
         }
         all.push_back(std::move(line));
@@ -84,14 +104,13 @@ const std::vector<BandLayout::Line>& BandLayout::lines(int width) const {
     if (width == linesWidth_)
         return lines_;
     linesWidth_ = width;
-    lines_ = linesOf(items_.size(), width);
-    if (items_.size() > 1 && sizeHint().width() > width) {
-        std::size_t before = items_.size();
-        for (std::size_t count = 2; count <= items_.size(); ++count) {
-            const std::size_t columns = (items_.size() + count - 1) / count;
-            if (columns == std::exchange(before, columns))
-                continue;
-            std::vector<Line> other = linesOf(columns, width);
+    const std::vector<Column> together = columns(false);
+    lines_ = linesOf(together, together.size(), width);
+    if (sizeHint().width() <= width)
+        return lines_;
+    for (const std::vector<Column>& some : {together, columns(true)}) {
+        for (std::size_t count = 1; count <= some.size(); ++count) {
+            std::vector<Line> other = linesOf(some, (some.size() + count - 1) / count, width);
             if (!other.empty() && (lines_.empty() || heightOf(other, false) < heightOf(lines_, false)))
                 lines_ = std::move(other);
         }
@@ -99,15 +118,19 @@ const std::vector<BandLayout::Line>& BandLayout::lines(int width) const {
     return lines_;
 }
 
+int BandLayout::heightOf(const QLayoutItem& item, int width, bool least) {
+    if (item.hasHeightForWidth())
+        return least ? item.minimumHeightForWidth(width) : item.heightForWidth(width);
+    return (least ? item.minimumSize() : item.sizeHint()).height();
+}
+
 int BandLayout::heightOf(const Line& line, bool least) const {
     int height = 0;
-    for (const Cell& cell : line) {
-        const QLayoutItem* item = items_[cell.item];
-        if (item->hasHeightForWidth())
-            height =
-                std::max(height, least ? item->minimumHeightForWidth(cell.width) : item->heightForWidth(cell.width));
-        else
-            height = std::max(height, least ? item->minimumSize().height() : item->sizeHint().height());
+    for (const Column& column : line) {
+        int high = -spacing();
+        for (std::size_t at = column.first; at < column.end; ++at)
+            high += spacing() + heightOf(*frames_[at].item, column.width, least);
+        height = std::max(height, high);
     }
     return height;
 }
@@ -127,15 +150,15 @@ int BandLayout::minimumHeightForWidth(int width) const {
 
 QSize BandLayout::minimumSize() const {
     QSize size;
-    for (const QLayoutItem* item : items_)
-        size = size.expandedTo(item->minimumSize());
+    for (const Frame& frame : frames_)
+        size = size.expandedTo(frame.item->minimumSize());
     return size;
 }
 
 QSize BandLayout::sizeHint() const {
     QSize size(-spacing(), 0);
-    for (const QLayoutItem* item : items_) {
-        const QSize hint = item->sizeHint();
+    for (const Column& column : columns(false)) {
+        const QSize hint = sizeOf(column, &QLayoutItem::sizeHint);
         size = {size.width() + spacing() + hint.width(), std::max(size.height(), hint.height())};
     }
     return size;
@@ -144,16 +167,23 @@ QSize BandLayout::sizeHint() const {
 void BandLayout::setGeometry(const QRect& rectangle) {
     QLayout::setGeometry(rectangle);
     const std::vector<Line>& all = lines(rectangle.width());
-    int y = rectangle.y();
+    int top = rectangle.y();
     for (std::size_t at = 0; at < all.size(); ++at) {
-        // The last line takes the rest: a list there is as high as the window allows.
-        const int height = at + 1 < all.size() ? heightOf(all[at], false) : rectangle.y() + rectangle.height() - y;
+        // The last line, and in a line the last frame of each column, takes the rest: a list there is as high as the
+        // window allows.
+        const int bottom = at + 1 < all.size() ? top + heightOf(all[at], false) : rectangle.y() + rectangle.height();
         int x = rectangle.x();
-        for (const Cell& cell : all[at]) {
-            items_[cell.item]->setGeometry(QRect(x, y, cell.width, height));
-            x += cell.width + spacing();
+        for (const Column& column : all[at]) {
+            int y = top;
+            for (std::size_t frame = column.first; frame < column.end; ++frame) {
+                QLayoutItem* item = frames_[frame].item;
+                const int high = frame + 1 < column.end ? heightOf(*item, column.width, false) : bottom - y;
+                item->setGeometry(QRect(x, y, column.width, high));
+                y += high + spacing();
+            }
+            x += column.width + spacing();
         }
-        y += height + spacing();
+        top = bottom + spacing();
     }
 }
 

@@ -82,11 +82,7 @@ Layout& Layout::frame(const QString& name, const QString& title) {
         band_ = new BandLayout;
         bands_->addLayout(band_);
     }
-    if (next_ != Next::below || !column_) {
-        column_ = new QVBoxLayout;
-        band_->addColumn(column_);
-    }
-    column_->addWidget(box);
+    band_->addFrame(box, next_ == Next::below);
     next_ = Next::band;
     rows_ = new QGridLayout(box);
     shortFrames_.push_back(rows_);
@@ -117,14 +113,20 @@ Layout& Layout::row(const QString& text, const QString& labelName) {
     label_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     // An empty one would take a character's width.
     label_->setHidden(text.isEmpty());
+    screen_.sized([label = label_] { label->setMinimumHeight(0); });
     rows_->addWidget(label_, at, 0, Qt::AlignTop);
     rowName_ = spoken_ = text;
     items_ = nullptr;
     return *this;
 }
 
-int Layout::pixels(int width) const {
-    return screen_.fontMetrics().horizontalAdvance(u'国') * width + 16;
+int widthOf(const Screen& screen, int characters) {
+    return screen.fontMetrics().horizontalAdvance(u'国') * characters + 16;
+}
+
+void Layout::fixWidth(QWidget* widget, int characters, int more) {
+    screen_.sized(
+        [screen = &screen_, widget, characters, more] { widget->setFixedWidth(widthOf(*screen, characters) + more); });
 }
 
 void Layout::place(QWidget* widget) {
@@ -137,8 +139,12 @@ void Layout::place(QWidget* widget) {
     items_->addWidget(widget);
     last_ = widget;
     // The label stands level with the first line of what it names.
-    const int oneLine = screen_.fontMetrics().height() + 14;
-    label_->setMinimumHeight(std::max(label_->minimumHeight(), std::min(widget->sizeHint().height(), oneLine)));
+    screen_.sized([screen = &screen_, label = label_, widget] {
+        const int oneLine = screen->fontMetrics().height() + 14;
+        label->setMinimumHeight(std::max(label->minimumHeight(), std::min(widget->sizeHint().height(), oneLine)));
+        // A label remembers the size that it asked for, its former least height included, until it is laid out anew.
+        label->setIndent(label->indent());
+    });
 }
 
 void Layout::speak(QWidget* widget, const QString& name) {

@@ -147,14 +147,13 @@ class Layout {
     void place(QWidget* widget);
     void label(QWidget* widget);
     void speak(QWidget* widget, const QString& name);
-    int pixels(int width) const;
+    void fixWidth(QWidget* widget, int characters, int more = 0);
     KeyButton* makeButton(const QString& name, const QString& caption, Operation operation, const QString& tooltip);
 
     Screen& screen_;
     QWidget* body_;
     QVBoxLayout* bands_;
     BandLayout* band_ = nullptr;
-    QVBoxLayout* column_ = nullptr;
     QGridLayout* rows_ = nullptr;
     FlowLayout* items_ = nullptr; // of the row
     QLabel* label_ = nullptr;

@@ -2,6 +2,7 @@
 #include "ui/flow_layout.h"
 #include "ui/key_button.h"
 #include "ui/layout.h"
+#include "ui/layout_parts.h"
 
 using namespace Qt::StringLiterals;
 
@@ -42,8 +43,10 @@ Layout& Layout::updating(const QString& name, const QString& caption, Operation 
 Layout& Layout::action(const QString& name, const QString& caption, Operation operation, const QString& tooltip) {
     KeyButton* button = makeButton(name, caption, std::move(operation), tooltip);
     screen_.addKeyButton(button);
-    const QSize hint = button->sizeHint();
-    button->setMinimumSize(std::max(pixels(4), hint.width()), std::max(hint.height(), 34));
+    screen_.sized([screen = &screen_, button] {
+        const QSize hint = button->sizeHint();
+        button->setMinimumSize(std::max(widthOf(*screen, 4), hint.width()), std::max(hint.height(), 34));
+    });
     // As high as the highest of its line.
     button->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Preferred);
     buttons_->addWidget(button);

@@ -21,7 +21,7 @@ Layout& Layout::combo(const QString& name, desk::Combo& value, int width, const 
     // What is typed is stored as typed, also where it begins like an entry.
     box->setCompleter(nullptr);
     box->setMaxVisibleItems(20);
-    box->setFixedWidth(pixels(width) + 24);
+    fixWidth(box, width, 24);
     keepToOneLine(box->lineEdit(), screen_);
     place(box);
     label(box);

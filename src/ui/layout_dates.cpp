@@ -80,7 +80,7 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, desk::Date
     today->setToolTip(u"今日の日付を入れます。日付の欄で F2 を押しても同じです"_s);
     today->setFocusPolicy(Qt::NoFocus);
     today->setAutoDefault(false);
-    today->setFixedWidth(pixels(3) + 8); // four groups of a screen have one each
+    fixWidth(today, 3, 8); // four groups of a screen have one each
     QObject::connect(today, &QPushButton::clicked, &screen_,
                      [screen = &screen_, run = help.today] { screen->operate(run); });
     // In a line of their own: behind the boxes they would make each frame with a date wider. What the screen declares
@@ -103,9 +103,9 @@ Layout& Layout::dates(const DateNames& names, desk::DateGroup& value, desk::Date
 Layout& Layout::live(const QString& name, std::function<LiveText()> text, const std::vector<QString>& controls,
                      int width, int lines) {
     auto* label = new LiveLabel(screen_, name, std::move(text));
-    label->setFixedWidth(pixels(width));
+    fixWidth(label, width);
     label->setWordWrap(lines > 1);
-    label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines);
+    screen_.sized([label, lines] { label->setMinimumHeight(label->fontMetrics().lineSpacing() * lines); });
     place(label);
     last_ = label;
     followed_.emplace_back(label, controls);

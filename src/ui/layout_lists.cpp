@@ -29,6 +29,11 @@ class ListBox : public QListWidget {
         currentItem()->setSelected(true);
         chosen();
     }
+    // Lists that stand side by side keep their lines level whatever the fonts.
+    void level() {
+        for (int i = 0; i < count(); ++i)
+            item(i)->setSizeHint(QSize(0, fontMetrics().height() + 3));
+    }
 
   protected:
     void mousePressEvent(QMouseEvent* event) override {
@@ -63,8 +68,11 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                      const QString& heading) {
     auto* box = new ListBox;
     box->setObjectName(name);
-    box->setFixedWidth(pixels(width));
-    box->setFixedHeight((screen_.fontMetrics().height() + 3) * lines + 8);
+    fixWidth(box, width);
+    screen_.sized([screen = &screen_, box, lines] {
+        box->setFixedHeight((screen->fontMetrics().height() + 3) * lines + 8);
+        box->level();
+    });
     box->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     if (heading.isEmpty()) {
         place(box);
@@ -91,11 +99,9 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                           const int top = box->verticalScrollBar()->value();
                           box->clear();
                           box->addItems(value.items);
-                          for (int i = 0; i < box->count(); ++i) {
+                          for (int i = 0; i < box->count(); ++i)
                               box->item(i)->setToolTip(plainToolTip(value.items[i]));
-                              // Lists that stand side by side keep their lines level whatever the fonts.
-                              box->item(i)->setSizeHint(QSize(0, box->fontMetrics().height() + 3));
-                          }
+                          box->level();
                           box->verticalScrollBar()->setValue(top);
                       }
                       box->setCurrentRow(value.current);
@@ -175,6 +181,7 @@ Layout& Layout::grid(const QString& name, desk::Grid& value, const GridEvents& e
     };
     view->setPreferredRows(visibleRows);
     view->show(value); // columns known beforehand count for the screen's first size
+    screen_.keepsColumns(*view, name);
     grid_ = true;
     bands_->setStretchFactor(band_, 1);
     std::erase(shortFrames_, rows_);

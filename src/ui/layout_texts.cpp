@@ -57,7 +57,7 @@ Layout& Layout::unit(const QString& text) {
 Layout& Layout::text(const QString& name, desk::Text& value, int width) {
     auto* edit = new QLineEdit;
     edit->setObjectName(name);
-    edit->setFixedWidth(pixels(width));
+    fixWidth(edit, width);
     place(edit);
     label(edit);
     screen_.bind({edit, &value, [edit, &value] { value.text = edit->text(); },
@@ -100,7 +100,7 @@ Layout& Layout::namesRecord(int controls) {
 Layout& Layout::shown(const QString& name, desk::Text& value, int width) {
     auto* edit = new QLineEdit;
     edit->setObjectName(name);
-    edit->setFixedWidth(pixels(width));
+    fixWidth(edit, width);
     edit->setReadOnly(true);
     edit->setFocusPolicy(Qt::ClickFocus);
     place(edit);

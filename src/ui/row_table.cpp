@@ -142,7 +142,13 @@ RowTable::RowTable(QWidget* parent) : QTableView(parent), model_(new Model(this)
     horizontalHeader()->setMinimumSectionSize(20);
     horizontalHeader()->setStyle(new HeadingStyle(horizontalHeader()));
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int column) { clickRow(0, column); });
-    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] { pulled_ = pulled_ || !sharing_; });
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+        if (sharing_)
+            return;
+        wished_ = widthsShown();
+        if (pulled)
+            pulled();
+    });
 }
 
 void RowTable::clickRow(int row, int column) {
@@ -153,8 +159,19 @@ void RowTable::clickRow(int row, int column) {
 void RowTable::setColumns(std::vector<desk::GridColumn> columns) {
     columns_ = std::move(columns);
     needed_.assign(columns_.size(), 0);
-    pulled_ = false;
     showRows();
+}
+
+void RowTable::useWidths(std::vector<int> widths) {
+    wished_ = std::move(widths);
+    shareWidth();
+}
+
+std::vector<int> RowTable::widthsShown() const {
+    std::vector<int> widths;
+    for (int at = 0; at < static_cast<int>(columns_.size()); ++at)
+        widths.push_back(columnWidth(at));
+    return widths;
 }
 
 void RowTable::showRows() {
@@ -238,8 +255,18 @@ std::vector<RowTable::Width> RowTable::widths() const {
 }
 
 void RowTable::shareWidth() {
-    if (columns_.empty() || pulled_)
+    if (columns_.empty())
         return;
+    setWidths(wished_.size() == columns_.size() ? wished_ : sharedWidths());
+}
+
+void RowTable::setWidths(const std::vector<int>& widths) {
+    const QScopedValueRollback guard(sharing_, true);
+    for (int at = 0; at < static_cast<int>(widths.size()); ++at)
+        setColumnWidth(at, widths[static_cast<std::size_t>(at)]);
+}
+
+std::vector<int> RowTable::sharedWidths() const {
     std::vector<int> shared;
     std::vector<int> toNeeded;
     std::vector<int> toStart;
@@ -262,9 +289,7 @@ void RowTable::shareWidth() {
             whole[at] = columns_[at].align == desk::Align::right ? 0 : whole[at];
         distribute(left, whole, shared);
     }
-    const QScopedValueRollback guard(sharing_, true);
-    for (int at = 0; at < static_cast<int>(shared.size()); ++at)
-        setColumnWidth(at, shared[static_cast<std::size_t>(at)]);
+    return shared;
 }
 
 QSize RowTable::sizeHint() const {

@@ -15,7 +15,7 @@ namespace ui {
 // the last one; columns from 0. Up and Down pick the neighbour of the picked row and stop at the ends in silence. Page
 // keys and wheel scroll; where the last row is in sight, they turn the page.
 //
-// The columns share the width that is there by what they hold, unless the user has pulled at one.
+// The columns share the width that is there by what they hold, until the user pulls at one.
 class RowTable : public QTableView {
   public:
     explicit RowTable(QWidget* parent = nullptr);
@@ -23,6 +23,7 @@ class RowTable : public QTableView {
     std::function<void(int row, int column)> clickedAt;
     std::function<void()> openRow;              // double click or Enter on the picked row
     std::function<void(bool forward)> turnPage; // the page keys and the wheel have come to its end
+    std::function<void()> pulled;               // the user has given a column another width
 
     // Rows that bear a record, and the one picked last (0 none).
     virtual int filledRows() const = 0;
@@ -40,6 +41,10 @@ class RowTable : public QTableView {
     // Takes the place of all columns. Their twips are the widths to begin with for text of 9 points; what is
     // right-aligned is a number, which must not lose its end.
     void setColumns(std::vector<desk::GridColumn> columns);
+    // Widths in pixels that hold whatever the columns contain, one for each; where they are of another number, as none
+    // are, the columns share the width.
+    void useWidths(std::vector<int> widths);
+    std::vector<int> widthsShown() const;
     // Shows the rows as they are now, from the first one on or so that rowInSight() is in sight.
     void showRows();
     // Another row than `former` is picked now.
@@ -74,6 +79,8 @@ class RowTable : public QTableView {
     std::vector<Width> widths() const;
     void measure() const;
     void shareWidth();
+    void setWidths(const std::vector<int>& widths);
+    std::vector<int> sharedWidths() const;
     void markPicked();
     void keepInSight();
     bool isAtEnd(bool forward) const;
@@ -86,9 +93,9 @@ class RowTable : public QTableView {
     mutable bool measured_ = false;   // since the rows changed
     int inSight_ = 0;                 // row to be kept in sight until somebody scrolls
     int scrolledTo_ = 0;              // for it
-    bool pulled_ = false;             // the user has set a width
-    bool sharing_ = false;
-    int turning_ = 0; // eighths of a degree that the wheel has turned at the end of the page
+    std::vector<int> wished_;         // widths of the user's
+    bool sharing_ = false;            // the program sets widths
+    int turning_ = 0;                 // eighths of a degree that the wheel has turned at the end of the page
     int preferredRows_ = 30;
 };
 

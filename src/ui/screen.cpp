@@ -4,6 +4,7 @@
 #include "ui/message_box.h"
 #include "ui/notice_bar.h"
 #include "ui/plain_text.h"
+#include "ui/window_keeper.h"
 #include "ui/workplace.h"
 
 #include <QAbstractButton>
@@ -150,7 +151,7 @@ class Screen::ScreenDesk : public desk::Desk {
 
 Screen::Screen(Workplace& workplace, const QString& name, const QString& caption, const QString& title, Keeps keeps)
     : workplace_(workplace), title_(title), keeps_(keeps), desk_(std::make_unique<ScreenDesk>(*this)),
-      bar_(new NoticeBar(this)) {
+      keeper_(std::make_unique<WindowKeeper>(*this)), bar_(new NoticeBar(this)) {
     setObjectName(name);
     setWindowTitle(caption);
     setWindowFlag(Qt::Window);
@@ -238,7 +239,7 @@ void Screen::open() {
         operate(load_);
     else
         showForm();
-    fit(freeRoom());
+    takeSize();
 }
 
 void Screen::bind(Binding binding) {
@@ -351,7 +352,9 @@ void Screen::focusMoved(QWidget* from, QWidget* to) {
 }
 
 bool Screen::event(QEvent* event) {
+    windowEvent(*event);
     if (event->type() == QEvent::WindowActivate) {
+        workplace_.usedNow(*this);
         keepOnDisplay();
         lookAgain_ = busy_;
         if (!busy_) {
@@ -373,6 +376,7 @@ void Screen::closeEvent(QCloseEvent* event) {
     readForm();
     if (auto draft = currentDraft())
         workplace_.drafts.keep(std::move(*draft));
+    keepWindow();
     event->accept();
     workplace_.closed(this);
 }

@@ -21,7 +21,9 @@ namespace ui {
 
 class KeyButton;
 class NoticeBar;
+class RowTable;
 class SearchBox;
+class WindowKeeper;
 class Workplace;
 struct BoxPlace;
 enum class NoticeAction;
@@ -136,8 +138,23 @@ class Screen : public QWidget {
     void showForm();
     void readForm();
 
+    // Gives controls sizes that follow from the screen's font: now, and again whenever the text size changes.
+    void sized(std::function<void()> measure);
+    // Text of this widget is always `factor` times as large as the program's.
+    void scaleText(QWidget* widget, double factor);
+    // The user's widths of this table's columns are kept, for all tables of the screen that go by this name.
+    void keepsColumns(RowTable& table, const QString& name);
+
     // Gives the window the size that its contents need, and no more than this.
     void fit(QSize largest);
+    // What the bar has made the window higher, in pixels.
+    int grownBy() const { return grownBy_; }
+    // What the user has just made of the window is kept at once, not a moment later.
+    void keepWindow();
+    // The program's letters have another size.
+    void followTextSize();
+    // The window and its columns are as if the user had never touched them.
+    void resetWindow();
 
   protected:
     // Empties the form; gives what puts it back as it was.
@@ -154,7 +171,11 @@ class Screen : public QWidget {
     friend class Layout;
 
     QSize freeRoom() const;
+    void takeSize();
+    void giveSize(QSize size);
+    int leastWidth() const;
     void keepOnDisplay();
+    void windowEvent(const QEvent& event);
     void reveal(QWidget* widget);
     BoxPlace boxPlace();
     void applyTabOrder();
@@ -194,6 +215,8 @@ class Screen : public QWidget {
     std::vector<std::pair<QPointer<QWidget>, Operation>> leaving_;
     std::vector<std::pair<const QObject*, Operation>> entered_;
     std::vector<std::function<void()>> prepare_;
+    std::vector<std::function<void()>> sized_;
+    std::unique_ptr<WindowKeeper> keeper_;
     Subject subject_;
     NoticeBar* bar_;
     SearchBox* searchBox_ = nullptr;
@@ -226,7 +249,8 @@ class Screen : public QWidget {
     bool lookAgain_ = false;
     bool closing_ = false;
     bool handedOver_ = false;
-    bool placed_ = false; // stands on the display with its frame
+    bool placed_ = false;    // stands on the display with its frame
+    bool sizeLater_ = false; // takes its size when it no longer fills the display
 };
 
 // A screen with its form.

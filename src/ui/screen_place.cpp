@@ -2,6 +2,7 @@
 #include "ui/message_box.h"
 #include "ui/notice_bar.h"
 #include "ui/screen.h"
+#include "ui/window_keeper.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -9,6 +10,7 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStyle>
+#include <QTimer>
 #include <QWindow>
 
 #include <algorithm>
@@ -57,7 +59,95 @@ void Screen::fit(QSize largest) {
     const int high = height(width);
     if (high > largest.height())
         width = std::min(width + style()->pixelMetric(QStyle::PM_ScrollBarExtent), largest.width());
-    resize(width, std::min(high, largest.height()));
+    const int given = std::min(high, largest.height());
+    grownBy_ = given - std::min(high - notice, largest.height());
+    giveSize({width, given});
+}
+
+void Screen::giveSize(QSize size) {
+    resize(size);
+    keeper_->settle(this->size());
+}
+
+// Of the controls and the buttons: sideways nothing scrolls.
+int Screen::leastWidth() const {
+    return std::max(area_->widget()->layout()->minimumSize().width(), buttons_->layout()->minimumSize().width());
+}
+
+// The size that the user gave the window last. Letters of another size make it larger or smaller in proportion, but
+// never too small for what it shows.
+void Screen::takeSize() {
+    if (isMaximized()) {
+        sizeLater_ = true;
+        return;
+    }
+    fit(freeRoom());
+    const auto kept = keeper_->window();
+    if (!kept || !area_)
+        return;
+    const int letters = fontMetrics().height();
+    QSize size = kept->size;
+    if (letters != kept->letters)
+        size = (size * letters / kept->letters).expandedTo({width(), height() - grownBy_});
+    size.rheight() += grownBy_;
+    giveSize(size.expandedTo({leastWidth(), 0}).boundedTo(freeRoom()));
+    if (kept->maximised && !isVisible()) {
+        keeper_->settle(true);
+        setWindowState(windowState() | Qt::WindowMaximized);
+    }
+}
+
+void Screen::sized(std::function<void()> measure) {
+    measure();
+    sized_.push_back(std::move(measure));
+}
+
+void Screen::scaleText(QWidget* widget, double factor) {
+    sized([widget, factor] {
+        QFont font;
+        font.setPointSizeF(QApplication::font().pointSizeF() * factor);
+        widget->setFont(font);
+    });
+}
+
+void Screen::keepsColumns(RowTable& table, const QString& name) {
+    keeper_->add(table, name);
+}
+
+void Screen::keepWindow() {
+    keeper_->keepNow();
+}
+
+void Screen::followTextSize() {
+    for (const auto& measure : sized_)
+        measure();
+    keeper_->showColumns();
+    takeSize();
+    placed_ = !isVisible();
+    keepOnDisplay();
+}
+
+void Screen::resetWindow() {
+    keeper_->forget();
+    if (isMaximized())
+        showNormal();
+    keeper_->settle(false);
+    takeSize();
+    placed_ = !isVisible();
+    keepOnDisplay();
+}
+
+// What the window manager does to the window is the user's doing, once it stands in its place.
+void Screen::windowEvent(const QEvent& event) {
+    if (event.type() == QEvent::Resize && event.spontaneous() && placed_)
+        keeper_->changed();
+    if (event.type() != QEvent::WindowStateChange)
+        return;
+    keeper_->changed();
+    if (sizeLater_ && !isMaximized() && !isMinimized()) {
+        sizeLater_ = false;
+        QTimer::singleShot(0, this, [this] { takeSize(); });
+    }
 }
 
 // What the frame really takes is known as soon as the window stands.
@@ -68,7 +158,7 @@ void Screen::keepOnDisplay() {
     const QRect room = screen()->availableGeometry();
     const QSize frame = frameGeometry().size() - size();
     if (frameGeometry().width() > room.width() || frameGeometry().height() > room.height())
-        resize(size().boundedTo(room.size() - frame));
+        giveSize(size().boundedTo(room.size() - frame));
     QRect place(frameGeometry().topLeft(), size() + frame);
     if (room.contains(place))
         return;

@@ -195,7 +195,7 @@ void Screen::showFor(const Draft& draft) {
         strayKey_ = draft.key;
     refreshBar();
     if (!shown)
-        fit(freeRoom());
+        takeSize();
 }
 
 // The key of the draft that the bar offers: of the record shown, or of one that is gone.
@@ -305,14 +305,14 @@ void Screen::fitBar() {
     if (!isVisible() || isMaximized() || !screen())
         return;
     if (!bar_->isVisibleTo(this)) {
-        resize(width(), height() - std::exchange(grownBy_, 0));
+        giveSize({width(), height() - std::exchange(grownBy_, 0)});
         return;
     }
     const int needed = bar_->sizeHint().height();
     if (frameGeometry().bottom() + needed > screen()->availableGeometry().bottom())
         return;
     grownBy_ = needed;
-    resize(width(), height() + needed);
+    giveSize({width(), height() + needed});
 }
 
 void Screen::barPressed(NoticeAction action) {

@@ -100,6 +100,10 @@ SearchBox::SearchBox(Screen& screen) : screen_(screen) {
         }
         find(false);
     });
+    screen.sized([this] {
+        if (showsResults())
+            place();
+    });
     watch_.setInterval(betweenLooks);
     connect(&watch_, &QTimer::timeout, this, [this] {
         if (screen_.workplace().finder && screen_.workplace().finder->revision() != revision_)
@@ -130,6 +134,7 @@ void SearchBox::prepare() {
     note_->setObjectName(u"さがす案内"_s);
     note_->setWordWrap(true);
     column->addWidget(note_);
+    screen_.keepsColumns(*table_, table_->objectName());
 }
 
 bool SearchBox::showsResults() const {

@@ -1,8 +1,12 @@
 #include "ui/workplace.h"
 
+#include "desk/user_settings.h"
 #include "ui/message_box.h"
 #include "ui/search_box.h"
+#include "ui/window_keeper.h"
 
+#include <QApplication>
+#include <QDir>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
@@ -87,6 +91,24 @@ void Workplace::goToSearch(Screen& from) {
         there->searchBox()->begin();
 }
 
+void Workplace::bringForward() {
+    const auto raise = [](QWidget* window) {
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        window->raise();
+    };
+    for (Screen* screen : std::as_const(open_)) {
+        if (screen->isVisible())
+            raise(screen);
+    }
+    QWidget* front = used_ ? used_.data() : find(first_);
+    for (QWidget* window : {front, QApplication::activeModalWidget()}) {
+        if (!window)
+            continue;
+        raise(window);
+        window->activateWindow();
+    }
+}
+
 void Workplace::forgetDeleted() {
     for (Screen* screen : std::as_const(open_))
         screen->forget(context);
@@ -99,6 +121,29 @@ Screen* Workplace::find(const QString& name) const {
 
 bool Workplace::operating() const {
     return std::any_of(open_.begin(), open_.end(), [](const Screen* screen) { return screen->operating(); });
+}
+
+bool Workplace::chooseTextSize(TextSize size) {
+    for (Screen* screen : std::as_const(open_))
+        screen->keepWindow();
+    useTextSize(size);
+    for (Screen* screen : std::as_const(open_))
+        screen->followTextSize();
+    return keepTextSize(size);
+}
+
+bool Workplace::resetWindows() {
+    const bool forgotten = WindowKeeper::forgetKept();
+    for (Screen* screen : std::as_const(open_))
+        screen->resetWindow();
+    return forgotten;
+}
+
+void Workplace::tellNotKept(Screen& screen) {
+    if (!std::exchange(toldNotKept_, true))
+        screen.say(
+            u"窓の大きさと列の幅を、次に起動するときまで残せません。設定のファイル「%1」に書き込めるか確認して下さい。"_s
+                .arg(QDir::toNativeSeparators(desk::userSettings().fileName())));
 }
 
 void Workplace::closed(Screen* screen) {

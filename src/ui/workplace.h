@@ -3,6 +3,7 @@
 #include "desk/finder.h"
 #include "desk/screen_context.h"
 #include "ui/screen.h"
+#include "ui/text_size.h"
 
 #include <QDate>
 #include <QHash>
@@ -47,9 +48,19 @@ class Workplace {
 
     // Whether no screen but this one is open.
     bool isLast(const Screen& screen) const { return open_.size() == 1 && open_.contains(screen.objectName()); }
+    // Brings all screens to the front, the one used last before the others and a box that is open before it.
+    void bringForward();
+    void usedNow(Screen& screen) { used_ = &screen; }
 
     // Whether a screen is in the middle of an operation, or waits in one for an answer.
     bool operating() const;
+
+    // Gives all text this size, at once and at the next start; false where it cannot be kept for that.
+    bool chooseTextSize(TextSize size);
+    // All windows and columns are as if the user had never touched them; false where that cannot be kept.
+    bool resetWindows();
+    // Says in the bar of the screen, once a run, that what the user made of a window is not there at the next start.
+    void tellNotKept(Screen& screen);
 
     // A screen has accepted its closing: it is let go and its waiting openers are told.
     void closed(Screen* screen);
@@ -62,6 +73,8 @@ class Workplace {
     QHash<QString, ScreenMaker> makers_;
     QHash<QString, Screen*> open_;
     QString first_; // opened
+    QPointer<Screen> used_;
+    bool toldNotKept_ = false;
     QHash<QString, std::vector<Waiting>> waiting_;
 };
 

@@ -4,6 +4,7 @@
 #include "app/screens.h"
 
 #include <QApplication>
+#include <QSettings>
 
 #include <utility>
 
@@ -49,6 +50,9 @@ int main(int argc, char* argv[]) {
     // Nothing is printed on the printer of whoever runs the tests.
     qputenv("CUPS_SERVER", "/nonexistent");
     QApplication application(argc, argv);
+    // The letters are not as large as the machine's user wants them.
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
     app::prepare(application);
     return RUN_ALL_TESTS();
 }

@@ -11,6 +11,8 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
+#include <QSettings>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTextStream>
 
@@ -41,7 +43,6 @@ int main(int argc, char* argv[]) {
             std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
     });
     QApplication application(argc, argv);
-    app::prepare(application);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(u"Drives the program's own screens and leaves pictures of them."_s);
@@ -57,6 +58,10 @@ int main(int argc, char* argv[]) {
         return 2;
     }
     const QDir folder(parser.positionalArguments().constFirst());
+    // What is chosen here is not what its user chose.
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    app::prepare(application);
     try {
         if (!folder.mkpath(u"."_s))
             throw std::runtime_error("the folder cannot be made: " + folder.path().toStdString());

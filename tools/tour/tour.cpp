@@ -14,7 +14,6 @@
 #include <QPixmap>
 #include <QPrinterInfo>
 #include <QScopeGuard>
-#include <QSettings>
 #include <QTabWidget>
 #include <QTest>
 #include <QTextStream>
@@ -39,8 +38,6 @@ class Tour : public drive::ScreenDriver {
         : ScreenDriver([this](const QString& failure) { failures_ += failure; }), folder_(folder) {
         workplace->today = [] { return today; };
         workplace->finder = std::make_unique<search::RegisterFinder>([this] { return workplace->operating(); });
-        // What is chosen here is not what its user chose.
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.filePath(u"settings"_s));
         require(QPrinterInfo::defaultPrinter().isNull(), u"there is a printer, and the label would be printed on it"_s);
     }
 
@@ -128,6 +125,7 @@ class Tour : public drive::ScreenDriver {
     void copies();
     void search();
     void searchFor(const QString& words);
+    void settings();
 
     QDir folder_;
     QStringList failures_;
@@ -399,6 +397,17 @@ void Tour::search() {
     done(u"the dead is found by her posthumous name, her family by the end of its telephone number"_s);
 }
 
+// Larger letters at once, on what is open, too.
+void Tour::settings() {
+    const QString name = u"設定"_s;
+    press(u"メニュー"_s, name);
+    save(screen(name), name);
+    press(name, u"特大"_s);
+    save(screen(u"檀家登"_s), u"特大"_s);
+    press(name, u"標準"_s);
+    close(name);
+}
+
 void Tour::documents() {
     open(u"メニュー"_s);
     save(screen(u"メニュー"_s), u"menu"_s);
@@ -409,6 +418,7 @@ void Tour::documents() {
     workplace->context.publishHousehold(3);
     open(u"檀家登"_s);
     save(screen(u"檀家登"_s), u"household"_s);
+    settings();
     type(u"檀家登"_s, u"frm01_biko"_s, u"年忌の案内は長男へ"_s);
     close(u"檀家登"_s);
     open(u"檀家登"_s);
