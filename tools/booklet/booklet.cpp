@@ -101,7 +101,7 @@ QByteArray Booklet::pdf() {
         painter.translate(dots(margin), dots(margin) - part.top());
         painter.setClipRect(part.adjusted(-dots(2), 0, dots(2), -dots(0.2)));
         QAbstractTextDocumentLayout::PaintContext context;
-        context.clip = part;
+        context.clip = part.adjusted(0, dots(0.5), 0, -dots(0.5)); // a line at the edge belongs to the other page
         context.palette.setColor(QPalette::Text, Qt::black);
         text_.documentLayout()->draw(&painter, context);
         painter.restore();
