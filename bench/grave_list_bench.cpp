@@ -147,7 +147,7 @@ int main(int argc, char** argv) {
                              "2026-11-22", "2027-11-22", desk::pageRows + 1);
             });
         bench::compare(
-            "fee notices: count and sum of 12,000", 1.25, 25, 10, [&] { fees.count(); },
+            "fee notices: count and sum of 12,000", 1.5, 25, 10, [&] { fees.count(); },
             [&] {
                 selectByHand(due.toStdString(),
                              "SELECT count(*), sum(tblhak_kanri_ryokin) FROM tbl_ohaka "

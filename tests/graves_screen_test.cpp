@@ -198,6 +198,7 @@ TEST_F(GraveScreens, AReceiptTakesFourPresses) {
     for (const auto& [width, place] : {std::pair(500, 1), {3000, 14}, {500, 1}}) {
         view.setFixedWidth(width);
         QTRY_COMPARE(view.horizontalHeader()->visualIndex(14), place);
+        EXPECT_EQ(view.horizontalHeader()->visualIndex(13), place - 1);
         EXPECT_EQ(ticks(1), u"☐☑"_s);
     }
 }

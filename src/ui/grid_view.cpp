@@ -57,11 +57,13 @@ void GridView::updateGeometries() {
     if (header.count() != std::ssize(grid_.columns))
         return;
     const bool inFront = header.length() > viewport()->width();
-    int place = inFront ? 0 : header.count() - static_cast<int>(grid_.tickColumns.size());
-    for (const int column : grid_.tickColumns) {
+    // The outermost one first: it moves those between.
+    const int ticks = static_cast<int>(grid_.tickColumns.size());
+    for (int i = 0; i < ticks; ++i) {
+        const int column = grid_.tickColumns[static_cast<std::size_t>(inFront ? i : ticks - 1 - i)];
+        const int place = inFront ? i : header.count() - 1 - i;
         if (header.visualIndex(column) != place)
             header.moveSection(header.visualIndex(column), place);
-        ++place;
     }
 }
 
