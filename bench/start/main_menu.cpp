@@ -12,7 +12,6 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     app::prepare(application);
     app::OpenProgram program(store::Database::registerPath());
-    program.begin();
     store::bringBackToOneFile(store::Database::registerPath());
     ui::Workplace workplace(app::screens());
     workplace.finder = std::make_unique<search::RegisterFinder>([&workplace] { return workplace.operating(); });

@@ -41,7 +41,6 @@ int main(int argc, char* argv[]) {
     app::OpenProgram program(store::Database::registerPath());
     if (QApplication::arguments().contains(u"--once"_s) && isOpenAlready(program))
         return 0;
-    program.begin();
     try {
         store::bringBackToOneFile(store::Database::registerPath());
     } catch (const std::exception& failure) {

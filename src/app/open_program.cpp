@@ -7,7 +7,6 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 #include <QThread>
-#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +17,7 @@ namespace {
 // By this a desktop knows that it was the user who wanted the window in front.
 constexpr auto activationToken = "XDG_ACTIVATION_TOKEN";
 constexpr unsigned long betweenLooks = 20; // ms
+constexpr std::chrono::milliseconds afterTheStart{200};
 
 QString folderOf(const QString& registerPath) {
     const QString place = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
@@ -63,18 +63,20 @@ OpenProgram::Found OpenProgram::bringForward(std::chrono::milliseconds patience)
     return Found::silent;
 }
 
-void OpenProgram::begin() {
-    isFirst();
+void OpenProgram::onAsked(std::function<void()> comeForward) {
+    comeForward_ = std::move(comeForward);
+    begin_.setSingleShot(true);
+    begin_.callOnTimeout([this] { listen(); });
+    begin_.start(afterTheStart);
 }
 
-void OpenProgram::onAsked(std::function<void()> comeForward) {
-    if (!lock_ || !lock_->isLocked())
+void OpenProgram::listen() {
+    if (folder_.isEmpty() || !isFirst())
         return;
-    comeForward_ = std::move(comeForward);
-    QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, &watcher_, [this] { look(); });
-    watcher_.addPath(folder_);
+    watcher_ = std::make_unique<QFileSystemWatcher>(QStringList{folder_});
+    QObject::connect(watcher_.get(), &QFileSystemWatcher::directoryChanged, watcher_.get(), [this] { look(); });
     // Somebody who started the program twice at once has asked already.
-    QTimer::singleShot(0, &watcher_, [this] { look(); });
+    look();
 }
 
 void OpenProgram::look() {

@@ -3,6 +3,7 @@
 #include <QFileSystemWatcher>
 #include <QLockFile>
 #include <QString>
+#include <QTimer>
 
 #include <chrono>
 #include <functional>
@@ -26,20 +27,21 @@ class OpenProgram {
     };
     // Looks for the first one; a program that crashed is none. Where there is one, asks it to come forward.
     Found bringForward(std::chrono::milliseconds patience);
-    // This program is the first one, unless there is one.
-    void begin();
-    // From now on runs when another program asks for it.
+    // Runs when another program asks for it. Begins a moment later, so that the start costs nothing; this program is
+    // the first one then, unless there is one.
     void onAsked(std::function<void()> comeForward);
 
   private:
     bool isFirst();
+    void listen();
     void look();
 
     QString folder_; // empty where there is none for such things
     QString request_;
     std::unique_ptr<QLockFile> lock_;
-    QFileSystemWatcher watcher_;
     std::function<void()> comeForward_;
+    std::unique_ptr<QFileSystemWatcher> watcher_;
+    QTimer begin_;
 };
 
 } // namespace app

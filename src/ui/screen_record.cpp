@@ -309,10 +309,15 @@ void Screen::fitBar() {
         return;
     }
     const int needed = bar_->sizeHint().height();
-    if (frameGeometry().bottom() + needed > screen()->availableGeometry().bottom())
+    const QRect room = screen()->availableGeometry();
+    // At the lower edge it grows upwards: the fields stay where they are.
+    const int up = std::max(0, frameGeometry().bottom() + needed - room.bottom());
+    if (frameGeometry().top() - up < room.top())
         return;
     grownBy_ = needed;
     giveSize({width(), height() + needed});
+    if (up > 0)
+        move(pos() - QPoint(0, up));
 }
 
 void Screen::barPressed(NoticeAction action) {
