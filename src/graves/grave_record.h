@@ -90,8 +90,8 @@ void sayNumberChanged(const QString& title, desk::Desk& desk);
 void startToday(GraveFields& fields, desk::Desk& desk);
 // 受領今日: the management fee is received today.
 void receiveToday(GraveFields& fields, desk::Desk& desk);
-// 次回翌年: the fee is billed again a year after the next billing date that stands in the boxes or, where they are empty,
-// after its receipt (of 29 February, on the 28th). Where there is no such date the bar says so.
+// 次回翌年: the fee is billed again a year after the next billing date that stands in the boxes or, where they are
+// empty, after its receipt (of 29 February, on the 28th). Where there is no such date the bar says so.
 void billNextYear(GraveFields& fields, desk::Desk& desk);
 
 } // namespace graves
