@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QEvent>
 
+#include <algorithm>
 #include <array>
 
 using namespace Qt::StringLiterals;

@@ -4,6 +4,7 @@
 #include "ui/row_table.h"
 #include "ui/workplace.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
