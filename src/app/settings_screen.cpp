@@ -5,8 +5,6 @@
 
 #include <QDir>
 
-#include <utility>
-
 using namespace Qt::StringLiterals;
 
 namespace app {
@@ -20,7 +18,7 @@ struct 設定Form {
 };
 
 void showSize(設定Form& form) {
-    const ui::TextSize size = ui::keptTextSize();
+    const ui::TextSize size = ui::textSize();
     form.標準.chosen = size == ui::TextSize::standard;
     form.大.chosen = size == ui::TextSize::large;
     form.特大.chosen = size == ui::TextSize::largest;

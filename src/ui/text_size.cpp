@@ -33,6 +33,11 @@ const Size& sizeOf(TextSize size) {
 
 const QString setting = u"appearance/textSize"_s;
 
+TextSize& inUse() {
+    static TextSize size = TextSize::standard;
+    return size;
+}
+
 QFont& standardFont() {
     static QFont font;
     return font;
@@ -56,6 +61,7 @@ void beginWithFont(const QFont& standard) {
 }
 
 void useTextSize(TextSize size) {
+    inUse() = size;
     QFont font = standardFont();
     font.setPointSizeF(font.pointSizeF() * sizeOf(size).factor);
     if (font == QApplication::font())
@@ -63,6 +69,10 @@ void useTextSize(TextSize size) {
     QApplication::setFont(font);
     // Widgets are told by events that wait: whoever measures next shall find the new letters.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::ApplicationFontChange);
+}
+
+TextSize textSize() {
+    return inUse();
 }
 
 } // namespace ui

@@ -16,5 +16,6 @@ bool keepTextSize(TextSize size);
 void beginWithFont(const QFont& standard);
 // Gives the program's letters this size, on all that is open.
 void useTextSize(TextSize size);
+TextSize textSize();
 
 } // namespace ui
