@@ -24,6 +24,13 @@ int failed(const QString& message) {
     return 1;
 }
 
+bool shown(const QString& path) {
+    const QString opener = QStandardPaths::findExecutable(u"xdg-open"_s);
+    // It ends with whether there is a program for such files, which the toolkit does not wait for.
+    return opener.isEmpty() ? QDesktopServices::openUrl(QUrl::fromLocalFile(path))
+                            : QProcess::execute(opener, {path}) == 0;
+}
+
 // --open NAME: one of the documents that are installed with the program, in the desktop's own program for PDF files.
 int openDocument(const QString& name) {
     const QDir programs(QCoreApplication::applicationDirPath());
@@ -31,7 +38,7 @@ int openDocument(const QString& name) {
     const QString shownPath = QDir::toNativeSeparators(path);
     if (!QFileInfo::exists(path))
         return failed(u"「%1」がありません。Hoshiren を入れ直して下さい。\n%2"_s.arg(name, shownPath));
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+    if (!shown(path))
         return failed(u"「%1」を開けません。\nPDF を見るプログラムを入れて下さい。\n%2"_s.arg(name, shownPath));
     return 0;
 }

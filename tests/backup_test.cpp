@@ -277,7 +277,7 @@ TEST_F(Backups, NamesAreBroughtIntoStepWithTheirHouseholds) {
           (8, 0, '原', 'ハラ'), (8, 1, '原田', 'ハラダ');
         INSERT INTO tbl_kazoku (tblkzk_no1, tblkzk_no2, tblkzk_dnknameg, tblkzk_dnknamek, tblkzk_nameg) VALUES
           (7, 0, '旧', 'キュウ', '一郎'), (7, 0, '山田', 'ヤマタ', '二郎'), (7, 0, '山田', 'ヤマダ', '三郎'),
-          (7, 0, '旧', 'キュウ', '三郎'), (8, 1, '旧', 'キュウ', '分家'), (8, 5, '原', 'ハラ', '本家'),
+          (7, 0, '旧', 'キュウ', '三郎'), (8, 1, '旧', 'キュウ', '分家'), (8, 0, '旧', 'キュウ', '新家'), (8, 5, '原', 'ハラ', '本家'),
           (9, 0, '無', 'ム', '無縁');
         INSERT INTO tbl_kakocho (tblkak_no, tblkak_dnknameg, tblkak_zokunameg) VALUES (8, '旧', 'ハナ'), (8, '原田', 'ウメ');
         INSERT INTO tbl_hohyo (tblhoy_no, tblhoy_danknameg, tblhoy_zokunameg, tblhoy_kaiki_mei) VALUES (7, '旧', '祖父', '1周忌');
@@ -290,13 +290,14 @@ TEST_F(Backups, NamesAreBroughtIntoStepWithTheirHouseholds) {
             lines << u"%1 %2 %3 %4→%5"_s.arg(copy.household).arg(copy.kind, copy.name, copy.copied, copy.own);
         return lines;
     };
-    // One would be the other 三郎, one has no sole household.
-    const QStringList left{u"7 家族 三郎 旧（キュウ）→山田（ヤマダ）"_s, u"8 過去帳 ハナ 旧（）→"_s};
-    EXPECT_EQ(
-        lines(store::findNameCopies(database)),
-        (QStringList{u"7 家族 一郎 旧（キュウ）→山田（ヤマダ）"_s, left[0],
-                     u"7 家族 二郎 山田（ヤマタ）→山田（ヤマダ）"_s, u"7 法要 祖父 1周忌 旧（）→山田（ヤマダ）"_s,
-                     u"7 お墓 3 旧（）→山田（ヤマダ）"_s, u"8 家族 分家 旧（キュウ）→原田（ハラダ）"_s, left[1]}));
+    // One would be the other 三郎, two have no sole household: 0 is the branch of every member entered on a screen.
+    const QStringList left{u"7 家族 三郎 旧（キュウ）→山田（ヤマダ）"_s, u"8 家族 新家 旧（キュウ）→"_s,
+                           u"8 過去帳 ハナ 旧（）→"_s};
+    EXPECT_EQ(lines(store::findNameCopies(database)),
+              (QStringList{u"7 家族 一郎 旧（キュウ）→山田（ヤマダ）"_s, left[0],
+                           u"7 家族 二郎 山田（ヤマタ）→山田（ヤマダ）"_s, u"7 法要 祖父 1周忌 旧（）→山田（ヤマダ）"_s,
+                           u"7 お墓 3 旧（）→山田（ヤマダ）"_s, u"8 家族 分家 旧（キュウ）→原田（ハラダ）"_s, left[1],
+                           left[2]}));
     EXPECT_EQ(lines(store::writeNameCopies(database)), left);
     EXPECT_EQ(query(u"SELECT tblkzk_nameg, tblkzk_dnknameg, tblkzk_dnknamek, tblkzk_kanaidx FROM tbl_kazoku "
                     "WHERE tblkzk_kanaidx IS NOT NULL ORDER BY 1"_s),

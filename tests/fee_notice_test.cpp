@@ -233,7 +233,7 @@ TEST_F(FeeNotices, OwedIsWhatAHouseholdShouldHavePaidBeforeToday) {
     showOwed();
     form.count();
     EXPECT_EQ(numbers() + form.件数表示.text, u"1 21–2／2件"_s);
-    EXPECT_EQ(form.range(), u"未納（次回請求日が2008/02/12より前）　合計 24,000円"_s);
+    EXPECT_EQ(form.printedRange(), u"未納（次回請求日が2008/02/12より前）　合計 24,000円"_s);
     desk.expect(form.choice->rests, u"宛名印刷"_s);
     printFeeLabels(form, printer, desk);
     EXPECT_TRUE(printer.jobs.empty());

@@ -55,6 +55,10 @@ TEST_F(Keys, EachIsDrawnUniqueAndTheSameOnEveryScreen) {
         for (ui::KeyButton* button : shown.keyButtons()) {
             SCOPED_TRACE(button->objectName().toStdString());
             const auto* shortcut = button->findChild<QShortcut*>();
+            if (button->text() == u"廃棄"_s) { // it asks nothing
+                EXPECT_FALSE(shortcut);
+                continue;
+            }
             ASSERT_TRUE(shortcut && !button->character().isNull());
             EXPECT_FALSE(button->text().contains(u'&'));
             for (const QKeySequence& one : shortcut->keys()) {

@@ -122,6 +122,15 @@ TEST(PagingList, WheelAndKeyFindBackFromAnyPage) {
     while (bench.list.firstNumber() > 1)
         bench.back();
     EXPECT_EQ(bench.page(), "1-30");
+    // Also where the list went on amid itself, and where the first row shown has left it meanwhile.
+    bench.list.fillFromKey(88, bench.source(), bench.grid, bench.desk);
+    bench.back();
+    EXPECT_EQ(bench.page(), "59-88");
+    std::erase(bench.records, 59);
+    bench.list.fillFromKey(88, bench.source(), bench.grid, bench.desk);
+    std::erase(bench.records, 88);
+    bench.back();
+    EXPECT_EQ(bench.page(), "58-89");
 }
 
 TEST(PagingList, FiftySlotsReachBackFromTheFiftiethPage) {

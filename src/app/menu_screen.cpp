@@ -269,17 +269,6 @@ std::unique_ptr<ui::Screen> メニュー(ui::Workplace& workplace) {
 
     menu->asksForNoRecord();
     menu->onIdleBar([&workplace] { return draftsText(workplace.drafts); }, [&workplace] { workplace.showDraft(); });
-    // Unsaved inputs last as long as the program runs, and the bar lists them; a key pressed once too often does not
-    // end it.
-    menu->onKeyClosing([menu, &workplace] {
-        bool close = !workplace.isLast(*menu) || workplace.drafts.all().empty();
-        if (!close)
-            menu->operate([menu, &close] {
-                close = menu->desk().ask(u"保存していない入力があります。\n終了すると消えます。終了しますか？"_s,
-                                         menu->title(), desk::Preset::no);
-            });
-        return close;
-    });
     menu->onOpen([menu] {
         menu->context().G初期値();
         menu->context().dnk_no1 = 0;

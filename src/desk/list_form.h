@@ -45,6 +45,8 @@ struct AnyList {
     virtual bool sumsUp() const { return false; }
     // What is listed, as its printed form tells it: a household, a section, a range of days.
     virtual QString range() const { return {}; }
+    // The same with what the list comes to, where that belongs above its printed form.
+    virtual QString printedRange() const { return range(); }
 
   protected:
     AnyList() = default;

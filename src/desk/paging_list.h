@@ -179,23 +179,26 @@ template <class Row, class Key> class PagingList {
     // The page before the one shown, however many were turned: where the page tables do not know it, the list is read
     // from its start.
     void pageBefore(const Source& source, Grid& grid, Desk& desk) {
-        if (rows_.empty() || std::ranges::find(ends_, Slot(position_)) != ends_.end()) {
+        if (rows_.empty() || std::find(ends_.begin() + 1, ends_.end(), Slot(position_)) != ends_.end()) {
             previousPage(source, grid, desk);
             return;
         }
         std::deque<Key> before;
         int number = 0;
+        bool here = false;
         eachListed(source, [&](const Row& row) {
-            const Key here = description_.key(row);
-            if (here == description_.key(rows_.front()))
+            const Key key = description_.key(row);
+            // The first rows shown may have left the list.
+            here = std::ranges::any_of(rows_, [&](const Row& shown) { return description_.key(shown) == key; });
+            if (here)
                 return false;
-            before.push_back(here);
+            before.push_back(key);
             ++number;
             if (before.size() == pageRows)
                 before.pop_front();
             return true;
         });
-        if (before.empty())
+        if (!here || before.empty())
             showFirstPage(source, grid, desk);
         else
             fillFrom(before.front(), number - static_cast<int>(before.size()) + 1, source, grid, desk);

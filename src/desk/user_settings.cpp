@@ -1,11 +1,24 @@
 #include "desk/user_settings.h"
 
+#include <memory>
+
 using namespace Qt::StringLiterals;
 
 namespace desk {
 
+namespace {
+
+const QString owner = u"hoshiren"_s;
+
+} // namespace
+
 QSettings userSettings() {
-    return QSettings(u"hoshiren"_s, u"hoshiren"_s);
+    // What was set in a file that cannot be written lasts as long as somebody has it open.
+    static std::unique_ptr<const QSettings> open;
+    const QString file = QSettings(owner, owner).fileName();
+    if (!open || open->fileName() != file)
+        open = std::make_unique<const QSettings>(owner, owner);
+    return QSettings(owner, owner);
 }
 
 // A file that was damaged is written anew from what could be read of it: that is no failure.

@@ -77,9 +77,12 @@ void readAgain(ChosenGraves& chosen, const std::vector<ListedGrave>& page) {
 
 QString お墓通Form::range() const {
     if (owedBefore.isValid())
-        return u"未納（次回請求日が%1より前）"_s.arg(values::dateText(owedBefore)) +
-               (sum_ ? u"　合計 "_s + sumText(*sum_) : QString());
+        return u"未納（次回請求日が%1より前）"_s.arg(values::dateText(owedBefore));
     return values::dateText(from) + u'～' + values::dateText(to);
+}
+
+QString お墓通Form::printedRange() const {
+    return owedBefore.isValid() && sum_ ? range() + u"　合計 "_s + sumText(*sum_) : range();
 }
 
 void お墓通Form::setListed(const Listed& what) {
@@ -108,7 +111,7 @@ bool お墓通Form::read(const BillingKey& key, const Take& take) const {
         std::max(beginning().billing, key.billing), lastListed());
     bool found = false;
     while (graves.next()) {
-        found = found || graves.row().tblhak_no >= key.grave;
+        found = found || graves.row().tblhak_kanri_nxymd > key.billing || graves.row().tblhak_no >= key.grave;
         if (found && !take({graves.row()}))
             break;
     }
@@ -141,7 +144,7 @@ void お墓通Form::count() {
         sum.executeStep();
         sum_ = {sum.getColumn(0).getInt64(), sum.getColumn(1).getInt64(), sum.getColumn(2).getInt64()};
     } catch (const std::exception&) {
-        sum_.reset(); // the count tells that the register cannot be read now
+        sum_.reset();
     }
     ListForm::count();
     showChosen();
@@ -152,6 +155,8 @@ void お墓通Form::showChosen() {
     QStringList told;
     if (sum_)
         told << u"合計 "_s + sumText(*sum_);
+    else if (summed_ && !list.rows().empty())
+        told << u"（合計を読めませんでした）"_s;
     if (!chosen->empty())
         told << u"受領 %1件 %2"_s.arg(chosen->size()).arg(sumText(sumOf(*chosen)));
     合計表示.text = told.join(u'　');
@@ -258,10 +263,12 @@ void offerToTakeBack(お墓通Form& form, const std::vector<Receipt>& receipts, 
 
 void showFees(お墓通Form& form, desk::ScreenContext&, desk::Desk& desk) {
     const Listed before = form;
+    const BillingKey position = form.list.position();
     try {
         (form.未納のみ.chosen ? showOwed : showRange)(form, desk);
     } catch (...) {
         form.setListed(before);
+        form.list.setPosition(position);
         form.未納のみ.chosen = before.owedBefore.isValid();
         throw;
     }

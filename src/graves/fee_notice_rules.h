@@ -38,6 +38,7 @@ struct お墓通Form : desk::ListForm<ListedGrave, BillingKey>, Listed {
 
     お墓通Form() : お墓通Form(std::make_shared<printing::LabelChoice>(), std::make_shared<ChosenGraves>()) {}
     QString range() const override;
+    QString printedRange() const override;
     void click(desk::ScreenContext& context, desk::Desk& desk) override;
     void goOn(desk::Desk& desk) override;
     bool sumsUp() const override { return true; }

@@ -54,8 +54,13 @@ std::vector<store::tbl_kazoku> followers(store::Database& database, const store:
     return members;
 }
 
-store::Renamed renamed(const store::tbl_danka& before) {
-    return {before.tbldnk_no1, before.tbldnk_no2, before.tbldnk_nameg, before.tbldnk_namek};
+// Copies of the former names that a branch of the number bears, too: whose they are is not to be told.
+int sharedCopies(store::Database& database, const store::tbl_danka& before) {
+    const auto others = store::countRows<store::tbl_danka>(
+        database, "WHERE tbldnk_no1 = ? AND tbldnk_no2 <> ? AND tbldnk_nameg = ? AND tbldnk_namek = ?",
+        before.tbldnk_no1, before.tbldnk_no2, before.tbldnk_nameg, before.tbldnk_namek);
+    return others == 0 ? 0
+                       : store::countNameCopies(database, before.tbldnk_no1, before.tbldnk_nameg, before.tbldnk_namek);
 }
 
 void correctFamily(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
@@ -67,14 +72,16 @@ void correctFamily(const desk::Held<store::tbl_danka>& household, const store::t
 }
 
 void correctNames(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
-                  const desk::Refusal& words, desk::Desk& desk) {
+                  const desk::Refusal& words, desk::Desk& desk, const std::function<void()>& corrected) {
     if (!desk::copyBefore(desk, words.title)) {
-        offerCopies(household, before, words, desk);
+        offerCopies(household, before, words, desk, {}, corrected);
         return;
     }
     store::Database database;
-    const auto found = store::findNameCopies(database, renamed(before));
-    const auto left = store::writeNameCopies(database, renamed(before));
+    const auto found = store::findNameCopies(database, before.tbldnk_no1);
+    const auto left = store::writeNameCopies(database, before.tbldnk_no1);
+    if (corrected)
+        corrected();
     if (!left.empty()) {
         QStringList lines;
         for (const store::NameCopy& copy : left)
@@ -89,7 +96,8 @@ void correctNames(const desk::Held<store::tbl_danka>& household, const store::tb
     store::tbl_danka named = before;
     named.tbldnk_nameg = household->tbldnk_nameg;
     named.tbldnk_namek = household->tbldnk_namek;
-    offerCopies(household, named, words, desk, u"写し%1件の檀家名を直しました"_s.arg(found.size() - left.size()));
+    offerCopies(household, named, words, desk, u"写し%1件の檀家名を直しました"_s.arg(found.size() - left.size()),
+                corrected);
 }
 
 } // namespace
@@ -127,7 +135,8 @@ std::optional<int> moveFamily(store::Database& database, const desk::Held<store:
 }
 
 void offerCopies(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
-                 const desk::Refusal& words, desk::Desk& desk, const QString& done) {
+                 const desk::Refusal& words, desk::Desk& desk, const QString& done,
+                 const std::function<void()>& corrected) {
     store::Database database;
     const store::tbl_danka& after = household.row();
     QStringList texts;
@@ -140,11 +149,16 @@ void offerCopies(const desk::Held<store::tbl_danka>& household, const store::tbl
                           [&household, &desk, before, words] { correctFamily(household, before, words, desk); }});
     }
     if (!sameNames(before, after)) {
-        if (const auto copies = store::findNameCopies(database, renamed(before)).size()) {
+        if (const auto copies = store::findNameCopies(database, after.tbldnk_no1).size()) {
             texts << u"家族・過去帳・法要・お墓の写し%1件の檀家名が前のままです"_s.arg(copies);
             offers.push_back({u"写しも直す"_s, u"写し%1件の檀家名も直す"_s.arg(copies), u'N',
-                              [&household, &desk, before, words] { correctNames(household, before, words, desk); }});
+                              [&household, &desk, before, words, corrected] {
+                                  correctNames(household, before, words, desk, corrected);
+                              }});
         }
+        if (const int shared = sharedCopies(database, before))
+            texts << u"前の檀家名の写し%1件は、同じ名前の枝番の檀家のものと区別できないため、そのままです"_s.arg(
+                shared);
     }
     if (!texts.isEmpty())
         desk.offer(texts.join(u"。"_s), std::move(offers));

@@ -3,6 +3,7 @@
 #include "desk/desk.h"
 #include "households/registration_rules.h"
 
+#include <functional>
 #include <optional>
 
 // What a household's 更新 leaves behind in the rows that copy from it.
@@ -21,8 +22,10 @@ std::optional<int> moveFamily(store::Database& database, const desk::Held<store:
 // After a household was rewritten: offers in the bar what concerns the members left behind (家族n人も直す) and, where
 // the household's names changed, the rows that still bear the former ones (写しn件の檀家名も直す: after a copy of the
 // register, what hoshiren-db names --write does, for this household). Says done before. Offers nothing where nothing is
-// left. The household must outlive the offers; messages bear the title of the words.
+// left. Copies of the former names that a branch of the number bears as well are told of and left. The household must
+// outlive the offers; messages bear the title of the words. corrected runs when the names have been brought into step.
 void offerCopies(const desk::Held<store::tbl_danka>& household, const store::tbl_danka& before,
-                 const desk::Refusal& words, desk::Desk& desk, const QString& done = {});
+                 const desk::Refusal& words, desk::Desk& desk, const QString& done = {},
+                 const std::function<void()>& corrected = {});
 
 } // namespace households

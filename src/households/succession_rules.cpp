@@ -217,14 +217,15 @@ void CarryOutSuccession(代替当Form& form, desk::ScreenContext& context, desk:
     if (memberRefused() || !desk::change(form.held, database, {title, noHousehold}, desk,
                                          [&](store::tbl_danka& row) { writeHousehold(household, row); }))
         return;
-    // The names only: the address is the new head's own, the others' stay.
+    desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
+    const bool done = desk::change(form.newHead, database, {title, notAMember}, desk,
+                                   [&](store::tbl_kazoku& row) { writeNewHead(household, row, desk.today()); });
+    // The names only: the address is the new head's own, the others' stay. The members listed bear the names.
     store::tbl_danka formerlyNamed = form.held.row();
     formerlyNamed.tbldnk_nameg = before.tbldnk_nameg;
     formerlyNamed.tbldnk_namek = before.tbldnk_namek;
-    offerCopies(form.held, formerlyNamed, {title, noHousehold}, desk);
-    desk.notify(u"入力された内容で檀家さんは更新されました。"_s, title);
-    if (!desk::change(form.newHead, database, {title, notAMember}, desk,
-                      [&](store::tbl_kazoku& row) { writeNewHead(household, row, desk.today()); }))
+    offerCopies(form.held, formerlyNamed, {title, noHousehold}, desk, {}, [&form] { form.held.filledAnew(); });
+    if (!done)
         return;
     desk.notify(u"入力された内容で家族は更新されました。"_s, title);
     if (desk.ask(u"その他の家族の続柄も変更しますか？"_s, title)) {

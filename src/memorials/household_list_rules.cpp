@@ -84,8 +84,6 @@ bool 法要檀Form::read(const QDate& from, const Take& take) const {
 }
 
 void beginHouseholdMemorials(法要檀Form& form, desk::ScreenContext& context, desk::Desk& desk) {
-    if (context.dnk_no1 == 0)
-        return;
     form.household = context;
     form.household.dnk_handedOver = false;
     if (!context.dnk_handedOver) {

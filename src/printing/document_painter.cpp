@@ -346,7 +346,8 @@ void showPreview(std::shared_ptr<const PrintedDocument> document, QWidget* opene
     }
     buttons->addWidget(close);
     whole->addLayout(buttons);
-    window->resize(900, 700);
+    const double letters = window->font().pointSizeF() / 11;
+    window->resize((QSizeF(900, 700) * letters).toSize().boundedTo(window->screen()->availableSize() * 0.95));
     window->setWindowModality(Qt::WindowModal);
     showPage(0);
     window->show();

@@ -60,13 +60,7 @@ QString together(const QString& nameg, const QString& namek) {
     return u"%1（%2）"_s.arg(nameg, namek);
 }
 
-std::vector<Found> find(Database& database, const std::optional<Renamed>& renamed) {
-    std::optional<std::int16_t> household;
-    std::optional<tbl_danka> named; // as it is now
-    if (renamed) {
-        household = renamed->household;
-        named = find(database, idxdnk_no, renamed->household, renamed->branch);
-    }
+std::vector<Found> find(Database& database, std::optional<std::int16_t> household) {
     std::vector<Found> all;
     for (const Holder& holder : holders) {
         SQLite::Statement rows(database.engine(), selection(holder, household));
@@ -74,16 +68,13 @@ std::vector<Found> find(Database& database, const std::optional<Renamed>& rename
             return QString::fromUtf8(rows.getColumn(column).getText(), rows.getColumn(column).getBytes());
         };
         while (rows.executeStep()) {
-            const bool itsOwn = named && text(3) == renamed->nameg && text(4) == renamed->namek;
-            const bool ambiguous = !itsOwn && rows.getColumn(5).getInt() > 1;
-            const QString nameg = itsOwn ? named->tbldnk_nameg : text(6);
-            const QString namek = itsOwn ? named->tbldnk_namek : text(7);
+            const bool ambiguous = rows.getColumn(5).getInt() > 1;
             all.push_back({{holder.kind, text(2), rows.getColumn(1).getInt(), together(text(3), text(4)),
-                            ambiguous ? QString() : together(nameg, namek), ambiguous},
+                            ambiguous ? QString() : together(text(6), text(7)), ambiguous},
                            &holder,
                            rows.getColumn(0).getInt64(),
-                           nameg,
-                           namek});
+                           text(6),
+                           text(7)});
         }
     }
     std::stable_sort(all.begin(), all.end(),
@@ -100,17 +91,32 @@ QStringList kindsOfNameCopies() {
     return kinds;
 }
 
-std::vector<NameCopy> findNameCopies(Database& database, const std::optional<Renamed>& renamed) {
+std::vector<NameCopy> findNameCopies(Database& database, std::optional<std::int16_t> household) {
     std::vector<NameCopy> copies;
-    for (Found& found : find(database, renamed))
+    for (Found& found : find(database, household))
         copies.push_back(std::move(found.copy));
     return copies;
 }
 
-std::vector<NameCopy> writeNameCopies(Database& database, const std::optional<Renamed>& renamed) {
+int countNameCopies(Database& database, std::int16_t household, const QString& nameg, const QString& namek) {
+    int rows = 0;
+    for (const Holder& holder : holders) {
+        SQLite::Statement count(database.engine(), std::string("SELECT count(*) FROM ") + holder.table + " WHERE " +
+                                                       holder.number + " = ? AND ifnull(" + holder.nameg +
+                                                       ", '') = ? AND ifnull(" + holder.namek + ", '') = ?");
+        bindValue(count, 1, household);
+        bindValue(count, 2, nameg);
+        bindValue(count, 3, namek);
+        count.executeStep();
+        rows += count.getColumn(0).getInt();
+    }
+    return rows;
+}
+
+std::vector<NameCopy> writeNameCopies(Database& database, std::optional<std::int16_t> household) {
     std::vector<NameCopy> left;
     Write write(database);
-    for (Found& found : find(database, renamed)) {
+    for (Found& found : find(database, household)) {
         const Holder& holder = *found.holder;
         bool written = false;
         if (!found.copy.ambiguous) {

@@ -22,22 +22,16 @@ struct NameCopy {
     bool ambiguous = false;
 };
 
-// A household that was given other names. The rows that bear the former ones are its own, whatever other branches its
-// number has.
-struct Renamed {
-    std::int16_t household = 0;
-    std::int16_t branch = 0;
-    QString nameg; // before
-    QString namek;
-};
-
 QStringList kindsOfNameCopies();
 
 // Every such row, by household number, or those of one number. Rows without a household are no such rows.
-std::vector<NameCopy> findNameCopies(Database& database, const std::optional<Renamed>& renamed = {});
+std::vector<NameCopy> findNameCopies(Database& database, std::optional<std::int16_t> household = {});
+
+// How many rows of a number bear exactly these names.
+int countNameCopies(Database& database, std::int16_t household, const QString& nameg, const QString& namek);
 
 // Brings them into step with their households, names and kana index, in one write. Gives those that were left: the
 // ambiguous ones, and those that would become the same as another row of their household.
-std::vector<NameCopy> writeNameCopies(Database& database, const std::optional<Renamed>& renamed = {});
+std::vector<NameCopy> writeNameCopies(Database& database, std::optional<std::int16_t> household = {});
 
 } // namespace store

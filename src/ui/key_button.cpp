@@ -20,7 +20,8 @@ struct Verb {
 };
 
 // Free of what a secretary presses for something else: F4 opens a list, F6, F7 and F10 turn what was typed into other
-// characters. What destroys has no key of its own.
+// characters. What destroys has no F-key, and what does so without a question no key at all.
+const QString unasked = u"廃棄"_s;
 const std::array<Verb, 18>& verbs() {
     static const std::array<Verb, 18> all{{{u"照会"_s, Qt::Key_F5, u'S'},
                                            {u"表示"_s, Qt::Key_F5, u'H'},
@@ -37,7 +38,6 @@ const std::array<Verb, 18>& verbs() {
                                            {u"通知処理"_s, Qt::Key_unknown, u'G'},
                                            {u"削除"_s, Qt::Key_unknown, u'E'},
                                            {u"檀家抹消"_s, Qt::Key_unknown, u'M'},
-                                           {u"廃棄"_s, Qt::Key_unknown, u'I'},
                                            {u"予約取消"_s, Qt::Key_unknown, u'C'},
                                            {u"通知取消"_s, Qt::Key_unknown, u'U'}}};
     return all;
@@ -71,7 +71,7 @@ void giveCharacters(const std::vector<KeyButton*>& buttons) {
     for (KeyButton* button : buttons)
         taken += button->character_ = button->known_;
     for (KeyButton* button : buttons) {
-        if (!button->isKnown()) {
+        if (!button->isKnown() && button->text() != unasked) {
             const auto* free =
                 std::ranges::find_if(others, [&](QChar character) { return !taken.contains(character); });
             button->character_ = free == others.end() ? QChar() : *free;

@@ -27,8 +27,11 @@ class ListBox : public QListWidget {
     int chosenRow() const { return currentItem() && currentItem()->isSelected() ? currentRow() : -1; }
     void choose() {
         currentItem()->setSelected(true);
+        followed_ = currentRow();
         chosen();
     }
+    // The form chose the line.
+    void shownChosen(int row) { followed_ = row; }
     // Lists that stand side by side keep their lines level whatever the fonts.
     void level() {
         for (int i = 0; i < count(); ++i)
@@ -36,15 +39,11 @@ class ListBox : public QListWidget {
     }
 
   protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        QListWidget::mousePressEvent(event);
-        pressed_ = chosenRow();
-    }
-    // A mouse that slips to another line between press and release chooses that one without a click.
+    // A mouse that slips between press and release, or its other buttons, select a line without a click.
     void mouseReleaseEvent(QMouseEvent* event) override {
         QListWidget::mouseReleaseEvent(event);
-        if (chosen && chosenRow() >= 0 && chosenRow() != pressed_)
-            chosen();
+        if (chosen && chosenRow() >= 0 && chosenRow() != followed_)
+            choose();
     }
     void keyPressEvent(QKeyEvent* event) override {
         const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -55,11 +54,11 @@ class ListBox : public QListWidget {
         const int before = chosenRow();
         QListWidget::keyPressEvent(event);
         if (chosen && chosenRow() >= 0 && chosenRow() != before)
-            chosen();
+            choose();
     }
 
   private:
-    int pressed_ = -1;
+    int followed_ = -1; // the line whose record the boxes hold
 };
 
 } // namespace
@@ -105,6 +104,7 @@ Layout& Layout::list(const QString& name, desk::List& value, int width, int line
                           box->verticalScrollBar()->setValue(top);
                       }
                       box->setCurrentRow(value.current);
+                      box->shownChosen(value.current);
                       if (value.current < 0)
                           box->clearSelection();
                   }});

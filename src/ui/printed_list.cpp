@@ -53,7 +53,7 @@ void writeListing(Screen& screen, printing::Listing list) {
 
 printing::Listing listingOf(Screen& screen, const desk::AnyList& list) {
     printing::Listing listing{.title = screen.windowTitle(),
-                              .range = list.range(),
+                              .range = list.printedRange(),
                               .date = screen.desk().today().toString(u"yyyy年M月d日"_s)};
     printing::ListingTable table;
     QList<qsizetype> printed;

@@ -223,7 +223,7 @@ bool Screen::operate(const Operation& operation) {
     if (std::exchange(lookAgain_, false))
         lookAtFile();
     refreshBar();
-    if (std::exchange(closing_, false) && (!keyPressed_ || !mayClose_ || mayClose_()))
+    if (std::exchange(closing_, false) && (!keyPressed_ || keyMayClose()))
         close();
     return done;
 }

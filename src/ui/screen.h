@@ -99,6 +99,8 @@ class Screen : public QWidget {
     void askedAgain(const desk::ScreenContext& context);
     // Says in the bar what needs no answer.
     void say(const QString& text);
+    // The bar offers something, or an operation may have it tell something.
+    bool tellsMore() const { return busy_ || !offers_.empty(); }
     // Looks what the bar has to say now.
     void refreshBar();
     NoticeBar* bar() { return bar_; }
@@ -128,8 +130,6 @@ class Screen : public QWidget {
     void addKeyButton(KeyButton* button) { keyButtons_.push_back(button); }
     void giveKeys();
     const std::vector<KeyButton*>& keyButtons() const { return keyButtons_; }
-    // Asked before a key closes the screen; false: it stays.
-    void onKeyClosing(std::function<bool()> mayClose) { mayClose_ = std::move(mayClose); }
     // Runs on Enter in the control, which then does not move on to the next one.
     void onEnter(QWidget* widget, Operation operation);
 
@@ -198,6 +198,7 @@ class Screen : public QWidget {
     void lookAtFile();
     void focusMoved(QWidget* from, QWidget* to);
     void pressWithKey(KeyButton* button);
+    bool keyMayClose();
     void showAltKeys(bool shown);
     void followAlt(QEvent* event);
 
@@ -239,8 +240,7 @@ class Screen : public QWidget {
     std::vector<desk::Offer> offers_;         // beside what was told
     std::vector<const desk::Control*> about_; // boxes that what was told holds for as they are
     std::vector<KeyButton*> keyButtons_;
-    std::function<bool()> mayClose_;
-    bool keyPressed_ = false; // a key presses a button now
+    bool keyPressed_ = false;          // a key presses a button now
     QPushButton* registers_ = nullptr; // the button that wears the accent on an empty screen
     QPushButton* updates_ = nullptr;   // the one that wears it where a record is shown
     bool asks_ = true;

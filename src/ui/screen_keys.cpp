@@ -1,10 +1,13 @@
 // The keys that press a screen's buttons.
 #include "ui/key_button.h"
 #include "ui/screen.h"
+#include "ui/workplace.h"
 
 #include <QKeyEvent>
 #include <QShortcut>
 #include <QTimer>
+
+using namespace Qt::StringLiterals;
 
 namespace ui {
 
@@ -16,6 +19,8 @@ void Screen::giveKeys() {
             keys << button->key();
         if (!button->character().isNull())
             keys << QKeySequence(Qt::ALT | static_cast<Qt::Key>(button->character().unicode()));
+        if (keys.isEmpty())
+            continue;
         // Belongs to the button: one that is hidden or disabled is not pressed.
         auto* shortcut = new QShortcut(button);
         shortcut->setKeys(keys);
@@ -38,6 +43,18 @@ void Screen::pressWithKey(KeyButton* button) {
         button->click();
         keyPressed_ = false;
     });
+}
+
+// Unsaved inputs last as long as the program runs: a key pressed once too often does not end it.
+bool Screen::keyMayClose() {
+    if (!workplace_.isLast(*this) || (workplace_.drafts.all().empty() && !currentDraft()))
+        return true;
+    bool close = false;
+    operate([this, &close] {
+        close = desk().ask(u"保存していない入力があります。\n終了すると消えます。終了しますか？"_s, title(),
+                           desk::Preset::no);
+    });
+    return close;
 }
 
 void Screen::followAlt(QEvent* event) {

@@ -286,6 +286,8 @@ void Screen::refreshBar() {
         bar_->tell(u"「%1」を表示しています。「%2」を開くには「表示する」を押して下さい。"_s.arg(
                        subject_.record ? subject_.record().label() : listed_.label, asked_->record.label),
                    {表示する});
+    else if (!about_.empty()) // of what is typed now: nearer than what was typed before
+        bar_->tell(informed_, {}, offers_);
     else if (draft && !strayKey_.isEmpty())
         bar_->tell(u"「%1」の記録はもうありません。前に入力した内容が残っています"_s.arg(draft->label), {戻す, 捨てる});
     else if (draft)
@@ -354,10 +356,13 @@ void Screen::offerTaken(const Operation& run) {
     const int shown = subject_.record ? subject_.record().showing() : 0;
     QString offeredWith = informed_;
     std::vector<desk::Offer> offers = offers_;
-    if (!operate(run)) {
+    auto about = about_;
+    const int writes = store::writesCommitted();
+    if (!operate(run) && store::writesCommitted() == writes) {
         // It was not carried out: it can be tried again.
         informed_ = std::move(offeredWith);
         offers_ = std::move(offers);
+        about_ = std::move(about);
         refreshBar();
         return;
     }

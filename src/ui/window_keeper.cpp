@@ -15,6 +15,7 @@ namespace {
 
 constexpr std::chrono::milliseconds endOfADrag{400};
 constexpr int widest = 16384; // pixels: more than any window or column has
+constexpr int narrowest = 8;  // narrower nobody sees a column
 constexpr int highestLetters = 1000;
 
 const QString windows = u"windows"_s;
@@ -48,7 +49,7 @@ std::vector<int> widthsKept(const QString& key, int letters) {
     widths.erase(widths.begin());
     for (int& width : widths)
         width = std::min(width * letters / then, widest);
-    return widths;
+    return std::ranges::all_of(widths, [](int width) { return width >= narrowest; }) ? widths : std::vector<int>();
 }
 
 } // namespace

@@ -140,7 +140,7 @@ bool Workplace::resetWindows() {
 }
 
 void Workplace::tellNotKept(Screen& screen) {
-    if (!std::exchange(toldNotKept_, true))
+    if (!screen.tellsMore() && !std::exchange(toldNotKept_, true))
         screen.say(
             u"窓の大きさと列の幅を、次に起動するときまで残せません。設定のファイル「%1」に書き込めるか確認して下さい。"_s
                 .arg(QDir::toNativeSeparators(desk::userSettings().fileName())));
