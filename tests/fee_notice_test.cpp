@@ -130,14 +130,23 @@ TEST_F(FeeNotices, GoOnFromTheCurrentBillingDate) {
     openFeeGrave(form, context, desk); // the grave chosen is gone
     EXPECT_EQ(desk.opened.size(), 2U);
 
-    // A day's graves stand in the order of their numbers, whatever order they were stored in.
-    add(u"(15000, 1, '2008-03-16')"_s);
     form.nextPage(desk);
-    EXPECT_TRUE(numbers().endsWith(u"31 15000 20000"_s));
     // All that was due from the page on is moved on: others are still due.
     execute(u"UPDATE tbl_ohaka SET tblhak_kanri_nxymd = '2010-01-01' WHERE tblhak_kanri_nxymd >= '2008-03-15'"_s);
     desk.opened.front().closed();
     EXPECT_TRUE(numbers().startsWith(u"1 2 "_s));
+}
+
+TEST_F(FeeNotices, LoseNoneOfADayWhateverOrderItsGravesWereStoredIn) {
+    QStringList rows{u"(50, 1, '2008-04-01')"_s};
+    for (int i = 1; i <= 49; ++i)
+        rows << u"(%1, 1, '2008-04-01')"_s.arg(i);
+    add(rows.join(u','));
+    showFees(form, context, desk);
+    EXPECT_TRUE(numbers().startsWith(u"50 1 2 "_s));
+    form.nextPage(desk);
+    EXPECT_TRUE(numbers().startsWith(u"29 30 "_s));
+    EXPECT_TRUE(numbers().endsWith(u" 49"_s));
 }
 
 TEST_F(FeeNotices, PrintALabelAGraveAndMarkNothing) {

@@ -106,12 +106,16 @@ std::string お墓通Form::condition() const {
 
 bool お墓通Form::read(const BillingKey& key, const Take& take) const {
     store::Database database;
-    store::Selection<store::tbl_ohaka> graves(
-        database, condition() + "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC, tbl_ohaka.tblhak_no ASC;",
-        std::max(beginning().billing, key.billing), lastListed());
+    // A day's graves stand in the order they were stored in: one that still stands there is found by its number itself.
+    const bool stands = store::countRows<store::tbl_ohaka>(database, "WHERE tblhak_no = ? AND tblhak_kanri_nxymd = ?",
+                                                           key.grave, key.billing) > 0;
+    store::Selection<store::tbl_ohaka> graves(database, condition() + "ORDER BY tbl_ohaka.tblhak_kanri_nxymd ASC;",
+                                              std::max(beginning().billing, key.billing), lastListed());
     bool found = false;
     while (graves.next()) {
-        found = found || graves.row().tblhak_kanri_nxymd > key.billing || graves.row().tblhak_no >= key.grave;
+        const store::tbl_ohaka& grave = graves.row();
+        found = found || grave.tblhak_kanri_nxymd > key.billing ||
+                (stands ? grave.tblhak_no == key.grave : grave.tblhak_no >= key.grave);
         if (found && !take({graves.row()}))
             break;
     }
