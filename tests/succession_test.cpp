@@ -104,6 +104,8 @@ TEST_F(Succession, WritesHouseholdAndNewHeadAndOffersTheOthers) {
     EXPECT_EQ(member(u"タロウ"_s), formerHead);
     EXPECT_EQ(query(u"SELECT count(*) FROM マスタ WHERE マ_区分 = 2"_s), u"0"_s);
     EXPECT_EQ(desk.opened.at(0).screen, u"家族登"_s);
+    ASSERT_EQ(desk.offered.size(), 1U); // the copies of the former reading, not the address
+    EXPECT_EQ(desk.offered.front().name, u"写しも直す"_s);
     EXPECT_EQ(context.dnk_toshug + context.dnk_kbn + context.dnk_chiku, u"次郎'一般新地区"_s);
 }
 
