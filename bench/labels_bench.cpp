@@ -77,8 +77,7 @@ int main(int argc, char** argv) {
             std::puts(qPrintable(lastDay(most).toString(Qt::ISODate)));
             return 0;
         }
-        const QDate last =
-            argc > 2 ? QDate::fromString(QString::fromLocal8Bit(argv[2]), Qt::ISODate) : lastDay(12000);
+        const QDate last = argc > 2 ? QDate::fromString(QString::fromLocal8Bit(argv[2]), Qt::ISODate) : lastDay(12000);
         if (!last.isValid())
             throw std::runtime_error("no such day");
         QTemporaryDir folder;
